@@ -1,0 +1,78 @@
+// The keyword table and the routines behind the keywords. Each subsystem
+// fills in its routines at start-up; the core dispatches by keyword.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "core/texto.h"
+#include "core/valor.h"
+
+namespace zv {
+
+class Interpretador;
+
+// A command's routine: given the argument text as it stands.
+using Rotina = Valor (*)(Interpretador& zv, const Texto& argumentos);
+// The Rep and Printer routines also get the name (Rep.Add, Printer.Font).
+using RotinaComNome = Valor (*)(Interpretador& zv, const Texto& nome, const Texto& argumentos);
+
+// The 142 keywords, in their order: the order in which an expression is
+// searched for built-in calls.
+inline constexpr int kTotalPalavras = 142;
+extern const std::array<const char16_t*, kTotalPalavras> kPalavrasChave;
+// The block words, upper case.
+extern const std::array<const char16_t*, 8> kPalavrasBloco;
+
+// Index of a keyword (exact spelling) in kPalavrasChave, or -1.
+int IndicePalavra(TextoV palavra);
+
+struct DefinicaoComando {
+  Rotina rotina = nullptr;
+  // No handler of its own: a failure goes up to the enclosing command.
+  bool semTratador = false;
+  // The routine takes no arguments (the argument text is not passed).
+  bool semArgumentos = false;
+  // Start of the handler's message; "Error in command " unless told.
+  const char16_t* prefixoErro = u"Error in command ";
+};
+
+// Hook of the DB block: reads the block from the statement at `posicao`
+// (0-based, its "&#") and returns the number of the block's last statement.
+using GanchoDB = int32_t (*)(Interpretador& zv, const Texto& texto, size_t posicao, size_t fim,
+                             int32_t numero);
+// Hook of NewWindow: the line from column 30.
+using GanchoNewWindow = void (*)(Interpretador& zv, const Texto& argumentos);
+// Hook of an assignment "x = SQL(...TOTALRECORDS...)": the three upper-case
+// names; gives the row count.
+using GanchoTotalSQL = Valor (*)(Interpretador& zv, const Texto& a, const Texto& b, const Texto& c);
+
+// Process-wide table of routines, filled once before any run.
+class TabelaComandos {
+ public:
+  // Defines the routine of a keyword of kPalavrasChave (exact spelling).
+  void Define(TextoV palavra, Rotina rotina, DefinicaoComando opcoes = {});
+  const DefinicaoComando* Rotina_(int indice) const {
+    return (indice >= 0 && indice < kTotalPalavras && definicoes_[indice].rotina) ? &definicoes_[indice]
+                                                                                   : nullptr;
+  }
+
+  RotinaComNome rep = nullptr;
+  RotinaComNome printer = nullptr;
+  GanchoDB db = nullptr;
+  GanchoNewWindow newWindow = nullptr;
+  GanchoTotalSQL totalSql = nullptr;
+
+ private:
+  std::array<DefinicaoComando, kTotalPalavras> definicoes_{};
+};
+
+TabelaComandos& Comandos();
+
+// The number of filled argument slots: up to the first empty one.
+size_t ContaArgumentos(const std::vector<Texto>& argumentos);
+
+}  // namespace zv

@@ -1,0 +1,168 @@
+// One run of a program: the prepared text, the variables, the routines and
+// the walks over the text. All state of a run lives here; the tear-down is
+// this object's destruction.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "core/despacho.h"
+#include "core/host.h"
+#include "core/texto.h"
+#include "core/valor.h"
+#include "core/variaveis.h"
+
+namespace zv {
+
+// The program as the editor holds it: slot 0 the main code, 1 to 6 the
+// further code tabs, 7 to 10 never read; six tab names.
+struct FontePrograma {
+  std::array<Texto, 11> textos;  // TextosFonte
+  std::array<Texto, 7> nomes;    // NomeCodigo (0 to 5 name tabs 1 to 6)
+};
+
+// Statement limits of the markers: five digits.
+inline constexpr int32_t kMaxNumeroMarcador = 99999;
+
+class Interpretador {
+ public:
+  explicit Interpretador(Host& host);
+  ~Interpretador();
+  Interpretador(const Interpretador&) = delete;
+  Interpretador& operator=(const Interpretador&) = delete;
+
+  Host& host() { return host_; }
+
+  // ---- The program and its run -------------------------------------------
+  FontePrograma fonte;
+  Texto nomeArquivoPrograma;  // file name, e.g. "hello.Zvc" (box titles)
+  Texto dirPrograma;          // DirPrograma: the source's folder, with its separator
+  Texto linhaDeComando;       // CommandLine
+  Texto dirConfig;            // folder of ZV.File and Zarvolt8.inf
+  bool modoDepuracao = false; // ModoDepuracao
+  // Ends the run after so many statements (0: no limit); set by tools.
+  int64_t limiteInstrucoes = 0;
+  int64_t instrucoesExecutadas = 0;
+  bool limiteAtingido = false;
+
+  // Start of a run: declares the predeclared variables, prepares the program,
+  // checks the blocks and walks the main text. Returns when the main walk ends.
+  void Executa();
+
+  // ---- Preparation -------------------------------------------------------
+  // Builds TextoPrograma from the sources; empty result when all went well,
+  // else the message that stops the run.
+  Texto PreparaPrograma();
+  Texto textoPrograma;  // TextoPrograma
+
+  // ---- Executor ----------------------------------------------------------
+  void ExecutaTexto(const Texto& texto, const Texto& textoExibicao, int32_t numeroInicial);
+  void ExecutaComando(const Texto& linha);
+  // The run-time error box: LocalAtual, CR, the message; OK and Cancel.
+  void ErroExecucao(const Texto& mensagem);
+  // A critical box with OK (the core's own complaints).
+  void CaixaCritica(const Texto& texto);
+  // Pumps the host once (and so runs due timers).
+  void Bombeia();
+
+  bool executando = true;     // Executando
+  bool pararPrograma = false; // PararPrograma
+  bool janelaFechada = false; // JanelaFechada
+  Texto localAtual;           // LocalAtual
+  Resposta respostaErro = Resposta::OK;  // RespostaErro
+  int profundidade = 0;       // walks nested now
+  static constexpr int kMaxProfundidade = 400;
+
+  // ---- Variables ---------------------------------------------------------
+  Variaveis variaveis;
+  int32_t PosicaoVariavel(TextoV nome) { return variaveis.Posicao(nome); }
+  Valor LeVariavel(TextoV nome);
+  void GravaVariavel(TextoV nome, const Valor& valor, bool deveExistir);
+  void DeclaraVariaveis(const Texto& linha, TextoV palavra);
+  void CriaVariavel(TextoV nome, TextoV tipo) { variaveis.Cria(nome, tipo); }
+  void CriaVetor(TextoV nome, TextoV tipo);
+  void RemoveVariable(TextoV nome);
+  void DeclaraSistema();
+  // Sets the predeclared variables that depend on the window.
+  void DefineVariaveisJanela();
+
+  // ---- Expressions -------------------------------------------------------
+  Valor ValorNumerico(const Texto& texto, bool& numerico);
+  Valor ValorNumerico(const Texto& texto) {
+    bool n = false;
+    return ValorNumerico(texto, n);
+  }
+  Valor ValorTexto(const Texto& texto, bool& numerico);
+  Valor ValorTexto(const Texto& texto) {
+    bool n = false;
+    return ValorTexto(texto, n);
+  }
+  static Texto RemoveAspas(TextoV texto);
+  void Atribui(const Texto& linha, const Texto& nome, bool numerico);
+  // The value of a condition: "TRUE", "FALSE" or empty.
+  Texto AvaliaCondicao(const Texto& condicao);
+  bool forcaTexto = false;  // ForcaTexto
+
+  // ---- Dispatch ----------------------------------------------------------
+  bool EPalavraConhecida(TextoV palavra) const;
+  Valor DespachaComando(const Texto& nome, const Texto& argumentos);
+  // Splits an argument text into `slots` slots (the first empty one ends the
+  // list). More arguments than slots is a host failure.
+  std::vector<Texto> SeparaArgumentos(const Texto& texto, size_t slots, bool separaIgual, bool& numerico);
+  std::vector<Texto> SeparaArgumentos(const Texto& texto, size_t slots, bool separaIgual = false) {
+    bool n = false;
+    return SeparaArgumentos(texto, slots, separaIgual, n);
+  }
+  bool AchaFuncaoInterna(const Texto& texto, Texto par[2]);
+  void ExecutaFuncaoInterna(Texto& texto, const Texto par[2], bool& numerico);
+
+  // ---- Routines ----------------------------------------------------------
+  void RegistraRotinas(const Texto& texto);
+  bool ESub(TextoV palavra) const;
+  void ChamaSub(const Texto& nome);
+  Valor ChamaFuncao(const Texto& nome, const Texto& argumentos);
+  bool AchaFuncaoUsuario(const Texto& texto, Texto par[2], Texto& palavraResultado);
+  void ExecutaFuncaoUsuario(Texto& texto, const Texto par[2], const Texto& palavraResultado);
+
+  std::vector<Texto> nomesFuncoes, tiposFuncoes, nomesSubs, nomesTimers;
+  std::vector<int16_t> ticksTimers;
+  bool temTimer = false;
+  int64_t contadorTiques = 0;
+  Valor valorRetorno;           // ValorRetorno
+  int32_t contadorChamadas = 0; // ContadorChamadas
+
+  // ---- State of other subsystems, per run ---------------------------------
+  // A table that a subsystem keeps for the length of a run (open files,
+  // databases, windows). Made on first use; destroyed at the tear-down, the
+  // last made first.
+  template <class T>
+  T& Estado() {
+    static const char marca = 0;
+    auto it = indiceEstados_.find(&marca);
+    if (it != indiceEstados_.end()) return *static_cast<T*>(estados_[it->second].get());
+    estados_.emplace_back(new T(), [](void* p) { delete static_cast<T*>(p); });
+    indiceEstados_[&marca] = estados_.size() - 1;
+    return *static_cast<T*>(estados_.back().get());
+  }
+
+  // Title of the program's own boxes: the file name without its extension.
+  Texto TituloPrograma() const;
+
+ private:
+  friend struct Caminhada;
+  void TiqueTimer();
+
+  Host& host_;
+  std::vector<std::unique_ptr<void, void (*)(void*)>> estados_;
+  std::unordered_map<const void*, size_t> indiceEstados_;
+};
+
+// Title of the system's own boxes.
+inline const Texto kTituloSistema = u"Zarvolt";
+
+}  // namespace zv

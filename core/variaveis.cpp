@@ -1,0 +1,158 @@
+#include "core/variaveis.h"
+
+namespace zv {
+
+const char16_t* NomeTipo(TipoVariavel t) {
+  switch (t) {
+    case TipoVariavel::String:
+      return u"String";
+    case TipoVariavel::Integer:
+      return u"Integer";
+    case TipoVariavel::Decimal:
+      return u"Decimal";
+  }
+  return u"";
+}
+
+bool LeTipo(TextoV palavra, TipoVariavel& tipo) {
+  if (palavra == u"String")
+    tipo = TipoVariavel::String;
+  else if (palavra == u"Integer")
+    tipo = TipoVariavel::Integer;
+  else if (palavra == u"Decimal")
+    tipo = TipoVariavel::Decimal;
+  else
+    return false;
+  return true;
+}
+
+namespace {
+
+// The directory keeps the first 50 characters, upper case, trimmed.
+Texto NomeGuardado(TextoV nome) {
+  Texto m = Maiusculas(nome.substr(0, 50));
+  return Apara(m);
+}
+
+}  // namespace
+
+size_t Variaveis::TamanhoValores(TipoVariavel t) const {
+  switch (t) {
+    case TipoVariavel::String:
+      return textos.size();
+    case TipoVariavel::Integer:
+      return inteiros.size();
+    case TipoVariavel::Decimal:
+      return decimais.size();
+  }
+  return 0;
+}
+
+int32_t Variaveis::Acha(const Texto& chave) {
+  auto it = indice_.find(chave);
+  if (it == indice_.end()) return -1;
+  const Local& l = it->second.first;
+  tipoEncontrado = static_cast<TipoVariavel>(l.tipo);
+  entradaEncontrada = &dir_[l.tipo][l.indice];
+  return entradaEncontrada->inicio;
+}
+
+int32_t Variaveis::Posicao(TextoV nome) {
+  size_t p = nome.find(u'(');
+  if (p != TextoV::npos) nome = nome.substr(0, p);
+  // A stored name has at most 50 characters, so a longer one is never found.
+  if (nome.size() > 50) return -1;
+  return Acha(Maiusculas(nome));
+}
+
+void Variaveis::Cria(TextoV nome, TextoV tipo, int32_t tamanho) {
+  TipoVariavel t;
+  if (!LeTipo(tipo, t)) return;
+  if (Posicao(nome) >= 0) return;
+  if (tamanho < 0) tamanho = 0;
+  auto& d = dir_[int(t)];
+  EntradaVariavel e;
+  e.nome = NomeGuardado(nome);
+  e.inicio = static_cast<int32_t>(TamanhoValores(t));
+  e.tamanho = tamanho;
+  switch (t) {
+    case TipoVariavel::String:
+      textos.resize(textos.size() + tamanho);
+      break;
+    case TipoVariavel::Integer:
+      inteiros.resize(inteiros.size() + tamanho, 0);
+      break;
+    case TipoVariavel::Decimal:
+      decimais.resize(decimais.size() + tamanho, 0.0);
+      break;
+  }
+  d.push_back(e);
+  auto [it, novo] = indice_.try_emplace(d.back().nome);
+  if (novo) {
+    it->second = {Local{uint8_t(t), uint32_t(d.size() - 1)}, 1};
+  } else {
+    ++it->second.second;
+    // A later type's entry never comes before an earlier one in the search.
+    Local& l = it->second.first;
+    if (uint8_t(t) < l.tipo) l = Local{uint8_t(t), uint32_t(d.size() - 1)};
+  }
+}
+
+void Variaveis::Reindexa(const Texto& chave) {
+  auto it = indice_.find(chave);
+  if (it == indice_.end()) return;
+  for (uint8_t t = 0; t < 3; ++t)
+    for (size_t i = 0; i < dir_[t].size(); ++i)
+      if (dir_[t][i].nome == chave) {
+        it->second.first = Local{t, uint32_t(i)};
+        return;
+      }
+  indice_.erase(it);
+}
+
+bool Variaveis::Remove(TextoV nome) {
+  // The whole name, index and all, is compared.
+  if (nome.size() > 50) return false;
+  Texto chave = Maiusculas(nome);
+  auto it = indice_.find(chave);
+  if (it == indice_.end()) return false;
+  Local l = it->second.first;
+  auto& d = dir_[l.tipo];
+  int32_t f = d[l.indice].inicio, s = d[l.indice].tamanho;
+  d.erase(d.begin() + l.indice);
+  for (size_t i = l.indice; i < d.size(); ++i) {
+    d[i].inicio -= s;
+    // Entries behind it moved down by one: their index entries follow.
+    auto j = indice_.find(d[i].nome);
+    if (j != indice_.end() && j->second.first.tipo == l.tipo && j->second.first.indice == i + 1)
+      j->second.first.indice = uint32_t(i);
+  }
+  switch (static_cast<TipoVariavel>(l.tipo)) {
+    case TipoVariavel::String:
+      textos.erase(textos.begin() + f, textos.begin() + f + s);
+      break;
+    case TipoVariavel::Integer:
+      inteiros.erase(inteiros.begin() + f, inteiros.begin() + f + s);
+      break;
+    case TipoVariavel::Decimal:
+      decimais.erase(decimais.begin() + f, decimais.begin() + f + s);
+      break;
+  }
+  if (--it->second.second == 0)
+    indice_.erase(it);
+  else
+    Reindexa(chave);
+  entradaEncontrada = nullptr;
+  return true;
+}
+
+void Variaveis::Limpa() {
+  for (auto& d : dir_) d.clear();
+  textos.clear();
+  inteiros.clear();
+  decimais.clear();
+  indice_.clear();
+  entradaEncontrada = nullptr;
+}
+
+}  // namespace zv

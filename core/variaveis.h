@@ -1,0 +1,63 @@
+// The variable store: three directories (String, Integer, Decimal) in order
+// of declaration, each beside its value table, with a hash on the name so
+// that a lookup doesn't scan.
+#pragma once
+
+#include <cstdint>
+#include <unordered_map>
+#include <vector>
+
+#include "core/texto.h"
+
+namespace zv {
+
+enum class TipoVariavel : uint8_t { String = 0, Integer = 1, Decimal = 2 };
+const char16_t* NomeTipo(TipoVariavel t);
+// The three type words, exact case; false for any other word.
+bool LeTipo(TextoV palavra, TipoVariavel& tipo);
+
+// A directory entry: the name as stored (upper case, at most 50 characters,
+// trimmed), the index of its first value and its number of values.
+struct EntradaVariavel {
+  Texto nome;
+  int32_t inicio = 0;
+  int32_t tamanho = 1;
+};
+
+class Variaveis {
+ public:
+  // Index of the variable's first value, or -1. The name may carry an index
+  // "(...)", which is cut off. Sets tipoEncontrado.
+  int32_t Posicao(TextoV nome);
+  TipoVariavel tipoEncontrado = TipoVariavel::String;  // TipoEncontrado
+  // The entry found by the last successful Posicao.
+  const EntradaVariavel* entradaEncontrada = nullptr;
+
+  // Creates a variable of `tamanho` values, unless the name exists in any
+  // type. An unknown type word creates nothing.
+  void Cria(TextoV nome, TextoV tipo, int32_t tamanho = 1);
+  // Removes by the whole upper-case name; false when there is none.
+  bool Remove(TextoV nome);
+  void Limpa();
+
+  const std::vector<EntradaVariavel>& Diretorio(TipoVariavel t) const { return dir_[int(t)]; }
+  std::vector<Texto> textos;      // ValoresTexto
+  std::vector<int32_t> inteiros;  // ValoresInteiro
+  std::vector<double> decimais;   // ValoresDecimal
+  size_t TamanhoValores(TipoVariavel t) const;
+
+ private:
+  struct Local {
+    uint8_t tipo;
+    uint32_t indice;  // in its directory
+  };
+  int32_t Acha(const Texto& chave);
+  void Reindexa(const Texto& chave);
+
+  std::vector<EntradaVariavel> dir_[3];
+  // First entry of each stored name in search order (String, Integer,
+  // Decimal, each by declaration), and how many entries carry that name.
+  std::unordered_map<Texto, std::pair<Local, uint32_t>> indice_;
+};
+
+}  // namespace zv

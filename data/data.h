@@ -1,0 +1,10 @@
+// The data subsystem's routines, registered into the keyword table once
+// before any run.
+#pragma once
+
+namespace zv {
+
+// The record commands and the DB block.
+void RegistraDados();
+
+}  // namespace zv

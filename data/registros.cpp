@@ -1,0 +1,7 @@
+#include "data/data.h"
+
+namespace zv {
+
+void RegistraDados() {}
+
+}  // namespace zv

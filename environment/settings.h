@@ -1,0 +1,2 @@
+// Settings store: ZV.File and Zarvolt8.inf.
+#pragma once

@@ -1,0 +1,7 @@
+#include "library/library.h"
+
+namespace zv {
+
+void RegistraArquivos() {}
+
+}  // namespace zv

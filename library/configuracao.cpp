@@ -1,0 +1,7 @@
+#include "library/library.h"
+
+namespace zv {
+
+void RegistraConfiguracao() {}
+
+}  // namespace zv

@@ -1,0 +1,15 @@
+#include "library/library.h"
+
+namespace zv {
+
+void RegistraBiblioteca() {
+  static bool feito = false;
+  if (feito) return;
+  feito = true;
+  RegistraTextos();
+  RegistraDatas();
+  RegistraArquivos();
+  RegistraConfiguracao();
+}
+
+}  // namespace zv
