@@ -76,3 +76,16 @@ TabelaComandos& Comandos();
 size_t ContaArgumentos(const std::vector<Texto>& argumentos);
 
 }  // namespace zv
+
+namespace zv {
+
+// Nesting tags: each "(" becomes "(n]" and each ")" becomes "[n)", n the
+// depth from 1; LimpaParenteses takes them off again.
+Texto MarcaParenteses(TextoV texto);
+Texto LimpaParenteses(TextoV texto);
+// In a marked text, the arguments of the call whose name (tamNome long)
+// starts at q: from behind the first ']' to the next '[' with the same digit,
+// tags taken off; `fim` is the place behind the call's closing parenthesis.
+bool ArgumentosMarcados(const Texto& marcado, size_t q, size_t tamNome, Texto& args, size_t& fim);
+
+}  // namespace zv

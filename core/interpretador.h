@@ -75,7 +75,12 @@ class Interpretador {
   bool janelaFechada = false; // JanelaFechada
   Texto localAtual;           // LocalAtual
   Resposta respostaErro = Resposta::OK;  // RespostaErro
+  // The last clicked button and the last box click, written by the window
+  // layer's events and awaited by Wait ClickButton and Wait ClickBox.
+  Texto ultimoBotao, ultimoCliqueCaixa;
   int profundidade = 0;       // walks nested now
+  // Set when a limit (nesting depth, statement budget) ended the run; stops every walk.
+  bool abortado = false;
   static constexpr int kMaxProfundidade = 400;
 
   // ---- Variables ---------------------------------------------------------
@@ -161,6 +166,9 @@ class Interpretador {
   std::vector<std::unique_ptr<void, void (*)(void*)>> estados_;
   std::unordered_map<const void*, size_t> indiceEstados_;
 };
+
+// Renames whole-word occurrences of a parameter in a function's body.
+void TrocaNome(Texto& texto, const Texto& velho, const Texto& novo);
 
 // Title of the system's own boxes.
 inline const Texto kTituloSistema = u"Zarvolt";

@@ -1,0 +1,313 @@
+#include "core/despacho.h"
+
+#include <unordered_map>
+
+#include "core/interpretador.h"
+
+namespace zv {
+
+const std::array<const char16_t*, kTotalPalavras> kPalavrasChave = {
+    u"JoinStr", u"Message", u"Write", u"Format", u"StrLen", u"SubStr", u"StrPos", u"OpenFile",
+    u"OpenDB", u"AddRecord", u"AddIconSysTray", u"AddSysStartup", u"Wait", u"Random",
+    u"WindowHeight", u"Exp", u"Trim", u"API", u"Atn", u"Round", u"Asc", u"UpdateRecord",
+    u"DownFileFTP", u"ScrollBar", u"BinToDec", u"Box", u"DialogBox", u"Calendar", u"CaptureWindow",
+    u"Chr", u"Call", u"Check", u"Circle", u"Cls", u"Combo", u"ConnectFTP", u"ConnectP2P",
+    u"ConvStr", u"Copy", u"Cos", u"MkDir", u"DecToBin", u"UnCaptureWindow", u"DrawPictures",
+    u"WeekDay", u"Directory", u"GetText", u"SendP2P", u"OutPort", u"ListenP2P", u"ButtonStyle",
+    u"Event", u"DeleteRecord", u"ExtractFile", u"CloseFile", u"CloseDB", u"Picture", u"Fonts",
+    u"Gradient", u"WriteFile", u"RecordSound", u"AnimatedGif", u"Hex", u"Time", u"Image",
+    u"InsertFile", u"WindowWidth", u"ReadFile", u"ReadPoint", u"Inport", u"GetWinReg",
+    u"GetString", u"CompactDB", u"Straight", u"Link", u"ClearWindow", u"Log", u"Mask",
+    u"SystemMenu", u"MinimizeSysTray", u"Currency", u"Frame", u"ChangeIcon", u"ChangeWallpaper",
+    u"Browser", u"NewWindow", u"OrderDB", u"Radio", u"Fix", u"Paint", u"UpFileFTP", u"Position",
+    u"FindFile", u"FindDB", u"Printer", u"Sqr", u"Rep.TestEndPage", u"RGB", u"DeleteFile",
+    u"RemoveSysStartup", u"RmDir", u"Rectangle", u"Label", u"SaveWinReg", u"SaveString", u"Sin",
+    u"SeqStr", u"Sgn", u"RepStr", u"SQL", u"SizeFile", u"Tan", u"Timer", u"TestEmail", u"TestDate",
+    u"TestMouse", u"DateAdd", u"DateDiff", u"KeyTest", u"Text", u"TotalRecordsDB", u"Transition",
+    u"Abs", u"Int", u"StrVal", u"Var", u"Variable", u"Video", u"WebCam", u"RevDate", u"Button",
+    u"Date", u"Day", u"Month", u"Year", u"Font", u"Icon", u"Window", u"ReadRecord", u"Point",
+    u"Rep", u"Sound",
+};
+
+const std::array<const char16_t*, 8> kPalavrasBloco = {u"WHILE", u"LOOP",   u"IF",     u"ELSE",
+                                                       u"ENDIF", u"GOTO",   u"ENDSUB", u"ENDFUNCTION"};
+
+namespace {
+
+struct Indices {
+  std::unordered_map<Texto, int> exato, maiusculo;
+  Indices() {
+    for (int i = 0; i < kTotalPalavras; ++i) {
+      exato.emplace(kPalavrasChave[i], i);
+      maiusculo.emplace(Maiusculas(kPalavrasChave[i]), i);
+    }
+  }
+};
+
+const Indices& Ind() {
+  static const Indices ind;
+  return ind;
+}
+
+int IndiceMaiusculo(const Texto& maiusculo) {
+  auto it = Ind().maiusculo.find(maiusculo);
+  return it == Ind().maiusculo.end() ? -1 : it->second;
+}
+
+}  // namespace
+
+int IndicePalavra(TextoV palavra) {
+  auto it = Ind().exato.find(Texto(palavra));
+  return it == Ind().exato.end() ? -1 : it->second;
+}
+
+void RegistraNucleo(TabelaComandos& t);
+
+TabelaComandos& Comandos() {
+  static TabelaComandos* tabela = [] {
+    auto* t = new TabelaComandos();
+    RegistraNucleo(*t);
+    return t;
+  }();
+  return *tabela;
+}
+
+void TabelaComandos::Define(TextoV palavra, Rotina rotina, DefinicaoComando opcoes) {
+  int i = IndicePalavra(palavra);
+  if (i < 0) return;
+  opcoes.rotina = rotina;
+  definicoes_[i] = opcoes;
+}
+
+size_t ContaArgumentos(const std::vector<Texto>& argumentos) {
+  size_t n = 0;
+  while (n < argumentos.size() && !argumentos[n].empty()) ++n;
+  return n;
+}
+
+Texto MarcaParenteses(TextoV texto) {
+  Texto m;
+  m.reserve(texto.size() + 16);
+  int nivel = 0;
+  for (char16_t c : texto) {
+    if (c == u'(') {
+      ++nivel;
+      m += u'(';
+      m += InteiroParaTexto(nivel);
+      m += u']';
+    } else if (c == u')') {
+      m += u'[';
+      m += InteiroParaTexto(nivel);
+      m += u')';
+      --nivel;
+    } else {
+      m += c;
+    }
+  }
+  return m;
+}
+
+Texto LimpaParenteses(TextoV texto) {
+  Texto t;
+  t.reserve(texto.size());
+  for (size_t i = 0; i < texto.size(); ++i) {
+    char16_t c = texto[i];
+    if (c == u'(' && i + 2 < texto.size() && texto[i + 2] == u']') {
+      t += c;
+      i += 2;
+    } else if (c == u'[' && i + 2 < texto.size() && texto[i + 2] == u')') {
+      ++i;
+    } else {
+      t += c;
+    }
+  }
+  return t;
+}
+
+bool Interpretador::EPalavraConhecida(TextoV palavra) const {
+  Texto m = Maiusculas(palavra);
+  if (IndiceMaiusculo(m) >= 0) return true;
+  for (const char16_t* b : kPalavrasBloco)
+    if (ComecaCom(m, b)) return true;
+  if (!m.empty()) {
+    char16_t u = m.back();
+    if (u == u':' || u == u'+' || u == u'-') return true;
+  }
+  return false;
+}
+
+namespace {
+
+Valor ChamaComTratador(Interpretador& zv, const DefinicaoComando& d, int indice, const Texto& argumentos) {
+  const Texto vazio;
+  const Texto& args = d.semArgumentos ? vazio : argumentos;
+  if (d.semTratador) return d.rotina(zv, args);
+  try {
+    return d.rotina(zv, args);
+  } catch (const FalhaHost& f) {
+    zv.ErroExecucao(Texto(d.prefixoErro) + kPalavrasChave[indice] + u": " + f.descricao);
+  } catch (const std::bad_alloc&) {
+    zv.ErroExecucao(Texto(d.prefixoErro) + kPalavrasChave[indice] + u": " + falha::SemMemoria);
+  } catch (const std::exception& e) {
+    zv.ErroExecucao(Texto(d.prefixoErro) + kPalavrasChave[indice] + u": " + U(e.what()));
+  }
+  return Valor();
+}
+
+}  // namespace
+
+Valor Interpretador::DespachaComando(const Texto& nome, const Texto& argumentos) {
+  Texto m = Maiusculas(nome);
+  const TabelaComandos& tab = Comandos();
+  Valor r;
+  int i = IndiceMaiusculo(m);
+  static const int iChr = IndicePalavra(u"Chr");
+  if (i >= 0) {
+    if (const DefinicaoComando* d = tab.Rotina_(i)) r = ChamaComTratador(*this, *d, i, argumentos);
+  }
+  // Chr, Printer and Rep are also found by prefix.
+  if (ComecaCom(m, u"CHR") && i != iChr) {
+    if (const DefinicaoComando* d = tab.Rotina_(iChr)) r = ChamaComTratador(*this, *d, iChr, argumentos);
+  }
+  if (ComecaCom(m, u"PRINTER") && tab.printer) r = tab.printer(*this, nome, argumentos);
+  if (ComecaCom(m, u"REP") && tab.rep) r = tab.rep(*this, nome, argumentos);
+  return r;
+}
+
+std::vector<Texto> Interpretador::SeparaArgumentos(const Texto& texto, size_t slots, bool separaIgual,
+                                                   bool& numerico) {
+  Texto t = Apara(texto);
+  static const char16_t* const kPreAvaliadas[] = {u"JOINSTR(", u"FORMAT(",    u"DATEADD(",  u"DATEDIFF(",
+                                                  u"READPOINT(", u"FIND(",    u"RGB(",      u"CIRCLE(",
+                                                  u"RECTANGLE(", u"READFILE(", u"COPY(",    u"CALL(",
+                                                  u"SEQSTR(",    u"SUBSTR("};
+  // The splitter knows no parentheses: nested calls with commas are worked
+  // out first, so that their commas don't split the list.
+  Texto m = Maiusculas(t);
+  bool pre = false;
+  for (const char16_t* p : kPreAvaliadas)
+    if (Contem(m, p)) {
+      pre = true;
+      break;
+    }
+  if (pre) {
+    Texto par[2];
+    for (int guarda = 0; guarda < 10000 && AchaFuncaoInterna(t, par); ++guarda) {
+      Texto antes = t;
+      ExecutaFuncaoInterna(t, par, numerico);
+      if (t == antes) break;
+    }
+  }
+  std::vector<Texto> tab(slots);
+  size_t k = 0;
+  Texto buf;
+  auto poe = [&](Texto v) {
+    if (k >= slots) throw FalhaHost(falha::ForaDoIndice);
+    tab[k++] = std::move(v);
+  };
+  for (size_t i = 0; i < t.size(); ++i) {
+    char16_t c = t[i];
+    if (c == u'"') {
+      size_t q = t.find(u'"', i + 1);
+      if (q == NPOS) q = t.size() - 1;
+      buf.append(t, i, q - i + 1);
+      i = q;
+    } else if (c == u',') {
+      poe(Apara(buf));
+      buf.clear();
+    } else if (c == u'=' && separaIgual) {
+      poe(Apara(buf));
+      buf.clear();
+      poe(u"=");
+    } else {
+      buf += c;
+    }
+  }
+  poe(Apara(buf));
+  return tab;
+}
+
+namespace {
+
+bool ELetraDeNome(char16_t c) {
+  return EDigito(c) || (c >= u'A' && c <= u'Z') || (c >= u'_' && c <= u'z');
+}
+
+}  // namespace
+
+bool ArgumentosMarcados(const Texto& m, size_t q, size_t tamNome, Texto& args, size_t& fim) {
+  size_t r = m.find(u']', q + tamNome);
+  if (r == NPOS || r == 0) return false;
+  Texto fecho = Texto(u"[") + m[r - 1];
+  size_t s = m.find(fecho, r + 1);
+  if (s == NPOS) return false;
+  args = LimpaParenteses(TextoV(m).substr(r + 1, s - r - 1));
+  fim = s + 2;
+  if (fim < m.size() && m[fim] == u')') ++fim;
+  return true;
+}
+
+bool Interpretador::AchaFuncaoInterna(const Texto& texto, Texto par[2]) {
+  if (ComecaCom(texto, u"RetStr String")) return false;
+  Texto t = LimpaParenteses(Apara(texto));
+  if (!t.empty() && t.front() == u'"' && t.back() == u'"') return false;
+  par[0].clear();
+  par[1].clear();
+  // Nothing can be a call without a '(' or a blank behind a keyword.
+  if (t.find_first_of(u"( ") == NPOS) return false;
+  for (int k = 0; k < kTotalPalavras; ++k) {
+    TextoV kw = kPalavrasChave[k];
+    size_t p = t.find(kw);
+    if (p == NPOS) continue;
+    size_t e = p + kw.size();
+    if (e >= t.size() || (t[e] != u'(' && t[e] != u' ')) continue;
+    Texto m = MarcaParenteses(t);
+    size_t q = m.find(kw);
+    size_t w = q;
+    while (w < m.size() && ELetraDeNome(m[w])) ++w;
+    Texto nome = Apara(TextoV(m).substr(q, w - q));
+    size_t fim;
+    if (!ArgumentosMarcados(m, q, nome.size(), par[1], fim)) {
+      CaixaCritica(u"Error in command " + t + CR + CR + u"Make sure you put the arguments in parentheses!");
+      par[1].clear();
+      return false;
+    }
+    par[0] = nome;
+    return true;
+  }
+  return false;
+}
+
+void Interpretador::ExecutaFuncaoInterna(Texto& texto, const Texto par[2], bool& numerico) {
+  static const char16_t* const kNumericas[] = {u"INT", u"STRVAL", u"EXP", u"ATN", u"ROUND", u"COS",
+                                               u"FIX", u"SQR",    u"SIN", u"TAN", u"ABS"};
+  Texto nomeM = Maiusculas(par[0]);
+  bool funcaoNumerica = false;
+  for (const char16_t* n : kNumericas)
+    if (nomeM == n) funcaoNumerica = true;
+  Texto t = LimpaParenteses(texto);
+  Texto m = MarcaParenteses(t);
+  size_t q = m.find(par[0]);
+  if (q == NPOS) return;
+  Texto cabeca = LimpaParenteses(TextoV(m).substr(0, q));
+  Valor r = DespachaComando(par[0], par[1]);
+  Texto novo = cabeca + r.ComoTexto();
+  Texto argsAparados = Apara(par[1]);
+  if (!numerico && (argsAparados.empty() || PosicaoVariavel(argsAparados) >= 0)) {
+    // Only the one character behind the call's first ')' survives.
+    size_t qt = t.find(par[0]);
+    size_t fp = t.find(u')', qt + par[0].size());
+    if (!funcaoNumerica && fp != NPOS && fp + 1 < t.size()) novo += t[fp + 1];
+    texto = std::move(novo);
+    return;
+  }
+  Texto args;
+  size_t fim;
+  if (ArgumentosMarcados(m, q, par[0].size(), args, fim)) novo += LimpaParenteses(TextoV(m).substr(fim));
+  if (numerico)
+    for (auto& c : novo)
+      if (c == u',') c = u'.';
+  texto = std::move(novo);
+}
+
+}  // namespace zv

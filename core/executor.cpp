@@ -1,0 +1,377 @@
+// The statement executor: walks a prepared text statement by statement,
+// finding its way by searching for markers.
+#include <array>
+
+#include "core/interpretador.h"
+#include "core/preparacao.h"
+
+namespace zv {
+
+namespace {
+
+// The number behind an "&#" at `p` (five digits, read as far as digits go).
+int32_t NumeroEm(const Texto& t, size_t p) {
+  int32_t n = 0;
+  for (size_t k = p; k < p + 5 && k < t.size() && EDigito(t[k]); ++k) n = n * 10 + (t[k] - u'0');
+  return n;
+}
+
+Texto MarcaComando(int32_t numero) { return u"&#" + Preenche(numero, 5); }
+
+// Editor and line (plus one) of a prepared line, as plain numbers.
+void Localizacao(const Texto& linha, Texto& editor, Texto& numLinha) {
+  int32_t e = 0, l = 0;
+  for (size_t k = 16; k < 18 && k < linha.size() && EDigito(linha[k]); ++k) e = e * 10 + (linha[k] - u'0');
+  for (size_t k = 9; k < 14 && k < linha.size() && EDigito(linha[k]); ++k) l = l * 10 + (linha[k] - u'0');
+  editor = InteiroParaTexto(e);
+  numLinha = InteiroParaTexto(int64_t(l) + 1);
+}
+
+// The depth tag that follows a block word at `p` (its "[" at p + tamanho).
+Texto TagProfundidade(const Texto& linha, size_t inicio) {
+  size_t b = linha.find(u']', inicio);
+  return b == NPOS ? linha.substr(inicio) : linha.substr(inicio, b - inicio);
+}
+
+bool ProfundidadeValida(const Texto& tag, int& d) {
+  double v;
+  if (!LeNumero(tag, v)) return false;
+  d = static_cast<int>(v);
+  return d >= 0 && d <= 20;
+}
+
+// The text from `p` on, or empty when the line is shorter.
+Texto Resto(const Texto& linha, size_t p) { return p < linha.size() ? linha.substr(p) : Texto(); }
+
+}  // namespace
+
+Interpretador::Interpretador(Host& host) : host_(host) {}
+
+Interpretador::~Interpretador() {
+  // Tear-down: the other subsystems' tables go first, the last made first.
+  while (!estados_.empty()) estados_.pop_back();
+}
+
+Texto Interpretador::TituloPrograma() const {
+  Texto n = nomeArquivoPrograma;
+  return n.size() > 4 ? n.substr(0, n.size() - 4) : Texto();
+}
+
+void Interpretador::CaixaCritica(const Texto& texto) {
+  Caixa c;
+  c.tipo = TipoCaixa::Critico;
+  c.botoes = Botoes::OK;
+  c.titulo = kTituloSistema;
+  c.texto = texto;
+  host_.MostraCaixa(c);
+}
+
+void Interpretador::ErroExecucao(const Texto& mensagem) {
+  Caixa c;
+  c.tipo = TipoCaixa::Erro;
+  c.botoes = Botoes::OKCancel;
+  c.padrao = Resposta::OK;
+  c.titulo = kTituloSistema;
+  c.texto = localAtual + CR + mensagem;
+  respostaErro = host_.MostraCaixa(c);
+  if (respostaErro == Resposta::Cancel) pararPrograma = true;
+}
+
+void Interpretador::Bombeia() { host_.Bombeia(); }
+
+namespace {
+
+struct Profundidade {
+  int& n;
+  explicit Profundidade(int& p) : n(p) { ++n; }
+  ~Profundidade() { --n; }
+};
+
+// The statement as the user wrote it, for the step box.
+Texto ComandoParaExibir(Texto l) {
+  auto troca = [&l](TextoV de, TextoV para) {
+    for (size_t p = l.find(de); p != NPOS; p = l.find(de, p + para.size())) l.replace(p, de.size(), para);
+  };
+  troca(u"+ =", u"+=");
+  troca(u"- =", u"-=");
+  l = Resto(l, kColunaComando);
+  for (const char16_t* w : {u"While[", u"Loop[", u"EndIf[", u"If["}) {
+    size_t p = l.find(w);
+    if (p == NPOS) continue;
+    size_t a = p + Texto(w).size() - 1;
+    size_t b = l.find(u']', a);
+    if (b != NPOS) l.erase(a, b - a + 1);
+  }
+  return l;
+}
+
+}  // namespace
+
+void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao, int32_t numeroInicial) {
+  Profundidade prof(profundidade);
+  if (profundidade > kMaxProfundidade) {
+    if (!abortado) {
+      CaixaCritica(localAtual + CR + u"Too many nested calls: routines can't be nested more than " +
+                   InteiroParaTexto(kMaxProfundidade) + u" deep!");
+    }
+    abortado = true;
+    return;
+  }
+  pararPrograma = false;
+  std::array<Texto, 21> resultadoCondicao;  // ResultadoCondicao
+
+  int32_t numero = numeroInicial;
+  if (numeroInicial == 0) {
+    size_t p = texto.find(u"&#");
+    if (p == NPOS) return;
+    numero = NumeroEm(texto, p + 2);
+  }
+  size_t pos = texto.find(MarcaComando(numero));
+  if (pos == NPOS) return;
+  size_t fim = texto.find(CRLF, pos);
+  if (fim == NPOS) fim = texto.size();
+
+  Texto editor, numLinha;
+  for (;;) {
+    if (!executando || janelaFechada || pararPrograma || abortado) return;
+    if (limiteInstrucoes > 0 && ++instrucoesExecutadas > limiteInstrucoes) {
+      limiteAtingido = true;
+      abortado = true;
+      return;
+    }
+    Texto linha = texto.substr(pos, fim - pos);
+    Localizacao(linha, editor, numLinha);
+    localAtual = u"Editor: " + editor + u" Line: " + numLinha;
+
+    Texto maius = Maiusculas(linha);
+    if (Contem(maius, u"ENDPROGRAM")) {
+      pararPrograma = true;
+      return;
+    }
+    if (Contem(maius, u"ENDFUNCTION")) return;
+    if (Contem(maius, u"ENDWINDOW")) {
+      host_.FechaJanela();
+      executando = false;
+      return;
+    }
+    if (modoDepuracao) {
+      size_t h = textoExibicao.find(MarcaComando(numero));
+      Texto l = linha;
+      if (h != NPOS) {
+        size_t f = textoExibicao.find(CRLF, h);
+        l = textoExibicao.substr(h, (f == NPOS ? textoExibicao.size() : f) - h);
+      }
+      Texto e, n;
+      Localizacao(l, e, n);
+      Caixa c;
+      c.tipo = TipoCaixa::Passo;
+      c.botoes = Botoes::OKCancel;
+      c.titulo = kTituloSistema;
+      c.texto = u"Editor: " + e + CR + u"Line: " + n + CR + CR + ComandoParaExibir(l);
+      if (host_.MostraCaixa(c) == Resposta::Cancel) return;
+    }
+
+    bool tratado = false;
+    bool semAvanco = false;  // the loop goes on with `numero` itself
+    size_t p;
+    if (TerminaCom(linha, u"++") || TerminaCom(linha, u"--")) {
+      bool mais = TerminaCom(linha, u"++");
+      p = linha.find(mais ? u"++" : u"--");
+      size_t b = p == 0 ? NPOS : linha.rfind(u' ', p - 1);
+      Texto nome = linha.substr(b == NPOS ? 0 : b + 1, b == NPOS ? p : p - b - 1);
+      Valor v = LeVariavel(nome);
+      Valor r = mais ? SomaValores(v, Valor::DeInt32(1)) : SubtraiValores(v, Valor::DeInt32(1));
+      GravaVariavel(nome, r, true);
+      tratado = true;
+    } else if (Contem(linha, u"+ = ") || Contem(linha, u" + =") || Contem(linha, u"- = ") ||
+               Contem(linha, u" - =")) {
+      bool mais = Contem(linha, u"+ = ") || Contem(linha, u" + =");
+      const char16_t* op = mais ? u"+ = " : u"- = ";
+      size_t q = linha.find(op);
+      if (q != NPOS && q > 0 && linha[q - 1] != u' ') linha.insert(q, u" ");
+      p = linha.find(mais ? u" + =" : u" - =");
+      if (p != NPOS) {
+        size_t b = p == 0 ? NPOS : linha.rfind(u' ', p - 1);
+        Texto nome = linha.substr(b == NPOS ? 0 : b + 1, b == NPOS ? p : p - b - 1);
+        bool numerico = false;
+        Valor d = ValorNumerico(Resto(linha, p + 5), numerico);
+        Valor v = LeVariavel(nome);
+        GravaVariavel(nome, mais ? SomaValores(v, d) : SubtraiValores(v, d), true);
+        tratado = true;
+      }
+    } else if (Contem(maius, u"NEWWINDOW")) {
+      if (Comandos().newWindow) Comandos().newWindow(*this, Resto(linha, 29));
+      tratado = true;
+    } else if (linha.compare(kColunaComando, 2, u"DB") == 0 && Comandos().db) {
+      numero = Comandos().db(*this, texto, pos, fim, numero);
+      tratado = true;
+    } else if ((p = linha.find(u"GoTo")) != NPOS) {
+      Texto rotulo = Resto(linha, p + 5);
+      if (TerminaCom(rotulo, u":")) {
+        CaixaCritica(u"Error in command GoTo (Ed.: " + editor + u" Line " + numLinha +
+                     u"): Label can't have character : (colon)!");
+        return;
+      }
+      rotulo += u':';
+      size_t h = texto.find(rotulo);
+      size_t a = h == NPOS ? NPOS : texto.rfind(u"&#", h);
+      if (a == NPOS) {
+        CaixaCritica(u"Error in command GoTo (Ed.: " + editor + u" Line " + numLinha + u"): Label not found: " +
+                     rotulo);
+        return;
+      }
+      pos = a;
+      numero = NumeroEm(texto, a + 2);
+      tratado = semAvanco = true;
+    }
+
+    if (!tratado && (p = linha.find(u"While[")) != NPOS) {
+      Texto tag = TagProfundidade(linha, p + 6);
+      if (AvaliaCondicao(Resto(linha, p + 9)) == u"TRUE") {
+        tratado = true;
+      } else {
+        size_t h = texto.find(u"Loop[" + tag + u"]", pos);
+        if (h != NPOS) {
+          numero = NumeroEm(texto, texto.rfind(u"&#", h) + 2);
+          tratado = true;
+        }
+      }
+    }
+    if (!tratado && (p = linha.find(u"Loop[")) != NPOS) {
+      Texto tag = TagProfundidade(linha, p + 5);
+      size_t h = texto.rfind(u"While[" + tag + u"]", pos);
+      size_t a = h == NPOS ? NPOS : texto.rfind(u"&#", h);
+      if (a == NPOS) return;  // the While lies outside this stretch
+      pos = a;
+      numero = NumeroEm(texto, a + 2);
+      tratado = semAvanco = true;
+    }
+    bool eraEndIf = false;
+    if (!tratado && (p = linha.find(u"EndIf[")) != NPOS) {
+      int d = -1;
+      if (!ProfundidadeValida(TagProfundidade(linha, p + 6), d)) return;
+      resultadoCondicao[d].clear();
+      eraEndIf = true;
+    }
+    if (!tratado && !eraEndIf && (p = linha.find(u"If[")) != NPOS) {
+      Texto tag = TagProfundidade(linha, p + 3);
+      int d = -1;
+      if (!ProfundidadeValida(tag, d)) {
+        if (d > 20)
+          CaixaCritica(localAtual + CR + u"If blocks can't be nested more than 21 levels deep!");
+        return;
+      }
+      Texto v = AvaliaCondicao(Resto(linha, p + 6));
+      resultadoCondicao[d] = v;
+      if (Contem(linha, u"MouseClick")) GravaVariavel(u"MouseClick", Valor::DeTexto(u"FALSE"), false);
+      if (v == u"TRUE") {
+        tratado = true;
+      } else {
+        size_t hE = texto.find(u"EndIf[" + tag + u"]", pos);
+        size_t hL = texto.find(u"Else[" + tag + u"]", pos);
+        int32_t nE = hE == NPOS ? -1 : NumeroEm(texto, texto.rfind(u"&#", hE) + 2);
+        int32_t nL = hL == NPOS ? -1 : NumeroEm(texto, texto.rfind(u"&#", hL) + 2);
+        if (hL != NPOS && hE != NPOS && nL < nE) {
+          numero = nL;
+          tratado = true;
+        } else if (hE != NPOS) {
+          numero = nE;
+          resultadoCondicao[d].clear();
+          tratado = true;
+        }
+      }
+    }
+    if (!tratado && (p = linha.find(u"Else[")) != NPOS) {
+      Texto tag = TagProfundidade(linha, p + 5);
+      int d = -1;
+      if (!ProfundidadeValida(tag, d)) return;
+      if (resultadoCondicao[d] == u"FALSE") {
+        tratado = true;
+      } else {
+        size_t hE = texto.find(u"EndIf[" + tag + u"]", pos);
+        if (hE != NPOS) {
+          numero = NumeroEm(texto, texto.rfind(u"&#", hE) + 2);
+          resultadoCondicao[d].clear();
+          tratado = true;
+        }
+      }
+    }
+    if (!tratado) ExecutaComando(linha);
+
+    if (semAvanco) {
+      fim = texto.find(CRLF, pos);
+      if (fim == NPOS) fim = texto.size();
+      continue;
+    }
+    // Next statement: the next number, searched forward from here.
+    ++numero;
+    Texto marca = MarcaComando(numero);
+    size_t prox = (fim + 2 + marca.size() <= texto.size() && texto.compare(fim + 2, marca.size(), marca) == 0 &&
+                   texto.find(marca, pos) == fim + 2)
+                      ? fim + 2
+                      : texto.find(marca, pos);
+    if (prox == NPOS) return;
+    pos = prox;
+    fim = texto.find(CRLF, pos);
+    if (fim == NPOS) fim = texto.size();
+  }
+}
+
+void Interpretador::ExecutaComando(const Texto& linha) {
+  Texto resto = Resto(linha, kColunaComando);
+  size_t b = resto.find(u' ');
+  Texto palavra = b == NPOS ? resto : resto.substr(0, b);
+  Texto args = b == NPOS ? Texto() : resto.substr(b + 1);
+  Texto maius = Maiusculas(palavra);
+  if (maius == u"VAR" || maius == u"VARIABLE") {
+    DeclaraVariaveis(linha, palavra);
+    return;
+  }
+  if (ESub(palavra)) {
+    ChamaSub(Apara(palavra));
+    return;
+  }
+  if (maius == u"RETURN") {
+    bool numerico = false;
+    valorRetorno = ValorNumerico(args, numerico);
+    return;
+  }
+  if (PosicaoVariavel(palavra) >= 0) {
+    bool eTexto = variaveis.tipoEncontrado == TipoVariavel::String;
+    Atribui(linha, palavra, !eTexto);
+    return;
+  }
+  if (EPalavraConhecida(palavra) || ComecaCom(maius, u"REP.") || ComecaCom(maius, u"PRINTER.")) {
+    DespachaComando(palavra, args);
+    return;
+  }
+  ErroExecucao(u"Error: variable undeclared: " + palavra);
+}
+
+void Interpretador::Executa() {
+  variaveis.Limpa();
+  contadorChamadas = 0;
+  contadorTiques = 0;
+  executando = true;
+  pararPrograma = false;
+  abortado = false;
+  janelaFechada = false;
+  DeclaraSistema();
+  Texto msg = PreparaPrograma();
+  if (msg.empty()) msg = VerificaBlocos(textoPrograma);
+  if (!msg.empty()) {
+    CaixaCritica(msg);
+    return;
+  }
+  DefineVariaveisJanela();
+  janelaFechada = false;
+  if (!Contem(textoPrograma, u"StartWindowInvisible")) host_.MostraJanela();
+  try {
+    ExecutaTexto(textoPrograma, textoPrograma, 0);
+  } catch (const FalhaHost&) {
+    // A failure that no command caught ends the main walk without a word.
+  } catch (const std::exception&) {
+  }
+}
+
+}  // namespace zv

@@ -1,0 +1,440 @@
+// Expressions are worked out by rewriting text: calls are replaced by their
+// results, names by their values, and what is left is read or calculated.
+#include <array>
+#include <cmath>
+
+#include "core/expressao.h"
+#include "core/interpretador.h"
+
+namespace zv {
+
+namespace {
+
+// Bounds the splice loops: a call whose result spells the same call again
+// must not loop for ever.
+constexpr int kMaxSubstituicoes = 10000;
+
+bool FuncaoNumerica(const Texto& nome) {
+  static const char16_t* const k[] = {u"INT", u"STRVAL", u"EXP", u"ATN", u"ROUND", u"COS",
+                                      u"FIX", u"SQR",    u"SIN", u"TAN", u"ABS"};
+  Texto m = Maiusculas(nome);
+  for (const char16_t* n : k)
+    if (m == n) return true;
+  return false;
+}
+
+// A precedence evaluator over the characters of a text of numbers and
+// operators. Any failure makes the result empty.
+class Calculo {
+ public:
+  explicit Calculo(TextoV t) : t_(t) {}
+  bool Executa(double& r) {
+    if (!Soma(r, true)) return false;
+    Brancos();
+    return i_ == t_.size() && std::isfinite(r);
+  }
+
+ private:
+  void Brancos() {
+    while (i_ < t_.size() && t_[i_] == u' ') ++i_;
+  }
+  char16_t Proximo() {
+    Brancos();
+    return i_ < t_.size() ? t_[i_] : 0;
+  }
+  // Lowest level: + and -. A '-' with nothing on its left takes 0 as left.
+  bool Soma(double& r, bool inicioGrupo) {
+    char16_t c = Proximo();
+    if (inicioGrupo && (c == u'-' || c == u'+')) {
+      r = 0;
+    } else if (!Produto(r)) {
+      return false;
+    }
+    for (;;) {
+      c = Proximo();
+      if (c != u'+' && c != u'-') return true;
+      ++i_;
+      double d;
+      if (!Produto(d)) return false;
+      r = c == u'+' ? r + d : r - d;
+    }
+  }
+  bool Produto(double& r) {
+    if (!Potencia(r)) return false;
+    for (;;) {
+      char16_t c = Proximo();
+      if (c != u'*' && c != u'/' && c != u'%' && c != u'&' && c != u'@') return true;
+      ++i_;
+      double d;
+      if (!Potencia(d)) return false;
+      switch (c) {
+        case u'*':
+          r *= d;
+          break;
+        case u'/':
+          if (d == 0) return false;
+          r /= d;
+          break;
+        default: {
+          int32_t a = Inteiro32(r), b = Inteiro32(d);
+          if (c == u'%') {
+            // A remainder by zero is a failure of the host, not of the sum.
+            if (b == 0) throw FalhaHost(falha::DivisaoPorZero);
+            r = b == -1 ? 0 : a % b;
+          } else {
+            r = c == u'&' ? (a & b) : (a | b);
+          }
+        }
+      }
+    }
+  }
+  static int32_t Inteiro32(double v) {
+    double x = ArredondaPar(v);
+    if (!(x >= -2147483648.0 && x <= 2147483647.0)) throw FalhaHost(falha::Estouro);
+    return static_cast<int32_t>(x);
+  }
+  // '^' groups from the left too.
+  bool Potencia(double& r) {
+    if (!Fator(r)) return false;
+    while (Proximo() == u'^') {
+      ++i_;
+      double d;
+      if (!Fator(d)) return false;
+      r = std::pow(r, d);
+    }
+    return true;
+  }
+  bool Fator(double& r) {
+    char16_t c = Proximo();
+    if (c == u'(') {
+      ++i_;
+      if (++nivel_ > 200) return false;
+      if (!Soma(r, true)) return false;
+      --nivel_;
+      if (Proximo() != u')') return false;
+      ++i_;
+      return true;
+    }
+    // A sign right behind an operator belongs to its number: 2 * -3.
+    if (c == u'-' || c == u'+') {
+      ++i_;
+      if (++nivel_ > 200) return false;
+      if (!Fator(r)) return false;
+      --nivel_;
+      if (c == u'-') r = -r;
+      return true;
+    }
+    std::string s;
+    bool ponto = false;
+    while (i_ < t_.size() && (EDigito(t_[i_]) || t_[i_] == u'.')) {
+      if (t_[i_] == u'.') {
+        if (ponto) return false;
+        ponto = true;
+      }
+      s += static_cast<char>(t_[i_]);
+      ++i_;
+    }
+    if (s.empty() || s == ".") return false;
+    double v;
+    if (!LeNumero(Texto(s.begin(), s.end()), v)) return false;
+    r = v;
+    return true;
+  }
+
+  TextoV t_;
+  size_t i_ = 0;
+  int nivel_ = 0;
+};
+
+}  // namespace
+
+Texto CalculaExpressao(TextoV texto) {
+  double r;
+  Calculo c(texto);
+  if (!c.Executa(r)) return Texto();
+  return NumeroParaTexto(r);
+}
+
+bool ExpressaoAritmetica(TextoV texto) {
+  if (texto.find_first_of(u"/*-+^%") == TextoV::npos) return false;
+  if (texto.empty() || texto[0] == u'"') return false;
+  return Apara(Interpretador::RemoveAspas(texto)).size() > 2;
+}
+
+Texto Interpretador::RemoveAspas(TextoV t) {
+  long ini = 0, fim = static_cast<long>(t.size()) - 1;
+  if (ComecaCom(t, u"(\""))
+    ini = 2;
+  else if (ComecaCom(t, u"\""))
+    ini = 1;
+  if (TerminaCom(t, u"\")"))
+    fim -= 2;
+  else if (TerminaCom(t, u"\""))
+    fim -= 1;
+  if (fim < ini) return Texto();
+  return Texto(t.substr(ini, fim - ini + 1));
+}
+
+Texto TrocaVariaveis(Interpretador& zv, TextoV t, int64_t& pecas) {
+  Texto saida;
+  pecas = 0;
+  for (size_t i = 0; i < t.size(); ++i) {
+    char16_t c = t[i];
+    if (ELetra(c)) {
+      size_t j = i;
+      while (j < t.size() && (ELetra(t[j]) || EDigito(t[j]) || t[j] == u'_' || t[j] == u'.')) ++j;
+      if (j < t.size() && t[j] == u'(') {
+        size_t k = t.find(u')', j);
+        j = k == TextoV::npos ? t.size() : k + 1;
+      }
+      saida += zv.LeVariavel(t.substr(i, j - i)).ComoTexto();
+      i = j - 1;
+    } else {
+      saida += c;
+    }
+    ++pecas;
+  }
+  return saida;
+}
+
+namespace {
+
+// Runs the built-in and then the user calls found in the text.
+void SubstituiChamadas(Interpretador& zv, Texto& t, bool& numerico) {
+  Texto par[2];
+  for (int g = 0; g < kMaxSubstituicoes && zv.AchaFuncaoInterna(t, par); ++g) {
+    if (FuncaoNumerica(par[0])) numerico = true;
+    Texto antes = t;
+    zv.ExecutaFuncaoInterna(t, par, numerico);
+    if (t == antes) break;
+  }
+  Texto palavra;
+  for (int g = 0; g < kMaxSubstituicoes && zv.AchaFuncaoUsuario(t, par, palavra); ++g) {
+    Texto antes = t;
+    zv.ExecutaFuncaoUsuario(t, par, palavra);
+    if (t == antes) break;
+  }
+}
+
+}  // namespace
+
+Valor Interpretador::ValorNumerico(const Texto& texto, bool& numerico) {
+  Texto t = Apara(LimpaParenteses(texto));
+  SubstituiChamadas(*this, t, numerico);
+  double v;
+  if (LeNumero(t, v)) return Valor::DeDouble(v);
+  Texto a = Apara(t);
+  if (ExpressaoAritmetica(a)) {
+    int64_t pecas;
+    Texto s = TrocaVariaveis(*this, a, pecas);
+    if (pecas == 1) return Valor::DeTexto(s);
+    Texto r = CalculaExpressao(s);
+    for (auto& c : r)
+      if (c == u',') c = u'.';
+    if (!LeNumero(r, v)) v = 0;
+    return Valor::DeDecimal(v);
+  }
+  if (PosicaoVariavel(a) >= 0) return LeVariavel(a);
+  return Valor::DeTexto(RemoveAspas(a));
+}
+
+Valor Interpretador::ValorTexto(const Texto& texto, bool& numerico) {
+  Texto t = texto;
+  SubstituiChamadas(*this, t, numerico);
+  if (PosicaoVariavel(t) >= 0) return LeVariavel(t);
+  return Valor::DeTexto(RemoveAspas(t));
+}
+
+void SeparaCondicao(TextoV t, Condicao& c) {
+  for (auto& x : c.operandos) x.clear();
+  for (auto& x : c.relacoes) x.clear();
+  for (auto& x : c.conectores) x.clear();
+  size_t no = 0, nr = 0, nc = 0;
+  Texto buf;
+  auto guarda = [](std::array<Texto, 51>& tab, size_t& n, Texto v) {
+    if (n >= tab.size()) throw FalhaHost(falha::ForaDoIndice);
+    tab[n++] = std::move(v);
+  };
+  for (size_t i = 0; i < t.size(); ++i) {
+    char16_t ch = t[i];
+    if (ch == u'"') {
+      size_t q = t.find(u'"', i + 1);
+      if (q == TextoV::npos) q = t.size() - 1;
+      buf.append(t.substr(i, q - i + 1));
+      i = q;
+      continue;
+    }
+    char16_t n = i + 1 < t.size() ? Maiuscula(t[i + 1]) : 0;
+    char16_t m = i + 2 < t.size() ? Maiuscula(t[i + 2]) : 0;
+    size_t tam = 0;
+    if ((ch == u'<' && (n == u'>' || n == u'=')) || (ch == u'>' && n == u'='))
+      tam = 2;
+    else if (ch == u'=' || ch == u'<' || ch == u'>')
+      tam = 1;
+    if (tam) {
+      guarda(c.operandos, no, Apara(buf));
+      guarda(c.relacoes, nr, Texto(t.substr(i, tam)));
+      buf.clear();
+      i += tam - 1;
+      continue;
+    }
+    if (ch == u'O' && n == u'R')
+      tam = 2;
+    else if (ch == u'A' && n == u'N' && m == u'D')
+      tam = 3;
+    if (tam) {
+      guarda(c.operandos, no, Apara(buf));
+      guarda(c.conectores, nc, Texto(t.substr(i, tam)));
+      buf.clear();
+      i += tam - 1;
+      continue;
+    }
+    buf += ch;
+  }
+  guarda(c.operandos, no, Apara(buf));
+}
+
+Texto ComparaValores(const std::array<Texto, 51>& relacoes, size_t indice, Valor esq, Valor dir) {
+  if (!esq.ETexto()) {
+    if (esq.ENumerico()) esq = Valor::DeDouble(esq.ComoDouble());
+    if (dir.ENumerico()) dir = Valor::DeDouble(dir.ComoDouble());
+  }
+  const Texto& rel = relacoes[indice];
+  if (rel.empty()) return Texto();
+  auto numero = [](const Valor& v) { return !v.ETexto(); };
+  int cmp;
+  if (numero(esq) && numero(dir)) {
+    double a = esq.tipo == Valor::Tipo::Vazio ? 0 : esq.ComoDouble();
+    double b = dir.tipo == Valor::Tipo::Vazio ? 0 : dir.ComoDouble();
+    cmp = a < b ? -1 : (a > b ? 1 : 0);
+  } else if (!numero(esq) && !numero(dir)) {
+    int c = esq.s.compare(dir.s);
+    cmp = c < 0 ? -1 : (c > 0 ? 1 : 0);
+  } else if (esq.ETexto() && dir.EVazio()) {
+    cmp = esq.s.empty() ? 0 : 1;
+  } else {
+    // A number is less than any text.
+    cmp = numero(esq) ? -1 : 1;
+  }
+  bool r;
+  if (rel == u"=")
+    r = cmp == 0;
+  else if (rel == u"<>")
+    r = cmp != 0;
+  else if (rel == u"<")
+    r = cmp < 0;
+  else if (rel == u">")
+    r = cmp > 0;
+  else if (rel == u"<=")
+    r = cmp <= 0;
+  else
+    r = cmp >= 0;
+  return r ? u"TRUE" : u"FALSE";
+}
+
+Texto CombinaCondicoes(const std::array<Texto, 51>& conectores, const std::array<Texto, 21>& resultados) {
+  Texto v = resultados[0];
+  for (size_t i = 0; i < conectores.size() && !conectores[i].empty(); ++i) {
+    if (i + 1 >= resultados.size()) throw FalhaHost(falha::ForaDoIndice);
+    Texto m = Maiusculas(conectores[i]);
+    if (m == u"OR" && resultados[i + 1] == u"TRUE") v = u"TRUE";
+    if (m == u"AND" && resultados[i + 1] == u"FALSE") v = u"FALSE";
+  }
+  return v;
+}
+
+Texto Interpretador::AvaliaCondicao(const Texto& condicao) {
+  Condicao c;
+  std::array<Texto, 21> resultados;
+  auto longaDemais = [this] {
+    CaixaCritica(localAtual + CR + u"Condition too long: it can't have more than 21 comparisons!");
+    throw FalhaHost(falha::ForaDoIndice);
+  };
+  try {
+    SeparaCondicao(condicao, c);
+  } catch (const FalhaHost&) {
+    longaDemais();
+  }
+  for (size_t k = 0; k < c.operandos.size() && !c.operandos[k].empty(); k += 2) {
+    size_t j = k / 2;
+    if (j >= resultados.size() || k + 1 >= c.operandos.size()) longaDemais();
+    bool n1 = false, n2 = false;
+    Valor esq = ValorNumerico(c.operandos[k], n1);
+    Valor dir = ValorNumerico(c.operandos[k + 1], n2);
+    resultados[j] = ComparaValores(c.relacoes, j, esq, dir);
+  }
+  if (!c.conectores[0].empty()) {
+    size_t n = 0;
+    while (n < c.conectores.size() && !c.conectores[n].empty()) ++n;
+    if (n >= resultados.size()) longaDemais();
+    return CombinaCondicoes(c.conectores, resultados);
+  }
+  return resultados[0];
+}
+
+void Interpretador::Atribui(const Texto& linha, const Texto& nome, bool numerico) {
+  size_t eq = linha.find(u'=');
+  Texto dir = eq == NPOS ? Texto() : Apara(TextoV(linha).substr(eq + 1));
+  Texto maius = Maiusculas(linha);
+  forcaTexto = false;
+  for (const char16_t* w : {u"CHR(", u"JOIN(", u"FORMAT(", u"DIRECTORY(", u"SQL("})
+    if (Contem(maius, w)) forcaTexto = true;
+  Texto dirM = Maiusculas(dir);
+  if (ComecaCom(dirM, u"SQL(") && Contem(dirM, u"TOTALRECORDS") && Comandos().totalSql) {
+    SeparaArgumentos(dir, 11, false, numerico);
+    size_t f = dir.find(u')');
+    Texto dentro = Apara(dir.substr(4, f == NPOS ? NPOS : f - 4));
+    size_t p1 = dentro.find(u'.');
+    size_t p2 = p1 == NPOS ? NPOS : dentro.find(u'.', p1 + 1);
+    Texto a = Maiusculas(dentro.substr(0, p1));
+    Texto b = p1 == NPOS ? Texto() : Maiusculas(dentro.substr(p1 + 1, p2 == NPOS ? NPOS : p2 - p1 - 1));
+    Texto c = p2 == NPOS ? Texto() : Maiusculas(dentro.substr(p2 + 1));
+    GravaVariavel(nome, Comandos().totalSql(*this, a, b, c), true);
+    return;
+  }
+  Texto buf;
+  if (!Contem(dir, u" & ")) {
+    Texto par[2], palavra;
+    if (AchaFuncaoUsuario(dir, par, palavra) && TerminaCom(dir, u"()")) {
+      GravaVariavel(nome, ChamaFuncao(dir.substr(0, dir.size() - 2), Texto()), true);
+      return;
+    }
+    for (int g = 0; g < kMaxSubstituicoes && AchaFuncaoUsuario(dir, par, palavra); ++g) {
+      Texto antes = dir;
+      ExecutaFuncaoUsuario(dir, par, palavra);
+      if (dir == antes) break;
+    }
+    for (int g = 0; g < kMaxSubstituicoes && AchaFuncaoInterna(dir, par); ++g) {
+      Texto antes = dir;
+      ExecutaFuncaoInterna(dir, par, numerico);
+      if (dir == antes) break;
+    }
+    auto partes = SeparaArgumentos(dir, 11, false, numerico);
+    for (const Texto& p : partes) {
+      if (p.empty()) break;
+      buf += (forcaTexto ? ValorTexto(p, numerico) : ValorNumerico(p, numerico)).ComoTexto();
+    }
+    GravaVariavel(nome, Valor::DeTexto(buf), true);
+    forcaTexto = false;
+    return;
+  }
+  // A join: the cut at " & " takes no notice of quotes.
+  size_t ini = 0;
+  for (;;) {
+    size_t p = dir.find(u" & ", ini);
+    Texto parte = Apara(TextoV(dir).substr(ini, p == NPOS ? NPOS : p - ini));
+    Texto par[2];
+    if (ComecaCom(parte, u"\"")) {
+      buf += RemoveAspas(parte);
+    } else if (PosicaoVariavel(parte) >= 0) {
+      buf += LeVariavel(parte).ComoTexto();
+    } else if (AchaFuncaoInterna(parte, par)) {
+      buf += RemoveAspas(DespachaComando(par[0], par[1]).ComoTexto());
+    }
+    if (p == NPOS) break;
+    ini = p + 3;
+  }
+  GravaVariavel(nome, Valor::DeTexto(buf), true);
+}
+
+}  // namespace zv

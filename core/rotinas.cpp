@@ -1,0 +1,294 @@
+// Subs and Functions: stretches of the prepared text, found by their head
+// and end lines and walked on a copy.
+#include "core/interpretador.h"
+#include "core/preparacao.h"
+
+namespace zv {
+
+namespace {
+
+bool HashAtras(const Texto& t, size_t h, size_t n) { return h >= n && t[h - n] == u'#'; }
+
+// Searches `fim` from `de` on for an end word with '#' four places before it.
+size_t AchaFimRotina(const Texto& t, TextoV fim, size_t de) {
+  for (size_t e = t.find(fim, de); e != NPOS; e = t.find(fim, e + 1))
+    if (HashAtras(t, e, 4)) return e;
+  return NPOS;
+}
+
+// The stretch from `inicio` through the CR LF behind the end word at `e`.
+Texto Trecho(const Texto& t, size_t inicio, size_t e) {
+  size_t f = t.find(CRLF, e);
+  size_t fim = f == NPOS ? t.size() : f + 2;
+  return t.substr(inicio, fim - inicio);
+}
+
+}  // namespace
+
+void Interpretador::RegistraRotinas(const Texto& texto) {
+  nomesFuncoes.clear();
+  tiposFuncoes.clear();
+  nomesSubs.clear();
+  nomesTimers.clear();
+  ticksTimers.clear();
+  temTimer = false;
+  try {
+    Texto maius = Maiusculas(texto);
+    // Functions: the head in any case.
+    for (size_t de = 0;;) {
+      size_t p = maius.find(u"FUNCTION ", de);
+      if (p == NPOS || !HashAtras(texto, p, 4)) break;
+      size_t a = texto.find(u'(', p + 9);
+      size_t b = texto.find(u')', p + 9);
+      if (a == NPOS || b == NPOS) throw FalhaHost(falha::ChamadaInvalida);
+      Texto nome = texto.substr(p + 9, a - p - 9);
+      size_t cr = texto.find(CR, b);
+      nomesFuncoes.push_back(nome);
+      tiposFuncoes.push_back(Apara(TextoV(texto).substr(b + 1, cr == NPOS ? NPOS : cr - b - 1)));
+      bool erro = false;
+      for (size_t s = p + 9;;) {
+        size_t h = maius.find(u"FUNCTION", s);
+        if (h == NPOS) {
+          erro = true;
+          break;
+        }
+        if (HashAtras(texto, h, 4) || HashAtras(texto, h, 7)) {
+          if (h >= 3 && maius.compare(h - 3, 11, u"ENDFUNCTION") == 0) {
+            de = h + 5;
+            break;
+          }
+          if (maius.compare(h, 9, u"FUNCTION ") == 0) {
+            erro = true;
+            break;
+          }
+        }
+        s = h + 5;
+      }
+      if (erro) {
+        CaixaCritica(u"Function without its command EndFunction: " + nome);
+        break;
+      }
+    }
+    // Subs: the head spelled exactly.
+    for (size_t de = 0;;) {
+      size_t p = texto.find(u"Sub ", de);
+      if (p == NPOS || !HashAtras(texto, p, 4)) break;
+      size_t b = texto.find(u')', p + 4);
+      if (b == NPOS) throw FalhaHost(falha::ChamadaInvalida);
+      Texto nome = texto.substr(p + 4, b - p - 3);
+      nomesSubs.push_back(nome);
+      bool erro = false;
+      for (size_t s = p + 4;;) {
+        size_t h = texto.find(u"Sub", s);
+        if (h == NPOS) {
+          erro = true;
+          break;
+        }
+        if (HashAtras(texto, h, 4) || HashAtras(texto, h, 7)) {
+          if (h >= 3 && texto.compare(h - 3, 6, u"EndSub") == 0) {
+            de = h + 2;
+            break;
+          }
+          if (texto.compare(h, 4, u"Sub ") == 0) {
+            erro = true;
+            break;
+          }
+        }
+        s = h + 2;
+      }
+      if (erro) {
+        CaixaCritica(u"Sub without its command EndSub: " + nome);
+        break;
+      }
+    }
+    // Timers: every "Timer_" anywhere.
+    for (size_t de = 0;;) {
+      size_t p = texto.find(u"Timer_", de);
+      if (p == NPOS) break;
+      size_t b = texto.find(u')', p);
+      size_t a = texto.find(u'(', p);
+      if (a == NPOS || b == NPOS || b < a) throw FalhaHost(falha::ChamadaInvalida);
+      double v;
+      if (!LeNumero(TextoV(texto).substr(a + 1, b - a - 1), v)) throw FalhaHost(falha::TipoIncompativel);
+      v = ArredondaPar(v);
+      if (v < -32768 || v > 32767) throw FalhaHost(falha::Estouro);
+      nomesTimers.push_back(texto.substr(p, b - p + 1));
+      ticksTimers.push_back(static_cast<int16_t>(v));
+      temTimer = true;
+      de = a;
+    }
+  } catch (const FalhaHost&) {
+    CaixaCritica(Texto(u"Error creating function or subroutine!") + CR + CR +
+                 u"-You forgot to put parentheses to declare a function or subroutine?" + CR +
+                 u"-You put some ZV reserved word in the name of some function or subroutine?");
+  }
+}
+
+bool Interpretador::ESub(TextoV palavra) const {
+  Texto p = Apara(palavra);
+  for (const Texto& s : nomesSubs)
+    if (s == p) return true;
+  return false;
+}
+
+void Interpretador::ChamaSub(const Texto& nome) {
+  try {
+    size_t h = textoPrograma.find(u"Sub " + nome);
+    if (h == NPOS) {
+      CaixaCritica(u"Subroutine not found: " + nome);
+      return;
+    }
+    size_t e = AchaFimRotina(textoPrograma, u"EndSub", h);
+    if (e == NPOS) return;
+    Texto trecho = Trecho(textoPrograma, h, e);
+    ExecutaTexto(trecho, trecho, 0);
+  } catch (const FalhaHost&) {
+  } catch (const std::exception&) {
+  }
+}
+
+void TrocaNome(Texto& texto, const Texto& velho, const Texto& novo) {
+  if (velho.empty()) throw FalhaHost(falha::ChamadaInvalida);
+  size_t p = texto.find(velho);
+  while (p != NPOS) {
+    char16_t antes = p > 0 ? texto[p - 1] : 0;
+    size_t e = p + velho.size();
+    char16_t depois = e < texto.size() ? texto[e] : 0;
+    if ((antes == u'(' || antes == u' ' || antes == CR) &&
+        (depois == u',' || depois == u')' || depois == u' ' || depois == CR)) {
+      texto.replace(p, velho.size(), novo);
+      p = texto.find(velho, p + novo.size());
+    } else {
+      p = texto.find(velho, e);
+    }
+  }
+}
+
+Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos) {
+  std::vector<Texto> remover;
+  try {
+    size_t h = textoPrograma.find(u"Function " + nome);
+    if (h == NPOS) {
+      CaixaCritica(u"Function not found: " + nome);
+      throw FalhaHost(falha::ChamadaInvalida);
+    }
+    size_t e = AchaFimRotina(textoPrograma, u"EndFunction", h);
+    if (e == NPOS) throw FalhaHost(falha::ChamadaInvalida);
+    Texto trecho = Trecho(textoPrograma, h, e);
+    size_t a = trecho.find(u'('), b = trecho.find(u')');
+    if (a == NPOS || b == NPOS || b < a) throw FalhaHost(falha::ChamadaInvalida);
+    Texto contador = InteiroParaTexto(contadorChamadas);
+    std::vector<Texto> locais, gerados;
+    // Each parameter and local gets a global of a generated name.
+    auto declara = [&](const Texto& item) {
+      size_t sp = item.find(u' ');
+      if (sp == NPOS) throw FalhaHost(falha::ChamadaInvalida);
+      Texto local = item.substr(0, sp);
+      Texto gerado = nome + contador + local;
+      CriaVariavel(gerado, TextoV(item).substr(sp + 1));
+      remover.push_back(gerado);
+      locais.push_back(local);
+      gerados.push_back(gerado);
+    };
+    for (const Texto& f : SeparaArgumentos(trecho.substr(a + 1, b - a - 1), 21)) {
+      if (f.empty()) break;
+      declara(f);
+    }
+    auto reais = SeparaArgumentos(argumentos, 21);
+    size_t cr = trecho.find(CR);
+    Texto corpo = cr == NPOS ? Texto() : trecho.substr(cr + 1);
+    Texto exibicao = corpo;
+    for (size_t i = 0; i < reais.size() && !reais[i].empty(); ++i) {
+      TrocaNome(corpo, i < locais.size() ? locais[i] : Texto(), i < gerados.size() ? gerados[i] : Texto());
+      bool numerico = false;
+      Valor v = ValorNumerico(reais[i], numerico);
+      GravaVariavel(gerados[i], v, true);
+    }
+    // Locals: only a first statement "Var" or "Variable", spelled so.
+    const size_t col = kColunaComando + 1;
+    Texto palavra;
+    if (corpo.compare(col, 4, u"Var ") == 0)
+      palavra = u"Var";
+    else if (corpo.compare(col, 9, u"Variable ") == 0)
+      palavra = u"Variable";
+    if (!palavra.empty()) {
+      size_t fimLinha = corpo.find(CR, col);
+      size_t ini = col + palavra.size() + 1;
+      Texto lista = corpo.substr(ini, fimLinha == NPOS ? NPOS : fimLinha - ini);
+      size_t antes = locais.size();
+      for (const Texto& item : SeparaArgumentos(lista, 101)) {
+        if (item.empty()) break;
+        declara(item);
+      }
+      for (size_t i = antes; i < locais.size(); ++i) TrocaNome(corpo, locais[i], gerados[i]);
+      size_t primeiro = corpo.find(u"&#");
+      size_t segundo = primeiro == NPOS ? NPOS : corpo.find(u"&#", primeiro + 2);
+      corpo = segundo == NPOS ? Texto() : corpo.substr(segundo);
+    }
+    ExecutaTexto(corpo, exibicao, 0);
+    Valor r = valorRetorno;
+    for (const Texto& g : remover) RemoveVariable(g);
+    ++contadorChamadas;
+    return r;
+  } catch (const FalhaHost&) {
+  } catch (const std::exception&) {
+  }
+  ErroExecucao(
+      u"Error executing the function, make sure you set the argument types and the return type of the function!");
+  return Valor();
+}
+
+bool Interpretador::AchaFuncaoUsuario(const Texto& texto, Texto par[2], Texto& palavraResultado) {
+  Texto t = Apara(texto);
+  if (t.empty() || t[0] == u'"') return false;
+  for (size_t i = 0; i < nomesFuncoes.size(); ++i) {
+    const Texto& nome = nomesFuncoes[i];
+    if (nome.empty()) continue;
+    size_t p = t.find(nome);
+    if (p == NPOS) continue;
+    size_t e = p + nome.size();
+    if (e >= t.size() || (t[e] != u'(' && t[e] != u' ')) continue;
+    Texto m = MarcaParenteses(LimpaParenteses(t));
+    size_t q = m.find(nome);
+    size_t w = q;
+    while (w < m.size() && (ELetra(m[w]) || EDigito(m[w]) || m[w] == u'_')) ++w;
+    size_t fim;
+    if (q == NPOS || !ArgumentosMarcados(m, q, w - q, par[1], fim)) {
+      CaixaCritica(u"Error in function " + t + CR + CR + u"Make sure you put the arguments in parentheses!");
+      return false;
+    }
+    par[0] = m.substr(q, w - q);
+    palavraResultado = tiposFuncoes[i];
+    return true;
+  }
+  return false;
+}
+
+void Interpretador::ExecutaFuncaoUsuario(Texto& texto, const Texto par[2], const Texto& palavraResultado) {
+  Texto t = LimpaParenteses(texto);
+  Texto m = MarcaParenteses(t);
+  size_t q = m.find(par[0]);
+  if (q == NPOS) return;
+  Texto novo = LimpaParenteses(TextoV(m).substr(0, q));
+  novo += ChamaFuncao(par[0], par[1]).ComoTexto();
+  Texto args;
+  size_t fim;
+  if (ArgumentosMarcados(m, q, par[0].size(), args, fim)) novo += LimpaParenteses(TextoV(m).substr(fim));
+  if (palavraResultado == u"Numero") {
+    size_t v = novo.rfind(u',');
+    if (v != NPOS) novo[v] = u'.';
+  }
+  if (palavraResultado == u"String" && (novo.empty() || novo[0] != u'"')) novo = u"\"" + novo + u"\"";
+  texto = std::move(novo);
+}
+
+void Interpretador::TiqueTimer() {
+  if (!executando) return;
+  ++contadorTiques;
+  for (size_t i = 0; i < nomesTimers.size() && executando; ++i) {
+    int16_t t = ticksTimers[i];
+    if (t > 0 && contadorTiques % t == 0) ChamaSub(nomesTimers[i]);
+  }
+}
+
+}  // namespace zv
