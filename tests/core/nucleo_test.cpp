@@ -1,0 +1,238 @@
+// Unit tests of the language core's formats and algorithms.
+#include <gtest/gtest.h>
+
+#include "core/despacho.h"
+#include "core/expressao.h"
+#include "core/fonte.h"
+#include "core/interpretador.h"
+#include "core/preparacao.h"
+#include "runtime/headless_host.h"
+
+namespace zv {
+namespace {
+
+TEST(Texto, NumbersShowAsTheLanguageShowsThem) {
+  EXPECT_EQ(NumeroParaTexto(14), u"14");
+  EXPECT_EQ(NumeroParaTexto(2.5), u"2.5");
+  EXPECT_EQ(NumeroParaTexto(-3), u"-3");
+  EXPECT_EQ(NumeroParaTexto(1.0 / 3), u"0.333333333333333");
+  EXPECT_EQ(NumeroParaTexto(1e16), u"1E+16");
+  EXPECT_EQ(NumeroParaTexto(0.00001), u"1E-05");
+  EXPECT_EQ(NumeroParaTexto(0.0001), u"0.0001");
+  EXPECT_EQ(NumeroParaTexto(123456789012345.0), u"123456789012345");
+  EXPECT_EQ(NumeroParaTexto(0.1 + 0.2), u"0.3");
+}
+
+TEST(Texto, NumericSpelling) {
+  double v;
+  EXPECT_TRUE(LeNumero(u" 12.5 ", v));
+  EXPECT_DOUBLE_EQ(v, 12.5);
+  EXPECT_TRUE(LeNumero(u"-1e3", v));
+  EXPECT_DOUBLE_EQ(v, -1000);
+  EXPECT_TRUE(LeNumero(u".5", v));
+  EXPECT_FALSE(LeNumero(u"", v));
+  EXPECT_FALSE(LeNumero(u"1.2.3", v));
+  EXPECT_FALSE(LeNumero(u"12a", v));
+  EXPECT_FALSE(LeNumero(u"\"12\"", v));
+  EXPECT_DOUBLE_EQ(LeNumeroInicial(u"12.5kg"), 12.5);
+  EXPECT_DOUBLE_EQ(LeNumeroInicial(u"abc"), 0);
+}
+
+TEST(Texto, CodePageRoundTrip) {
+  std::string todos;
+  for (int i = 0; i < 256; ++i) todos += static_cast<char>(i);
+  EXPECT_EQ(ParaCp1252(DeCp1252(todos)), todos);
+  EXPECT_EQ(DeCp1252("\x80"), u"\u20AC");
+  EXPECT_EQ(NormalizaFimDeLinha(u"a\nb\r\nc\rd"), u"a\r\nb\r\nc\rd");
+}
+
+TEST(Preparacao, MarkersAndTrimming) {
+  EXPECT_EQ(MarcaLinhas(u"  a \r\n\tb", 3), u"\u00A7#00000$#03 a\r\n\u00A7#00001$#03 \tb\r\n");
+  // Only CR LF ends a line.
+  EXPECT_EQ(MarcaLinhas(u"a\rb", 0), u"\u00A7#00000$#00 a\rb\r\n");
+}
+
+TEST(Preparacao, CommentsSemicolonsAndOperators) {
+  EXPECT_EQ(LimpaTexto(u"a; b;\r\nc"), u"a\r\nb\r\nc");
+  EXPECT_EQ(LimpaTexto(u"x = \"a;b\" ' c;d\r\n"), u"x = \"a;b\" \r\n");
+  EXPECT_EQ(LimpaTexto(u"s = \"it's\""), u"s = \"it's\"");
+  EXPECT_EQ(LimpaTexto(u"a=b"), u"a = b");
+  EXPECT_EQ(LimpaTexto(u"a =b"), u"a =b");
+  EXPECT_EQ(LimpaTexto(u"a= b"), u"a =  b");
+  EXPECT_EQ(LimpaTexto(u"x += 1"), u"x + =  1");
+  EXPECT_EQ(LimpaTexto(u"x+=1"), u"x+ = 1");
+  EXPECT_EQ(LimpaTexto(u"I <= 3"), u"I  <=  3");
+  EXPECT_EQ(LimpaTexto(u"s = \"<a>\""), u"s = \"<a>\"");
+}
+
+TEST(Preparacao, BlockTagsNeedTheStatementStart) {
+  Texto t = NumeraComandos(MarcaLinhas(u"If a\r\nIf b\r\nElseX\r\nEndIf\r\nEndIf\r\nif c\r\nEndIf", 0));
+  Texto r = NumeraIf(t);
+  EXPECT_NE(r.find(u"If[0] a"), NPOS);
+  EXPECT_NE(r.find(u"If[1] b"), NPOS);
+  EXPECT_NE(r.find(u"Else[1]X"), NPOS);
+  EXPECT_NE(r.find(u"EndIf[1]"), NPOS);
+  EXPECT_NE(r.find(u"EndIf[0]"), NPOS);
+  EXPECT_NE(r.find(u"if c"), NPOS);
+  // A stray EndIf gets a negative tag, and the totals don't balance.
+  EXPECT_NE(r.find(u"EndIf[-1]"), NPOS);
+  EXPECT_EQ(VerificaBlocos(r), u"If statement without their EndIf!");
+  Texto w = NumeraWhile(NumeraComandos(MarcaLinhas(u"While x\r\nWhile y\r\nLoop\r\n", 0)));
+  EXPECT_NE(w.find(u"While[0] x"), NPOS);
+  EXPECT_NE(w.find(u"While[1] y"), NPOS);
+  EXPECT_EQ(VerificaBlocos(w), u"While statement without their Loop!");
+}
+
+TEST(Preparacao, EmptyLinesLeaveNoStatement) {
+  EXPECT_EQ(NumeraComandos(LimpaTexto(MarcaLinhas(u"\r\n' only a comment\r\nx", 0))).find(u"&#00001"), NPOS);
+}
+
+TEST(Expressao, Arithmetic) {
+  EXPECT_EQ(CalculaExpressao(u"2 + 3 * 4"), u"14");
+  EXPECT_EQ(CalculaExpressao(u"(2 + 3) * 4"), u"20");
+  EXPECT_EQ(CalculaExpressao(u"2^3^2"), u"64");
+  EXPECT_EQ(CalculaExpressao(u"-3 + 1"), u"-2");
+  EXPECT_EQ(CalculaExpressao(u"2 * -3"), u"-6");
+  EXPECT_EQ(CalculaExpressao(u"7 % 3"), u"1");
+  EXPECT_EQ(CalculaExpressao(u"6 & 3"), u"2");
+  EXPECT_EQ(CalculaExpressao(u"6 @ 3"), u"7");
+  EXPECT_EQ(CalculaExpressao(u"1 / 0"), u"");
+  EXPECT_EQ(CalculaExpressao(u"1.2.3 + 1"), u"");
+  EXPECT_EQ(CalculaExpressao(u"1E5 + 1"), u"");
+  EXPECT_THROW(CalculaExpressao(u"1 % 0"), FalhaHost);
+  EXPECT_TRUE(ExpressaoAritmetica(u"-xy"));
+  EXPECT_FALSE(ExpressaoAritmetica(u"-x"));
+  EXPECT_FALSE(ExpressaoAritmetica(u"6&3"));
+  EXPECT_FALSE(ExpressaoAritmetica(u"\"a+b\""));
+}
+
+TEST(Expressao, ConditionsAreFlat) {
+  Condicao c;
+  SeparaCondicao(u"Order > 1", c);
+  EXPECT_EQ(c.operandos[0], u"");
+  EXPECT_EQ(c.conectores[0], u"Or");
+  EXPECT_EQ(c.operandos[1], u"der");
+  SeparaCondicao(u"Nome = \"Or\" AND (a >= 1)", c);
+  EXPECT_EQ(c.operandos[1], u"\"Or\"");
+  EXPECT_EQ(c.conectores[0], u"AND");
+  EXPECT_EQ(c.operandos[2], u"(a");
+  EXPECT_EQ(c.relacoes[1], u">=");
+  EXPECT_EQ(c.operandos[3], u"1)");
+  SeparaCondicao(u"a = 1 and b = 2", c);
+  EXPECT_EQ(c.operandos[1], u"1 and b");
+}
+
+TEST(Expressao, ComparingNumbersAndTexts) {
+  std::array<Texto, 51> rel;
+  rel[0] = u"=";
+  EXPECT_EQ(ComparaValores(rel, 0, Valor::DeTexto(u"12"), Valor::DeDouble(12)), u"FALSE");
+  EXPECT_EQ(ComparaValores(rel, 0, Valor::DeInt32(12), Valor::DeTexto(u"12")), u"TRUE");
+  rel[0] = u"<";
+  EXPECT_EQ(ComparaValores(rel, 0, Valor::DeDouble(99), Valor::DeTexto(u"a")), u"TRUE");
+  EXPECT_EQ(ComparaValores(rel, 0, Valor::DeTexto(u"B"), Valor::DeTexto(u"a")), u"TRUE");
+  rel[0].clear();
+  EXPECT_EQ(ComparaValores(rel, 0, Valor::DeDouble(1), Valor::DeDouble(1)), u"");
+  std::array<Texto, 51> con;
+  std::array<Texto, 21> res;
+  con[0] = u"Or";
+  con[1] = u"And";
+  res[0] = u"TRUE";
+  res[1] = u"FALSE";
+  res[2] = u"FALSE";
+  EXPECT_EQ(CombinaCondicoes(con, res), u"FALSE");  // (a or b) and c
+}
+
+TEST(Despacho, NestingTags) {
+  EXPECT_EQ(MarcaParenteses(u"Soma(2,(3))"), u"Soma(1]2,(2]3[2)[1)");
+  EXPECT_EQ(LimpaParenteses(u"Soma(1]2,(2]3[2)[1)"), u"Soma(2,(3))");
+  EXPECT_EQ(kPalavrasChave.size(), 142u);
+  EXPECT_EQ(Texto(kPalavrasChave[0]), u"JoinStr");
+  EXPECT_EQ(Texto(kPalavrasChave[141]), u"Sound");
+}
+
+class Run : public ::testing::Test {
+ protected:
+  HostConsole host{stdout};
+  Interpretador zv{host};
+  void SetUp() override { host.mudo = true; }
+};
+
+TEST_F(Run, KnownWords) {
+  EXPECT_TRUE(zv.EPalavraConhecida(u"MESSAGE"));
+  EXPECT_TRUE(zv.EPalavraConhecida(u"Loopy"));
+  EXPECT_TRUE(zv.EPalavraConhecida(u"IFoo"));
+  EXPECT_TRUE(zv.EPalavraConhecida(u"Fim:"));
+  EXPECT_TRUE(zv.EPalavraConhecida(u"Goto"));
+  EXPECT_FALSE(zv.EPalavraConhecida(u"Sub"));
+  EXPECT_FALSE(zv.EPalavraConhecida(u"Message("));
+}
+
+TEST_F(Run, SplittingArguments) {
+  auto a = zv.SeparaArgumentos(u" \"a,b\" , 5 ", 4);
+  EXPECT_EQ(a[0], u"\"a,b\"");
+  EXPECT_EQ(a[1], u"5");
+  EXPECT_EQ(a[2], u"");
+  auto b = zv.SeparaArgumentos(u"Btn.Caption = \"x=y\"", 4, true);
+  EXPECT_EQ(b[0], u"Btn.Caption");
+  EXPECT_EQ(b[1], u"=");
+  EXPECT_EQ(b[2], u"\"x=y\"");
+  EXPECT_THROW(zv.SeparaArgumentos(u"1,2,3,4", 3), FalhaHost);
+}
+
+TEST_F(Run, VariableStoreKeepsItsOrderAndIndexes) {
+  zv.DeclaraVariaveis(u"&#00000\u00A7#00000$#00 Var a Integer, b(3) Integer, c Integer, s", u"Var");
+  zv.GravaVariavel(u"c", Valor::DeInt32(9), true);
+  zv.GravaVariavel(u"b(2)", Valor::DeTexto(u"2.5"), true);
+  EXPECT_EQ(zv.LeVariavel(u"b(2)").i, 2);  // halves go to even
+  zv.GravaVariavel(u"b(1)", Valor::DeDouble(3.5), true);
+  EXPECT_EQ(zv.LeVariavel(u"B(1)").i, 4);
+  zv.RemoveVariable(u"b");
+  EXPECT_EQ(zv.PosicaoVariavel(u"b"), -1);
+  EXPECT_EQ(zv.PosicaoVariavel(u"C"), 1);  // its first-value column lowered
+  EXPECT_EQ(zv.LeVariavel(u"c").i, 9);
+  ASSERT_EQ(zv.variaveis.Diretorio(TipoVariavel::Integer).size(), 2u);
+  // A second declaration keeps the first type; an unknown type word creates nothing.
+  zv.CriaVariavel(u"s", u"Integer");
+  EXPECT_EQ(zv.PosicaoVariavel(u"s"), 0);
+  EXPECT_EQ(zv.variaveis.tipoEncontrado, TipoVariavel::String);
+  zv.CriaVariavel(u"x", u"integer");
+  EXPECT_EQ(zv.PosicaoVariavel(u"x"), -1);
+  // Names longer than 50 characters are declared but never found again.
+  Texto longo(51, u'n');
+  zv.CriaVariavel(longo, u"String");
+  EXPECT_EQ(zv.PosicaoVariavel(longo), -1);
+  EXPECT_EQ(zv.variaveis.Diretorio(TipoVariavel::String).back().nome.size(), 50u);
+  EXPECT_THROW(zv.GravaVariavel(u"nada", Valor::DeInt32(1), true), FalhaHost);
+}
+
+TEST_F(Run, GeneratedNamesRenameWholeWordsOnly) {
+  Texto corpo = u"\n&#1 Return Parcela + 1\r\n&#2 x = Parcela+1\r\n&#3 y = (Parcela)\r\n";
+  TrocaNome(corpo, u"Parcela", u"Soma0Parcela");
+  EXPECT_NE(corpo.find(u"Return Soma0Parcela + 1"), NPOS);
+  EXPECT_NE(corpo.find(u"x = Parcela+1"), NPOS);
+  EXPECT_NE(corpo.find(u"(Soma0Parcela)"), NPOS);
+}
+
+TEST(Fonte, DocumentRoundTrip) {
+  FontePrograma f;
+  f.textos[0] = u"A=1";
+  f.textos[1] = u"B=2";
+  f.nomes[0] = u"T";
+  EXPECT_EQ(JuntaCodigos(f), u"#ZV7#A=1#%T#&B=2#%");
+  FontePrograma g;
+  ASSERT_TRUE(SeparaCodigos(u"#ZV7#A=1#%T#&B=2#%", g));
+  EXPECT_EQ(g.textos[0], u"A=1");
+  EXPECT_EQ(g.nomes[0], u"T");
+  EXPECT_EQ(g.textos[1], u"B=2");
+  // Empty tabs aren't stored: tabs 1 and 3 come back as 1 and 2.
+  FontePrograma h;
+  h.textos[1] = u"x";
+  h.textos[3] = u"y";
+  FontePrograma k;
+  ASSERT_TRUE(SeparaCodigos(JuntaCodigos(h), k));
+  EXPECT_EQ(k.textos[2], u"y");
+  EXPECT_FALSE(SeparaCodigos(u"no marker", k));
+}
+
+}  // namespace
+}  // namespace zv
