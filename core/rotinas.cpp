@@ -227,6 +227,8 @@ Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos) {
     }
     ExecutaTexto(corpo, exibicao, 0);
     Valor r = valorRetorno;
+    // A run ended by a limit is being torn down: its generated names go with it.
+    if (abortado) return r;
     for (const Texto& g : remover) RemoveVariable(g);
     ++contadorChamadas;
     return r;
