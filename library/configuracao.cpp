@@ -1,7 +1,37 @@
+// GetString and SaveString: a program's own small settings, kept in the
+// ZV.File that the environment uses too.
+#include "core/interpretador.h"
+#include "environment/settings.h"
 #include "library/library.h"
 
 namespace zv {
 
-void RegistraConfiguracao() {}
+namespace {
+
+constexpr size_t kArgumentos = 4;
+
+std::filesystem::path PastaConfig(const Interpretador& zv) { return std::filesystem::path(zv.dirConfig); }
+
+Valor GetString(Interpretador& zv, const Texto& argumentos) {
+  auto a = zv.SeparaArgumentos(argumentos, kArgumentos);
+  Texto chave = zv.ValorTexto(a[0]).ComoTexto();
+  return Valor::TextoComAspas(LeConfig(PastaConfig(zv), chave));
+}
+
+Valor SaveString(Interpretador& zv, const Texto& argumentos) {
+  auto a = zv.SeparaArgumentos(argumentos, kArgumentos);
+  Texto chave = zv.ValorTexto(a[0]).ComoTexto();
+  Texto valor = zv.ValorNumerico(a[1]).ComoTexto();
+  ResultadoConfig r = GravaConfig(PastaConfig(zv), chave, valor);
+  if (r != ResultadoConfig::Gravado) throw FalhaHost(DescreveResultadoConfig(r));
+  return Valor();
+}
+
+}  // namespace
+
+void RegistraConfiguracao() {
+  Comandos().Define(u"GetString", GetString);
+  Comandos().Define(u"SaveString", SaveString);
+}
 
 }  // namespace zv
