@@ -1,0 +1,20 @@
+local n = 20000
+local t = ""
+local i = 0
+while i < n do
+  if i % 3 == 0 then
+    t = t .. "x"
+  else
+    t = t .. "y"
+  end
+  i = i + 1
+end
+local k = 0
+i = 1
+while i <= n do
+  if string.sub(t, i, i) == "x" then
+    k = k + 1
+  end
+  i = i + 1
+end
+print(k)
