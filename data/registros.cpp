@@ -1,7 +1,507 @@
+// The language's side of the record database: the DB ... EndDB block, which
+// declares a database and binds its fields to variables, and the record
+// commands, which move whole records between those variables and the file.
+#include <array>
+#include <filesystem>
+#include <memory>
+
+#include "core/interpretador.h"
+#include "core/preparacao.h"
 #include "data/data.h"
+#include "data/registros_arquivo.h"
+
+// Qt last: its keyword macros would clash with the core's names.
+#include <QDateTime>
+#include <QLocale>
 
 namespace zv {
 
-void RegistraDados() {}
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr size_t kSlotsDB = 21;
+// Slot 0 is never used; the order tables stop at slot 10.
+constexpr int16_t kUltimaBase = 10;
+
+// Order modes, as the order tables hold them.
+const Texto kSequencial = u"Sequencial";
+const Texto kIndice = u"Indice";
+
+struct BaseDeclarada {
+  Texto nome;                  // NomeDB
+  Texto pasta;                 // DirDB, with its separator at the end
+  Estrutura estrutura;         // field types, widths and positions
+  std::vector<Texto> campoDB;  // CampoDB: "Descriptor.Field"
+  ArquivoRegistros arqDB;      // ArqDB
+  Texto modoOrdem;             // ModoOrdem
+  std::vector<Texto> campoIndice;
+  std::vector<int> indices;    // the fields of campoIndice, by number
+  ListaOrdem lstOrdem;         // LstOrdem
+
+  Texto Caminho() const { return pasta + nome + u".Zvf"; }
+};
+
+struct TabelaBases {
+  std::array<std::unique_ptr<BaseDeclarada>, kSlotsDB> bases;
+  int16_t qtdDB = 1;  // QtdDB
+};
+
+fs::path ParaCaminho(const Texto& t) { return fs::path(Utf8(t)); }
+
+Texto MensagemTamanho(const Texto& nome) {
+  return u"Error (" + nome + u"): The size of the file fields have changed." + CRLF +
+         u"Return to the original structure of the fields, or delete the file" + CRLF +
+         u"so that the ZV create a new file with a new structure." + CRLF +
+         u"Warning! if the file is deleted, the records already" + CRLF + u"in the database can not be recovered!";
+}
+
+Texto MensagemDanificado(const Texto& caminho, const Texto& problema) {
+  return u"The database file " + caminho + u" is damaged: " + problema;
+}
+
+// The stamps of the header: the date and the time in the locale's short form.
+Texto Carimbo() {
+  QDateTime agora = QDateTime::currentDateTime();
+  QLocale l = QLocale::system();
+  QString s = l.toString(agora.date(), QLocale::ShortFormat) + u' ' + agora.time().toString(u"HH:mm:ss");
+  return Texto(reinterpret_cast<const char16_t*>(s.utf16()), size_t(s.size()));
+}
+
+BaseDeclarada* Base(Interpretador& zv, int s) { return zv.Estado<TabelaBases>().bases[size_t(s)].get(); }
+
+// LocalizaDB: the slot of a descriptor, or -1 after telling the user.
+int LocalizaDB(Interpretador& zv, const Texto& nome) {
+  auto& t = zv.Estado<TabelaBases>();
+  Texto m = Maiusculas(nome);
+  for (size_t s = 0; s < kSlotsDB - 1; ++s)
+    if (t.bases[s] && Maiusculas(t.bases[s]->nome) == m) return int(s);
+  zv.CaixaCritica(u"Error: Database descriptor '" + nome + u"' not found!");
+  return -1;
+}
+
+// The database named by the first argument, with an open file; null when the
+// name is unknown (LocalizaDB has said so).
+BaseDeclarada* BaseAberta(Interpretador& zv, const std::vector<Texto>& a) {
+  int s = LocalizaDB(zv, zv.ValorTexto(a[0]).ComoTexto());
+  if (s < 0) return nullptr;
+  BaseDeclarada* b = Base(zv, s);
+  if (!b->arqDB.Aberto())
+    throw FalhaHost(u"Bad file name or number: the database '" + b->nome + u"' is not open (OpenDB)");
+  return b;
+}
+
+int32_t Posicao(Interpretador& zv, const Texto& arg) { return zv.ValorNumerico(arg).ComoInt32(); }
+
+Texto MensagemPosicao(int32_t posicao) {
+  return u"Invalid position:" + InteiroParaTexto(posicao) + CRLF +
+         u"Positions range from 0 to the total records in the file minus 1.";
+}
+
+// The field variables' values.
+Registro LeCampos(Interpretador& zv, const BaseDeclarada& b) {
+  Registro r(b.estrutura.campos.size());
+  for (size_t i = 0; i < r.size(); ++i) {
+    const Campo& c = b.estrutura.campos[i];
+    if (c.tipo == TipoCampo::AutoInc) continue;  // the system gives it
+    Valor v = zv.LeVariavel(b.campoDB[i]);
+    if (c.tipo == TipoCampo::String) r[i].texto = v.ComoTexto();
+    else if (c.tipo == TipoCampo::Integer) r[i].inteiro = v.ComoInt32();
+    else r[i].decimal = v.ComoDouble();
+  }
+  return r;
+}
+
+void GravaCampos(Interpretador& zv, const BaseDeclarada& b, const Registro& r) {
+  for (size_t i = 0; i < r.size(); ++i) {
+    const Campo& c = b.estrutura.campos[i];
+    Valor v;
+    if (c.tipo == TipoCampo::String) v = Valor::DeTexto(r[i].texto);
+    else if (c.tipo == TipoCampo::Decimal) v = Valor::DeDouble(r[i].decimal);
+    else v = Valor::DeInt32(r[i].inteiro);
+    zv.GravaVariavel(b.campoDB[i], v, true);
+  }
+}
+
+// The record from the field variables; a text too long for its field is
+// reported and the field left blank.
+std::string MontaRegistro(Interpretador& zv, const BaseDeclarada& b, const Texto& comando, Registro& r,
+                          int32_t autoInc) {
+  std::vector<size_t> longos;
+  std::string bytes = b.arqDB.Monta(r, autoInc, &longos);
+  for (size_t i : longos) {
+    zv.ErroExecucao(comando + u": The size of the field '" + b.campoDB[i] + u"'" + CRLF +
+                    u"is smaller than the data size allocated to the field!");
+    r[i].texto.clear();
+  }
+  for (size_t i = 0; i < r.size(); ++i)
+    if (b.estrutura.campos[i].tipo == TipoCampo::AutoInc) r[i].inteiro = autoInc;
+  return bytes;
+}
+
+// ---- The DB block -----------------------------------------------------------
+
+struct Declaracao {
+  Texto nome, pasta, senha;
+  Estrutura estrutura;
+  std::vector<Texto> campoDB;
+  Texto problema;
+};
+
+// One field line: declares its variable and adds the field.
+void LinhaCampo(Interpretador& zv, const Texto& comando, Declaracao& d) {
+  auto a = zv.SeparaArgumentos(comando, 11);
+  Texto campo = zv.ValorTexto(a[0]).ComoTexto();
+  Texto palavra = zv.ValorTexto(a[1]).ComoTexto();
+  TipoCampo tipo;
+  if (!LeTipoCampo(palavra, tipo)) {
+    if (d.problema.empty())
+      d.problema = u"the field '" + campo + u"' has the type '" + palavra +
+                   u"'; the types are String, AutoInc, Integer and Decimal";
+    return;
+  }
+  int32_t comprimento = (tipo == TipoCampo::String && !a[2].empty()) ? zv.ValorNumerico(a[2]).ComoInt32() : 0;
+  Texto completo = d.nome + u"." + campo;
+  zv.CriaVariavel(completo, tipo == TipoCampo::String ? u"String" : tipo == TipoCampo::Decimal ? u"Decimal" : u"Integer");
+  d.estrutura.Acrescenta(campo, tipo, comprimento);
+  d.campoDB.push_back(completo);
+}
+
+// Creates or checks the file and takes a slot.
+void Declara(Interpretador& zv, Declaracao& d) {
+  const Texto titulo = u"Error (" + d.nome + u"): ";
+  if (d.problema.empty()) d.problema = d.estrutura.Problema();
+  if (!d.problema.empty()) {
+    zv.CaixaCritica(titulo + d.problema + u"!");
+    return;
+  }
+  auto& tab = zv.Estado<TabelaBases>();
+  // A block run again (in a loop, a routine called twice) keeps its slot.
+  int slot = -1;
+  for (int16_t s = 1; s < tab.qtdDB; ++s)
+    if (tab.bases[size_t(s)] && Maiusculas(tab.bases[size_t(s)]->nome) == Maiusculas(d.nome) &&
+        tab.bases[size_t(s)]->pasta == d.pasta)
+      slot = s;
+  if (slot < 0 && tab.qtdDB > kUltimaBase) {
+    zv.CaixaCritica(titulo + u"a program can't declare more than " + InteiroParaTexto(kUltimaBase) + u" databases!");
+    return;
+  }
+  std::error_code ec;
+  if (!d.pasta.empty()) fs::create_directories(ParaCaminho(d.pasta), ec);  // a failure shows at the open
+  Texto caminho = d.pasta + d.nome + u".Zvf";
+  Texto problema;
+  auto r = ArquivoRegistros::Declara(ParaCaminho(caminho), d.estrutura, d.senha, Carimbo(), problema);
+  if (r == ArquivoRegistros::Declaracao::TamanhoDiferente) {
+    zv.CaixaCritica(MensagemTamanho(d.nome));
+    return;
+  }
+  if (r == ArquivoRegistros::Declaracao::Danificada) {
+    zv.CaixaCritica(titulo + MensagemDanificado(caminho, problema) + u"." + CRLF + u"The file was left as it is.");
+    return;
+  }
+  if (slot >= 0) return;
+  auto b = std::make_unique<BaseDeclarada>();
+  b->nome = d.nome;
+  b->pasta = d.pasta;
+  b->estrutura = std::move(d.estrutura);
+  b->campoDB = std::move(d.campoDB);
+  // Waiting for another program's lock lets this one's events through.
+  b->arqDB.aoEsperar = [&zv] {
+    zv.Bombeia();
+    return zv.executando && !zv.abortado;
+  };
+  tab.bases[size_t(tab.qtdDB)] = std::move(b);
+  ++tab.qtdDB;
+}
+
+int32_t BlocoDB(Interpretador& zv, const Texto& texto, size_t posicao, size_t fim, int32_t numero) {
+  auto comandoDe = [](const Texto& linha) { return linha.size() > kColunaComando ? Apara(linha.substr(kColunaComando)) : Texto(); };
+  Texto primeira = comandoDe(texto.substr(posicao, fim - posicao));
+  // "DB" must be a word of its own: "DBTotal = 1" is an assignment.
+  if (primeira.size() > 2 && primeira[2] != u' ') {
+    zv.ExecutaComando(texto.substr(posicao, fim - posicao));
+    return numero;
+  }
+  // The block's statements, up to its EndDB.
+  std::vector<Texto> linhas{primeira};
+  int32_t ultimo = numero;
+  bool fechado = false;
+  for (size_t p = posicao;;) {
+    p = texto.find(u"&#" + Preenche(ultimo + 1, 5), p);
+    if (p == NPOS) break;
+    size_t f = texto.find(CRLF, p);
+    Texto c = comandoDe(texto.substr(p, (f == NPOS ? texto.size() : f) - p));
+    ++ultimo;
+    if (ComecaCom(Maiusculas(c), u"ENDDB")) {
+      fechado = true;
+      break;
+    }
+    linhas.push_back(std::move(c));
+  }
+
+  Declaracao d;
+  try {
+    auto a = zv.SeparaArgumentos(primeira, 11);
+    d.nome = Interpretador::RemoveAspas(Apara(a[0].size() > 3 ? a[0].substr(3) : Texto()));
+    if (!a[1].empty()) d.pasta = zv.ValorTexto(a[1]).ComoTexto();
+    if (!a[2].empty()) d.senha = zv.ValorTexto(a[2]).ComoTexto();
+    // A program may write either separator.
+    for (char16_t& c : d.pasta)
+      if (c == u'\\') c = u'/';
+    if (!d.pasta.empty() && d.pasta.back() != u'/') d.pasta += u'/';
+    if (!fechado) {
+      zv.CaixaCritica(u"Error (" + d.nome + u"): the DB block has no EndDB!");
+      return ultimo;
+    }
+    for (size_t i = 1; i < linhas.size(); ++i) LinhaCampo(zv, linhas[i], d);
+    Declara(zv, d);
+  } catch (const FalhaHost& f) {
+    zv.ErroExecucao(u"Error in command DB: " + f.descricao);
+  } catch (const FalhaRegistros& f) {
+    zv.ErroExecucao(u"Error in command DB: " + f.descricao);
+  }
+  return ultimo;
+}
+
+// ---- The commands -----------------------------------------------------------
+
+// A failure of the file reaches the command's handler as a host failure; a
+// wait for the lock given up because the run ended says nothing.
+template <Valor (*R)(Interpretador&, const Texto&)>
+Valor Protegido(Interpretador& zv, const Texto& args) {
+  try {
+    return R(zv, args);
+  } catch (const FalhaRegistros& f) {
+    throw FalhaHost(f.descricao);
+  } catch (const EsperaInterrompida&) {
+    return Valor();
+  }
+}
+
+Valor OpenDB(Interpretador& zv, const Texto& args) {
+  auto a = zv.SeparaArgumentos(args, 4);
+  int s = LocalizaDB(zv, zv.ValorTexto(a[0]).ComoTexto());
+  if (s < 0) return {};
+  BaseDeclarada& b = *Base(zv, s);
+  Texto senha = a[1].empty() ? Texto() : zv.ValorTexto(a[1]).ComoTexto();
+  senha = DeCp1252(ParaCp1252(senha));  // as the header holds it
+  Texto problema;
+  switch (b.arqDB.Abre(ParaCaminho(b.Caminho()), &b.estrutura, &senha, false, problema)) {
+    case ArquivoRegistros::Abertura::Aberta: break;
+    case ArquivoRegistros::Abertura::NaoEncontrada:
+      zv.ErroExecucao(u"Error in function OpenDB - File not found: " + b.Caminho());
+      break;
+    case ArquivoRegistros::Abertura::SenhaInvalida:
+      zv.ErroExecucao(u"Error connecting do database '" + b.nome + u"': Invalid password!");
+      break;
+    case ArquivoRegistros::Abertura::TamanhoDiferente: zv.CaixaCritica(MensagemTamanho(b.nome)); break;
+    case ArquivoRegistros::Abertura::Danificada: throw FalhaHost(MensagemDanificado(b.Caminho(), problema));
+  }
+  return {};
+}
+
+Valor CloseDB(Interpretador& zv, const Texto& args) {
+  auto a = zv.SeparaArgumentos(args, 4);
+  int s = LocalizaDB(zv, zv.ValorTexto(a[0]).ComoTexto());
+  if (s >= 0) Base(zv, s)->arqDB.Fecha();
+  return {};
+}
+
+Valor AddRecord(Interpretador& zv, const Texto& args) {
+  zv.Bombeia();
+  auto a = zv.SeparaArgumentos(args, 4);
+  BaseDeclarada* b = BaseAberta(zv, a);
+  if (!b) return {};
+  Registro r = LeCampos(zv, *b);
+  std::string bytes = MontaRegistro(zv, *b, u"AddRecord", r, -1);
+  int32_t n = b->arqDB.Adiciona(std::move(bytes));
+  if (b->modoOrdem == kIndice) {
+    for (size_t i = 0; i < r.size(); ++i)
+      if (b->estrutura.campos[i].tipo == TipoCampo::AutoInc) r[i].inteiro = n;
+    b->lstOrdem.Insere(ChaveIndice(b->estrutura, &r, b->indices, n), n);
+  }
+  return {};
+}
+
+// The record number behind a position that has been checked against the
+// count; -1 (after the report) when the order list has no such entry.
+int32_t NumeroRegistro(Interpretador& zv, BaseDeclarada& b, int32_t posicao) {
+  if (b.modoOrdem != kIndice) return posicao;
+  int32_t n = b.lstOrdem.RegistroEm(posicao);
+  if (n < 0) zv.ErroExecucao(MensagemPosicao(posicao));
+  return n;
+}
+
+// UpdateRecord and DeleteRecord: a whole record written at a position, its
+// entry in the order list replaced.
+void RegravaRegistro(Interpretador& zv, BaseDeclarada& b, int32_t posicao, const std::string& bytes,
+                     const Registro* valores, const char16_t* mensagem) {
+  int32_t total = b.arqDB.Total();
+  if (posicao < 0 || posicao > total) {
+    zv.ErroExecucao(mensagem);
+    return;
+  }
+  int32_t n = NumeroRegistro(zv, b, posicao);
+  if (n < 0) return;
+  if (b.modoOrdem == kIndice) {
+    b.lstOrdem.RemoveEm(posicao);
+    b.lstOrdem.Insere(ChaveIndice(b.estrutura, valores, b.indices, n), n);
+  }
+  b.arqDB.Grava(n, bytes);
+}
+
+Valor UpdateRecord(Interpretador& zv, const Texto& args) {
+  zv.Bombeia();
+  auto a = zv.SeparaArgumentos(args, 4);
+  BaseDeclarada* b = BaseAberta(zv, a);
+  if (!b) return {};
+  int32_t posicao = Posicao(zv, a[1]);
+  Registro r = LeCampos(zv, *b);
+  // An AutoInc field takes the position as it was given.
+  std::string bytes = MontaRegistro(zv, *b, u"UpdateRecord", r, posicao);
+  RegravaRegistro(zv, *b, posicao, bytes, &r, u"Can't update record: invalid position!");
+  return {};
+}
+
+Valor DeleteRecord(Interpretador& zv, const Texto& args) {
+  zv.Bombeia();
+  auto a = zv.SeparaArgumentos(args, 4);
+  BaseDeclarada* b = BaseAberta(zv, a);
+  if (!b) return {};
+  int32_t posicao = Posicao(zv, a[1]);
+  RegravaRegistro(zv, *b, posicao, b->arqDB.RegistroApagado(), nullptr, u"Can't delete record: invalid position!");
+  return {};
+}
+
+Valor ReadRecord(Interpretador& zv, const Texto& args) {
+  zv.Bombeia();
+  auto a = zv.SeparaArgumentos(args, 4);
+  BaseDeclarada* b = BaseAberta(zv, a);
+  if (!b) return Valor::TextoComAspas(u"");
+  int32_t posicao = Posicao(zv, a[1]);
+  int32_t total = b->arqDB.Total();
+  if (posicao < 0 || posicao >= total) {
+    zv.ErroExecucao(u"Can't read record: invalid position!");
+    return Valor::TextoComAspas(u"");
+  }
+  int32_t n = NumeroRegistro(zv, *b, posicao);
+  if (n < 0) return Valor::TextoComAspas(u"");
+  Registro r;
+  bool vivo = b->arqDB.Decodifica(b->arqDB.LeBruto(n), n, r);
+  GravaCampos(zv, *b, r);
+  // The line carries its quotes: they are the wrapping of a text result.
+  return vivo ? Valor::DeTexto(LinhaRegistro(b->estrutura, r)) : Valor::TextoComAspas(u"");
+}
+
+Valor TotalRecordsDB(Interpretador& zv, const Texto& args) {
+  auto a = zv.SeparaArgumentos(args, 4);
+  int s = LocalizaDB(zv, zv.ValorTexto(a[0]).ComoTexto());
+  if (s < 0) return Valor::DeInt32(0);
+  BaseAberta(zv, a);
+  return Valor::DeInt32(Base(zv, s)->arqDB.Total());
+}
+
+// A field name of OrderDB: a quoted literal, a field's own name, or else a
+// variable that holds one.
+Texto NomeCampoIndice(Interpretador& zv, const BaseDeclarada& b, const Texto& arg) {
+  if (ComecaCom(arg, u"\"")) return Interpretador::RemoveAspas(arg);
+  if (b.estrutura.IndiceCampo(arg) >= 0) return arg;
+  return zv.ValorTexto(arg).ComoTexto();
+}
+
+Valor OrderDB(Interpretador& zv, const Texto& args) {
+  auto a = zv.SeparaArgumentos(args, 12);
+  int s = LocalizaDB(zv, zv.ValorTexto(a[0]).ComoTexto());
+  if (s < 0) return {};
+  BaseDeclarada& b = *Base(zv, s);
+  b.lstOrdem.Limpa();
+  if (Maiusculas(zv.ValorTexto(a[1]).ComoTexto()) == u"SEQUENTIAL") {
+    b.modoOrdem = kSequencial;
+    return {};
+  }
+  b.modoOrdem = kIndice;
+  b.campoIndice.clear();
+  b.indices.clear();
+  for (size_t i = 1; i < a.size() && !a[i].empty(); ++i) b.campoIndice.push_back(NomeCampoIndice(zv, b, a[i]));
+  for (const Texto& c : b.campoIndice) {
+    int f = b.estrutura.IndiceCampo(c);
+    if (f < 0) {
+      b.indices.clear();
+      zv.ErroExecucao(u"Index field not found in database: " + c);
+      return {};
+    }
+    b.indices.push_back(f);
+  }
+  BaseAberta(zv, a);
+  ConstroiOrdem(b.arqDB, b.indices, b.lstOrdem);
+  // Reading every record leaves the last one in the field variables.
+  int32_t total = b.lstOrdem.Tamanho();
+  if (total > 0) {
+    Registro r;
+    b.arqDB.Decodifica(b.arqDB.LeBruto(total - 1), total - 1, r);
+    GravaCampos(zv, b, r);
+  }
+  return {};
+}
+
+Valor FindDB(Interpretador& zv, const Texto& args) {
+  auto a = zv.SeparaArgumentos(args, 21);
+  int s = LocalizaDB(zv, zv.ValorTexto(a[0]).ComoTexto());
+  if (s < 0) return Valor::DeInt32(-1);
+  BaseDeclarada& b = *Base(zv, s);
+  ModoBusca modo = LeModoBusca(zv.ValorTexto(a[1]).ComoTexto());
+  std::vector<Texto> valores;
+  for (size_t i = 2; i < a.size() && !a[i].empty(); ++i) valores.push_back(zv.ValorTexto(a[i]).ComoTexto());
+  Texto chave;
+  if (!ChaveBusca(b.estrutura, b.indices, valores, chave)) {
+    zv.ErroExecucao(u"Error in command FindDB!" + CRLF +
+                    u"Make sure you set the order of the database with the command OrderDB!");
+    return Valor::DeInt32(0);
+  }
+  return Valor::DeInt32(b.lstOrdem.Busca(chave, modo));
+}
+
+Valor CompactDB(Interpretador& zv, const Texto& args) {
+  auto a = zv.SeparaArgumentos(args, 4);
+  int s = LocalizaDB(zv, zv.ValorTexto(a[0]).ComoTexto());
+  if (s < 0) return Valor::TextoComAspas(u"");
+  BaseDeclarada& b = *Base(zv, s);
+  if (!b.arqDB.Aberto()) {
+    // Compaction leaves the file open, as if OpenDB had run.
+    Texto problema;
+    auto r = b.arqDB.Abre(ParaCaminho(b.Caminho()), &b.estrutura, nullptr, false, problema);
+    if (r == ArquivoRegistros::Abertura::NaoEncontrada) throw FalhaHost(u"File not found: " + b.Caminho());
+    if (r == ArquivoRegistros::Abertura::TamanhoDiferente) {
+      zv.CaixaCritica(MensagemTamanho(b.nome));
+      return Valor::TextoComAspas(u"");
+    }
+    if (r != ArquivoRegistros::Abertura::Aberta) throw FalhaHost(MensagemDanificado(b.Caminho(), problema));
+  }
+  fs::path trabalho;
+  int32_t total = 0;
+  if (b.arqDB.Compacta(trabalho, total) == ArquivoRegistros::Compactacao::TrabalhoExiste) {
+    zv.CaixaCritica(u"Another user is clearing the database!" + CRLF +
+                    u"If you are sure that no user's performing this routine," + CRLF + u"delete the file " +
+                    U(trabalho.string()));
+  }
+  return Valor::TextoComAspas(u"");
+}
+
+}  // namespace
+
+void RegistraDados() {
+  TabelaComandos& c = Comandos();
+  c.Define(u"OpenDB", Protegido<OpenDB>);
+  c.Define(u"CloseDB", Protegido<CloseDB>);
+  c.Define(u"AddRecord", Protegido<AddRecord>);
+  c.Define(u"UpdateRecord", Protegido<UpdateRecord>);
+  c.Define(u"DeleteRecord", Protegido<DeleteRecord>);
+  c.Define(u"ReadRecord", Protegido<ReadRecord>);
+  c.Define(u"TotalRecordsDB", Protegido<TotalRecordsDB>);
+  c.Define(u"OrderDB", Protegido<OrderDB>);
+  c.Define(u"FindDB", Protegido<FindDB>);
+  c.Define(u"CompactDB", Protegido<CompactDB>);
+  c.db = BlocoDB;
+}
 
 }  // namespace zv

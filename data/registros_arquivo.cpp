@@ -1,0 +1,884 @@
+#include "data/registros_arquivo.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <thread>
+
+#include "data/scramble.h"
+
+namespace zv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Header slots: offset and width.
+struct Fatia {
+  size_t inicio, largura;
+};
+constexpr Fatia kContagem{1, 11};
+constexpr Fatia kDescritor{12, 25};
+constexpr Fatia kTamanho{37, 12};
+constexpr Fatia kCriacao{49, 30};
+constexpr Fatia kDeclaracao{79, 30};
+constexpr Fatia kSenha{109, 25};
+constexpr size_t kPrimeiroCampo = 999;
+constexpr size_t kPassoCampo = 48;
+constexpr size_t kNomeCampo = 25, kComprimentoCampo = 11, kTipoCampo = 12;
+
+constexpr size_t kBloco = 1024;  // entries per block of the order list
+
+bool SoDigitos(std::string_view s, size_t maxDigitos) {
+  if (s.empty() || s.size() > maxDigitos) return false;
+  return std::all_of(s.begin(), s.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+bool EmBranco(std::string_view s) {
+  return std::all_of(s.begin(), s.end(), [](char c) { return c == ' '; });
+}
+
+// Writes the stored form of a text into a slot; the caller has checked that
+// it fits.
+void PoeEmFatia(std::string& bytes, Fatia f, std::string_view texto) {
+  std::string a = Embaralha(texto);
+  if (a.size() > f.largura) throw FalhaRegistros(u"a header value doesn't fit its slot: " + DeCp1252(texto));
+  bytes.replace(f.inicio, f.largura, a + std::string(f.largura - a.size(), ' '));
+}
+
+bool LeFatia(std::string_view bytes, Fatia f, std::string& texto) {
+  return DesembaralhaSeguro(bytes.substr(f.inicio, f.largura), texto);
+}
+
+std::string QuatroBytes(int32_t n) {
+  std::string b(4, '\0');
+  std::memcpy(b.data(), &n, 4);  // little-endian hosts only, as the format is
+  return b;
+}
+
+std::string OitoBytes(double d) {
+  std::string b(8, '\0');
+  std::memcpy(b.data(), &d, 8);
+  return b;
+}
+
+std::string NomeArquivo(const fs::path& p) { return p.string(); }
+
+// A short text for a stamp slot: at most 25 characters.
+Texto Corta(const Texto& t, size_t n) { return t.size() > n ? t.substr(0, n) : t; }
+
+}  // namespace
+
+// ---- Structure --------------------------------------------------------------
+
+bool LeTipoCampo(TextoV palavra, TipoCampo& tipo) {
+  if (palavra == u"String") tipo = TipoCampo::String;
+  else if (palavra == u"AutoInc") tipo = TipoCampo::AutoInc;
+  else if (palavra == u"Integer") tipo = TipoCampo::Integer;
+  else if (palavra == u"Decimal") tipo = TipoCampo::Decimal;
+  else return false;
+  return true;
+}
+
+const char16_t* PalavraTipo(TipoCampo tipo) {
+  switch (tipo) {
+    case TipoCampo::String: return u"String";
+    case TipoCampo::AutoInc: return u"AutoInc";
+    case TipoCampo::Integer: return u"Integer";
+    case TipoCampo::Decimal: return u"Decimal";
+  }
+  return u"";
+}
+
+void Estrutura::Acrescenta(Texto nome, TipoCampo tipo, int32_t comprimento) {
+  Campo c;
+  c.nome = std::move(nome);
+  c.tipo = tipo;
+  switch (tipo) {
+    case TipoCampo::String: c.comprimento = comprimento; break;
+    case TipoCampo::AutoInc:
+    case TipoCampo::Integer: c.comprimento = 4; break;
+    case TipoCampo::Decimal: c.comprimento = 8; break;
+  }
+  // Each stored form is five bytes longer than its data.
+  c.largura = c.comprimento + 5;
+  c.posicao = tamanhoRegistro + 1;
+  tamanhoRegistro += c.largura;
+  campos.push_back(std::move(c));
+}
+
+int Estrutura::IndiceCampo(TextoV nome) const {
+  Texto m = Maiusculas(nome);
+  for (size_t i = 0; i < campos.size(); ++i)
+    if (Maiusculas(campos[i].nome) == m) return static_cast<int>(i);
+  return -1;
+}
+
+Texto Estrutura::Problema() const {
+  const Texto limite = InteiroParaTexto(kMaxNome);
+  if (descritor.empty()) return u"the database has no name";
+  if (descritor.size() > size_t(kMaxNome))
+    return u"the name of a database can't be longer than " + limite + u" characters";
+  if (campos.empty()) return u"the database has no fields";
+  if (campos.size() > size_t(kMaxCampos))
+    return u"a database can't have more than " + InteiroParaTexto(kMaxCampos) + u" fields";
+  for (const Campo& c : campos) {
+    if (c.nome.empty()) return u"a field has no name";
+    if (c.nome.size() > size_t(kMaxNome))
+      return u"the name of the field '" + c.nome + u"' is longer than " + limite + u" characters";
+    if (c.comprimento < 0) return u"the field '" + c.nome + u"' has a negative length";
+  }
+  if (tamanhoRegistro > kMaxTamanhoRegistro)
+    return u"a record can't be longer than " + InteiroParaTexto(kMaxTamanhoRegistro) + u" bytes (this one has " +
+           InteiroParaTexto(tamanhoRegistro) + u")";
+  return {};
+}
+
+// ---- Header -----------------------------------------------------------------
+
+std::string MontaCabecalho(const Cabecalho& c) {
+  std::string b(kTamanhoCabecalho, ' ');
+  b[0] = c.trava;
+  const Estrutura& e = c.estrutura;
+  PoeEmFatia(b, kContagem, std::to_string(c.total));
+  PoeEmFatia(b, kDescritor, ParaCp1252(e.descritor));
+  PoeEmFatia(b, kTamanho, std::to_string(e.tamanhoRegistro));
+  PoeEmFatia(b, kCriacao, ParaCp1252(Corta(c.criacao, kCriacao.largura - 5)));
+  PoeEmFatia(b, kDeclaracao, ParaCp1252(Corta(c.declaracao, kDeclaracao.largura - 5)));
+  size_t p = kPrimeiroCampo;
+  for (const Campo& f : e.campos) {
+    PoeEmFatia(b, {p, kNomeCampo}, ParaCp1252(f.nome));
+    PoeEmFatia(b, {p + kNomeCampo, kComprimentoCampo}, std::to_string(f.comprimento));
+    PoeEmFatia(b, {p + kNomeCampo + kComprimentoCampo, kTipoCampo}, ParaCp1252(PalavraTipo(f.tipo)));
+    p += kPassoCampo;
+  }
+  PoeEmFatia(b, {p, kNomeCampo}, kMarcaFim);
+  PoeEmFatia(b, kSenha, ParaCp1252(c.senha));
+  return b;
+}
+
+bool LeContagem(std::string_view trava, int32_t& total) {
+  std::string t;
+  if (trava.size() < kContagem.inicio + kContagem.largura || !LeFatia(trava, kContagem, t) || !SoDigitos(t, 6))
+    return false;
+  total = std::stoi(t);
+  return true;
+}
+
+void PoeContagem(std::string& trava, int32_t total) { PoeEmFatia(trava, kContagem, std::to_string(total)); }
+
+bool LeCabecalho(std::string_view bytes, Cabecalho& c, Texto& problema) {
+  if (bytes.size() < size_t(kTamanhoCabecalho)) {
+    problema = u"it is shorter than its header (" + InteiroParaTexto(int64_t(bytes.size())) + u" of " +
+               InteiroParaTexto(kTamanhoCabecalho) + u" bytes)";
+    return false;
+  }
+  auto falha = [&problema](Texto p) {
+    problema = std::move(p);
+    return false;
+  };
+  c = Cabecalho{};
+  c.trava = bytes[0];
+  if (c.trava != kLivre && c.trava != kOcupado) return falha(u"its lock byte is neither \"0\" nor \"1\"");
+  std::string t;
+  if (!LeContagem(bytes, c.total)) return falha(u"its record count can't be read");
+  if (!LeFatia(bytes, kDescritor, t)) return falha(u"its database name can't be read");
+  c.estrutura.descritor = DeCp1252(t);
+  if (!LeFatia(bytes, kTamanho, t) || !SoDigitos(t, 5) || std::stoi(t) == 0 || std::stoi(t) > kMaxTamanhoRegistro)
+    return falha(u"its record size can't be read");
+  int32_t tamanho = std::stoi(t);
+  if (!LeFatia(bytes, kCriacao, t)) return falha(u"its creation stamp can't be read");
+  c.criacao = DeCp1252(t);
+  if (!LeFatia(bytes, kDeclaracao, t)) return falha(u"its declaration stamp can't be read");
+  c.declaracao = DeCp1252(t);
+  if (!LeFatia(bytes, kSenha, t)) return falha(u"its password can't be read");
+  c.senha = DeCp1252(t);
+  size_t p = kPrimeiroCampo;
+  for (int i = 0;; ++i, p += kPassoCampo) {
+    const Texto n = InteiroParaTexto(i + 1);
+    if (!LeFatia(bytes, {p, kNomeCampo}, t)) return falha(u"the name of its field " + n + u" can't be read");
+    if (t == kMarcaFim) break;
+    if (i == kMaxCampos) return falha(u"its field table has no end mark");
+    Texto nome = DeCp1252(t);
+    std::string comp, tipo;
+    if (!LeFatia(bytes, {p + kNomeCampo, kComprimentoCampo}, comp) || !SoDigitos(comp, 5))
+      return falha(u"the length of its field '" + nome + u"' can't be read");
+    TipoCampo tc;
+    if (!LeFatia(bytes, {p + kNomeCampo + kComprimentoCampo, kTipoCampo}, tipo) || !LeTipoCampo(DeCp1252(tipo), tc))
+      return falha(u"the type of its field '" + nome + u"' can't be read");
+    c.estrutura.Acrescenta(nome, tc, std::stoi(comp));
+    if (c.estrutura.campos.back().comprimento != std::stoi(comp))
+      return falha(u"its field '" + nome + u"' has a length that doesn't fit its type");
+  }
+  if (c.estrutura.campos.empty()) return falha(u"it has no fields");
+  if (c.estrutura.tamanhoRegistro != tamanho)
+    return falha(u"its fields add up to " + InteiroParaTexto(c.estrutura.tamanhoRegistro) +
+                 u" bytes, but its record size says " + InteiroParaTexto(tamanho));
+  return true;
+}
+
+// ---- Values -----------------------------------------------------------------
+
+Texto TextoValor(const Campo& campo, const ValorCampo& v) {
+  switch (campo.tipo) {
+    case TipoCampo::String: return v.texto;
+    case TipoCampo::AutoInc:
+    case TipoCampo::Integer: return InteiroParaTexto(v.inteiro);
+    case TipoCampo::Decimal: return NumeroParaTexto(v.decimal);
+  }
+  return {};
+}
+
+Texto ColunaCampo(const Campo& campo, const ValorCampo& v) {
+  Texto t = TextoValor(campo, v);
+  t.resize(size_t(campo.largura), u' ');
+  return t;
+}
+
+Texto LinhaRegistro(const Estrutura& e, const Registro& r) {
+  Texto t;
+  t.reserve(size_t(e.tamanhoRegistro) + 2);
+  t += u'"';
+  for (size_t i = 0; i < e.campos.size(); ++i) t += ColunaCampo(e.campos[i], r[i]);
+  t += u'"';
+  return t;
+}
+
+// ---- The file ---------------------------------------------------------------
+
+ArquivoRegistros::~ArquivoRegistros() { Fecha(); }
+
+void ArquivoRegistros::Fecha() {
+  if (fd_ >= 0) ::close(fd_);
+  fd_ = -1;
+}
+
+void ArquivoRegistros::Falha(const char* acao) const {
+  int e = errno;
+  throw FalhaRegistros(U(std::string(acao) + " " + NomeArquivo(caminho_) + ": " + std::strerror(e)));
+}
+
+void ArquivoRegistros::EscreveEm(int64_t posicao, std::string_view bytes) {
+  size_t feito = 0;
+  while (feito < bytes.size()) {
+    ssize_t n = ::pwrite(fd_, bytes.data() + feito, bytes.size() - feito, off_t(posicao + int64_t(feito)));
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      Falha("Can't write to");
+    }
+    feito += size_t(n);
+  }
+}
+
+size_t ArquivoRegistros::LeEm(int64_t posicao, char* destino, size_t tamanho) {
+  size_t feito = 0;
+  while (feito < tamanho) {
+    ssize_t n = ::pread(fd_, destino + feito, tamanho - feito, off_t(posicao + int64_t(feito)));
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      Falha("Can't read");
+    }
+    if (n == 0) break;
+    feito += size_t(n);
+  }
+  return feito;
+}
+
+bool ArquivoRegistros::Reabre() {
+  struct stat st;
+  if (::fstat(fd_, &st) != 0) Falha("Can't examine");
+  if (st.st_nlink > 0) return false;
+  // Compaction by another program put a new file in this one's place.
+  int novo = ::open(caminho_.c_str(), (somenteLeitura_ ? O_RDONLY : O_RDWR) | O_CLOEXEC);
+  if (novo < 0) Falha("Can't open again");
+  ::close(fd_);
+  fd_ = novo;
+  return true;
+}
+
+void ArquivoRegistros::TomaTrava() {
+  if (fd_ < 0) throw FalhaRegistros(u"the database file is not open");
+  auto pausa = std::chrono::microseconds(50);
+  for (;;) {
+    struct flock fl {};
+    fl.l_type = somenteLeitura_ ? F_RDLCK : F_WRLCK;
+    fl.l_whence = SEEK_SET;
+    fl.l_start = 0;
+    fl.l_len = kTamanhoTrava;
+    if (::fcntl(fd_, F_OFD_SETLK, &fl) == 0) {
+      if (!Reabre()) return;
+      continue;  // closing the old file let its lock go
+    }
+    if (errno != EAGAIN && errno != EACCES && errno != EINTR) Falha("Can't lock");
+    if (aoEsperar && !aoEsperar()) throw EsperaInterrompida();
+    std::this_thread::sleep_for(pausa);
+    pausa = std::min(pausa * 2, std::chrono::microseconds(2000));
+  }
+}
+
+void ArquivoRegistros::SoltaTrava() {
+  if (fd_ < 0) return;
+  struct flock fl {};
+  fl.l_type = F_UNLCK;
+  fl.l_whence = SEEK_SET;
+  fl.l_start = 0;
+  fl.l_len = kTamanhoTrava;
+  ::fcntl(fd_, F_OFD_SETLK, &fl);
+}
+
+namespace {
+struct GuardaTrava {
+  std::function<void()> solta;
+  ~GuardaTrava() { solta(); }
+};
+}  // namespace
+
+std::string ArquivoRegistros::LeTrava() {
+  std::string t(kTamanhoTrava, ' ');
+  if (LeEm(0, t.data(), t.size()) != t.size())
+    throw FalhaRegistros(u"The database file " + U(NomeArquivo(caminho_)) + u" is damaged: it is shorter than its header");
+  if (t[0] != kLivre && t[0] != kOcupado)
+    throw FalhaRegistros(u"The database file " + U(NomeArquivo(caminho_)) +
+                         u" is damaged: its lock byte is neither \"0\" nor \"1\"");
+  return t;
+}
+
+namespace {
+int32_t ContagemOuFalha(std::string_view trava, const fs::path& caminho) {
+  int32_t n = 0;
+  if (!LeContagem(trava, n))
+    throw FalhaRegistros(u"The database file " + U(caminho.string()) + u" is damaged: its record count can't be read");
+  return n;
+}
+}  // namespace
+
+int32_t ArquivoRegistros::Total() {
+  TomaTrava();
+  GuardaTrava g{[this] { SoltaTrava(); }};
+  std::string t = LeTrava();
+  int32_t n = ContagemOuFalha(t, caminho_);
+  // Holding the lock, a busy byte can only be a dead program's.
+  if (t[0] != kLivre && !somenteLeitura_) EscreveEm(0, std::string(1, kLivre));
+  return n;
+}
+
+int32_t ArquivoRegistros::Adiciona(std::string registro) {
+  if (somenteLeitura_) throw FalhaRegistros(u"the database file is open for reading only");
+  TomaTrava();
+  GuardaTrava g{[this] { SoltaTrava(); }};
+  std::string t = LeTrava();
+  int32_t n = ContagemOuFalha(t, caminho_);
+  if (n >= kMaxRegistros)
+    throw FalhaRegistros(u"The database file " + U(NomeArquivo(caminho_)) + u" is full: it holds " +
+                         InteiroParaTexto(kMaxRegistros) + u" records, the most a file can");
+  EscreveEm(0, std::string(1, kOcupado));
+  for (const Campo& c : estrutura_.campos)
+    if (c.tipo == TipoCampo::AutoInc) registro.replace(size_t(c.posicao - 1), 9, Embaralha(QuatroBytes(n)));
+  // The record goes in before the count that shows it: a program that dies
+  // in between leaves an unseen record, never a counted hole.
+  EscreveEm(kInicioRegistros + int64_t(n) * estrutura_.tamanhoRegistro, registro);
+  t[0] = kLivre;
+  PoeContagem(t, n + 1);
+  EscreveEm(0, t);
+  return n;
+}
+
+void ArquivoRegistros::Grava(int32_t numero, std::string_view registro) {
+  if (fd_ < 0) throw FalhaRegistros(u"the database file is not open");
+  if (somenteLeitura_) throw FalhaRegistros(u"the database file is open for reading only");
+  EscreveEm(kInicioRegistros + int64_t(numero) * estrutura_.tamanhoRegistro, registro);
+}
+
+std::string ArquivoRegistros::LeBruto(int32_t numero, int32_t quantos) {
+  if (fd_ < 0) throw FalhaRegistros(u"the database file is not open");
+  std::string r(size_t(quantos) * size_t(estrutura_.tamanhoRegistro), ' ');
+  size_t n = LeEm(kInicioRegistros + int64_t(numero) * estrutura_.tamanhoRegistro, r.data(), r.size());
+  if (n != r.size()) {
+    int32_t falta = numero + int32_t(n / size_t(estrutura_.tamanhoRegistro));
+    throw FalhaRegistros(u"The database file " + U(NomeArquivo(caminho_)) + u" is damaged: its record " +
+                         InteiroParaTexto(falta) + u" lies beyond the end of the file");
+  }
+  return r;
+}
+
+int32_t ArquivoRegistros::RegistrosNoComprimento() {
+  struct stat st;
+  if (::fstat(fd_, &st) != 0) Falha("Can't examine");
+  if (st.st_size <= kInicioRegistros) return 0;
+  return int32_t(std::min<int64_t>((st.st_size - kInicioRegistros) / estrutura_.tamanhoRegistro, INT32_MAX));
+}
+
+std::string ArquivoRegistros::Monta(const Registro& valores, int32_t autoInc, std::vector<size_t>* longos) const {
+  std::string r(size_t(estrutura_.tamanhoRegistro), ' ');
+  for (size_t i = 0; i < estrutura_.campos.size(); ++i) {
+    const Campo& c = estrutura_.campos[i];
+    const ValorCampo& v = valores[i];
+    std::string a;
+    switch (c.tipo) {
+      case TipoCampo::String: {
+        std::string t = ParaCp1252(v.texto);
+        if (t.size() > size_t(c.comprimento)) {
+          if (longos) longos->push_back(i);
+          continue;
+        }
+        a = Embaralha(t);
+        break;
+      }
+      case TipoCampo::AutoInc:
+        if (autoInc < 0) continue;
+        a = Embaralha(QuatroBytes(autoInc));
+        break;
+      case TipoCampo::Integer: a = Embaralha(QuatroBytes(v.inteiro)); break;
+      case TipoCampo::Decimal: a = Embaralha(OitoBytes(v.decimal)); break;
+    }
+    r.replace(size_t(c.posicao - 1), a.size(), a);
+  }
+  return r;
+}
+
+std::string ArquivoRegistros::RegistroApagado() const {
+  std::string marca = Embaralha(kMarcaApagado);
+  if (size_t(estrutura_.tamanhoRegistro) < marca.size())
+    throw FalhaRegistros(u"the records of this database are too short (" +
+                         InteiroParaTexto(estrutura_.tamanhoRegistro) + u" bytes) to carry the deleted mark");
+  std::string r(size_t(estrutura_.tamanhoRegistro), ' ');
+  r.replace(0, marca.size(), marca);
+  return r;
+}
+
+bool ArquivoRegistros::EApagado(std::string_view bruto) {
+  // The mark is read from the record's start: a first field narrower than
+  // the mark's six bytes lends it the room behind.
+  std::string t;
+  return DesembaralhaSeguro(bruto, t) && t == kMarcaApagado;
+}
+
+void ArquivoRegistros::DecodificaCampo(std::string_view bruto, int32_t numero, size_t i, ValorCampo& v) const {
+  const Campo& c = estrutura_.campos[i];
+  std::string_view fatia = bruto.substr(size_t(c.posicao - 1), size_t(c.largura));
+  v = ValorCampo{};
+  // A blank slot (a text that was too long for it) reads as empty.
+  if (EmBranco(fatia)) return;
+  std::string t;
+  bool ok = DesembaralhaSeguro(fatia, t);
+  if (ok && c.tipo == TipoCampo::String) {
+    v.texto = DeCp1252(t);
+  } else if (ok && (c.tipo == TipoCampo::AutoInc || c.tipo == TipoCampo::Integer) && t.size() >= 4) {
+    std::memcpy(&v.inteiro, t.data(), 4);
+  } else if (ok && c.tipo == TipoCampo::Decimal && t.size() >= 8) {
+    std::memcpy(&v.decimal, t.data(), 8);
+  } else {
+    throw FalhaRegistros(u"The database file " + U(NomeArquivo(caminho_)) + u" is damaged: the field '" + c.nome +
+                         u"' of its record " + InteiroParaTexto(numero) + u" can't be read");
+  }
+}
+
+bool ArquivoRegistros::Decodifica(std::string_view bruto, int32_t numero, Registro& valores) const {
+  valores.assign(estrutura_.campos.size(), ValorCampo{});
+  if (EApagado(bruto)) return false;
+  for (size_t i = 0; i < estrutura_.campos.size(); ++i) DecodificaCampo(bruto, numero, i, valores[i]);
+  return true;
+}
+
+fs::path ArquivoRegistros::CaminhoTrabalho(const fs::path& arquivo) {
+  return arquivo.parent_path() / std::string(kArquivoTrabalho);
+}
+
+ArquivoRegistros::Declaracao ArquivoRegistros::Declara(const fs::path& arquivo, const Estrutura& e,
+                                                        const Texto& senha, const Texto& carimbo, Texto& problema) {
+  ArquivoRegistros a;
+  a.caminho_ = arquivo;
+  a.fd_ = ::open(arquivo.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+  if (a.fd_ < 0) a.Falha("Can't open or create");
+  a.TomaTrava();
+  GuardaTrava g{[&a] { a.SoltaTrava(); }};
+  struct stat st;
+  if (::fstat(a.fd_, &st) != 0) a.Falha("Can't examine");
+  if (st.st_size == 0) {
+    // New (or left empty by a creation that never finished).
+    Cabecalho c;
+    c.estrutura = e;
+    c.criacao = c.declaracao = carimbo;
+    c.senha = senha;
+    a.EscreveEm(0, MontaCabecalho(c));
+    return Declaracao::Pronta;
+  }
+  std::string b(kTamanhoCabecalho, ' ');
+  b.resize(a.LeEm(0, b.data(), b.size()));
+  Cabecalho c;
+  if (!LeCabecalho(b, c, problema)) return Declaracao::Danificada;
+  if (c.estrutura.tamanhoRegistro != e.tamanhoRegistro) return Declaracao::TamanhoDiferente;
+  b[0] = kLivre;  // we hold the lock: a busy byte is a dead program's
+  PoeEmFatia(b, kDeclaracao, ParaCp1252(Corta(carimbo, kDeclaracao.largura - 5)));
+  // The header's last byte is record 0's first: it is left as it stands.
+  a.EscreveEm(0, std::string_view(b).substr(0, kInicioRegistros));
+  return Declaracao::Pronta;
+}
+
+ArquivoRegistros::Abertura ArquivoRegistros::Abre(const fs::path& arquivo, const Estrutura* estrutura,
+                                                   const Texto* senha, bool somenteLeitura, Texto& problema) {
+  Fecha();
+  std::error_code ec;
+  if (!fs::is_regular_file(arquivo, ec)) return Abertura::NaoEncontrada;
+  caminho_ = arquivo;
+  somenteLeitura_ = somenteLeitura;
+  fd_ = ::open(arquivo.c_str(), (somenteLeitura ? O_RDONLY : O_RDWR) | O_CLOEXEC);
+  if (fd_ < 0) Falha("Can't open");
+  Abertura r = Abertura::Aberta;
+  {
+    TomaTrava();
+    GuardaTrava g{[this] { SoltaTrava(); }};
+    std::string b(kTamanhoCabecalho, ' ');
+    b.resize(LeEm(0, b.data(), b.size()));
+    estrutura_ = Estrutura{};
+    if (!LeCabecalho(b, cabecalho_, problema)) {
+      r = Abertura::Danificada;
+    } else if (estrutura && estrutura->tamanhoRegistro != cabecalho_.estrutura.tamanhoRegistro) {
+      r = Abertura::TamanhoDiferente;
+    } else if (senha && *senha != cabecalho_.senha) {
+      r = Abertura::SenhaInvalida;
+    } else {
+      estrutura_ = estrutura ? *estrutura : cabecalho_.estrutura;
+      int32_t cabem = RegistrosNoComprimento();
+      if (cabem < cabecalho_.total) {
+        problema = u"its count says " + InteiroParaTexto(cabecalho_.total) + u" records, but the file holds only " +
+                   InteiroParaTexto(cabem);
+        r = Abertura::Danificada;
+      }
+    }
+  }
+  if (r != Abertura::Aberta) Fecha();
+  return r;
+}
+
+ArquivoRegistros::Compactacao ArquivoRegistros::Compacta(fs::path& trabalho, int32_t& novoTotal) {
+  if (somenteLeitura_) throw FalhaRegistros(u"the database file is open for reading only");
+  trabalho = CaminhoTrabalho(caminho_);
+  TomaTrava();
+  GuardaTrava g{[this] { SoltaTrava(); }};
+  struct stat st;
+  if (::fstat(fd_, &st) != 0) Falha("Can't examine");
+  // Creating it exclusively makes the presence test and the claim one step.
+  int w = ::open(trabalho.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, st.st_mode & 07777);
+  if (w < 0) {
+    if (errno == EEXIST) return Compactacao::TrabalhoExiste;
+    int e = errno;
+    throw FalhaRegistros(U("Can't create " + trabalho.string() + ": " + std::strerror(e)));
+  }
+  ArquivoRegistros saida;
+  saida.fd_ = w;
+  saida.caminho_ = trabalho;
+  bool pronto = false;
+  GuardaTrava limpa{[&] {
+    if (!pronto) {
+      saida.Fecha();
+      ::unlink(trabalho.c_str());
+    }
+  }};
+
+  std::string cab(kTamanhoCabecalho, ' ');
+  cab.resize(LeEm(0, cab.data(), cab.size()));
+  Cabecalho c;
+  Texto problema;
+  if (!LeCabecalho(cab, c, problema))
+    throw FalhaRegistros(u"The database file " + U(NomeArquivo(caminho_)) + u" is damaged: " + problema);
+  saida.EscreveEm(0, cab);
+  const int32_t total = c.total;
+  const size_t tam = size_t(c.estrutura.tamanhoRegistro);
+  const bool renumera = Maiusculas(PalavraTipo(c.estrutura.campos[0].tipo)) == u"AUTOINC";
+  Estrutura antes = estrutura_;
+  estrutura_ = c.estrutura;  // the file's own table decides, for the copy
+  GuardaTrava volta{[&] { estrutura_ = antes; }};
+
+  int32_t escritos = 0;
+  const int32_t porVez = int32_t(std::max<size_t>(1, (1 << 20) / tam));
+  std::string lote;
+  for (int32_t r = 0; r < total; r += porVez) {
+    int32_t n = std::min(porVez, total - r);
+    std::string bloco = LeBruto(r, n);
+    lote.clear();
+    for (int32_t k = 0; k < n; ++k) {
+      std::string_view reg(bloco.data() + size_t(k) * tam, tam);
+      if (EApagado(reg)) continue;
+      size_t ini = lote.size();
+      lote.append(reg);
+      // A first AutoInc field becomes the record's new number.
+      if (renumera) lote.replace(ini, 9, Embaralha(QuatroBytes(escritos + int32_t(ini / tam))));
+    }
+    saida.EscreveEm(kInicioRegistros + int64_t(escritos) * int64_t(tam), lote);
+    escritos += int32_t(lote.size() / tam);
+  }
+
+  // The header again, with the new count; its last byte is the copy's first
+  // record's and stays.
+  cab.resize(kTamanhoCabecalho, ' ');
+  LeEm(0, cab.data(), cab.size());
+  cab[0] = kLivre;
+  PoeContagem(cab, escritos);
+  saida.EscreveEm(0, std::string_view(cab).substr(0, kInicioRegistros));
+  if (::fsync(w) != 0) saida.Falha("Can't write to");
+  if (::rename(trabalho.c_str(), caminho_.c_str()) != 0) saida.Falha("Can't put in place of the database");
+  pronto = true;
+  saida.Fecha();
+  // Closing the old file lets its lock go; programs waiting on it find it
+  // replaced and open the new one.
+  int novo = ::open(caminho_.c_str(), O_RDWR | O_CLOEXEC);
+  if (novo < 0) Falha("Can't open again");
+  ::close(fd_);
+  fd_ = novo;
+  novoTotal = escritos;
+  return Compactacao::Feita;
+}
+
+// ---- Order list -------------------------------------------------------------
+
+Texto TiraAcentos(TextoV texto) {
+  Texto t(texto.substr(0, std::min<size_t>(texto.size(), 131)));
+  for (char16_t& c : t) {
+    switch (c) {
+      case u'Á': case u'À': case u'Ã': c = u'A'; break;
+      case u'á': case u'à': case u'ã': c = u'a'; break;
+      case u'É': case u'Ê': c = u'E'; break;
+      case u'é': case u'ê': c = u'e'; break;
+      case u'Í': c = u'I'; break;
+      case u'í': c = u'i'; break;
+      case u'Ó': case u'Õ': case u'Ô': c = u'O'; break;
+      case u'ó': case u'õ': case u'ô': c = u'o'; break;
+      case u'Ú': c = u'U'; break;
+      case u'ú': c = u'u'; break;
+      case u'Ç': c = u'C'; break;
+      case u'ç': c = u'c'; break;
+      default: break;
+    }
+  }
+  return t;
+}
+
+namespace {
+
+// Capitals and no accents, control characters as blanks (so that a blank is
+// the lowest character and trimming keeps the order), for a whole text.
+void Normaliza(Texto& t) {
+  for (char16_t& c : t) {
+    if (c < u' ') c = u' ';
+    c = Maiuscula(c);
+  }
+  size_t feito = 0;
+  while (feito < t.size()) {
+    size_t n = std::min<size_t>(131, t.size() - feito);
+    Texto parte = TiraAcentos(TextoV(t).substr(feito, n));
+    std::copy(parte.begin(), parte.end(), t.begin() + std::ptrdiff_t(feito));
+    feito += n;
+  }
+}
+
+Texto AparaDireitaCorta(TextoV t) {
+  size_t b = t.size();
+  while (b > 0 && t[b - 1] == u' ') --b;
+  return Texto(t.substr(0, std::min<size_t>(b, 131)));
+}
+
+}  // namespace
+
+Texto ChaveIndice(const Estrutura& e, const Registro* valores, const std::vector<int>& camposIndice,
+                  int32_t numero) {
+  Texto k;
+  if (valores) {
+    for (int f : camposIndice) {
+      const Campo& c = e.campos[size_t(f)];
+      // The piece starts one character left of the column: on the line's
+      // opening quote, or on the last character of the column before.
+      if (f == 0) {
+        k += u'"';
+      } else {
+        Texto antes = ColunaCampo(e.campos[size_t(f - 1)], (*valores)[size_t(f - 1)]);
+        k += antes.back();
+      }
+      k += ColunaCampo(c, (*valores)[size_t(f)]).substr(0, size_t(c.largura - 1));
+    }
+  }
+  k += Preenche(numero, 6);
+  return k;
+}
+
+bool ChaveBusca(const Estrutura& e, const std::vector<int>& camposIndice, const std::vector<Texto>& valores,
+                Texto& chave) {
+  chave.clear();
+  for (size_t i = 0; i < valores.size(); ++i) {
+    if (i >= camposIndice.size()) return false;
+    Texto v = valores[i];
+    size_t largura = size_t(e.campos[size_t(camposIndice[i])].largura);
+    if (v.size() < largura) v.resize(largura, u' ');
+    chave += v;
+  }
+  return true;
+}
+
+ModoBusca LeModoBusca(TextoV modo) {
+  Texto m = Maiusculas(modo);
+  if (m == u"FIRST") return ModoBusca::Primeiro;
+  if (m == u"LAST") return ModoBusca::Ultimo;
+  if (m == u"NEXT") return ModoBusca::Proximo;
+  return ModoBusca::Simples;
+}
+
+ListaOrdem::Entrada ListaOrdem::FazEntrada(const Texto& chave, int32_t registro) {
+  size_t a = (!chave.empty() && chave[0] == u'"') ? 1 : 0;
+  size_t b = a;
+  while (b < chave.size() && chave[b] == u' ') ++b;
+  Entrada e{chave.substr(b), registro, uint16_t(std::min<size_t>(b - a, 65535))};
+  Normaliza(e.ordem);
+  return e;
+}
+
+void ListaOrdem::Limpa() {
+  blocos_.clear();
+  inicios_.clear();
+  tamanho_ = 0;
+  sujo_ = false;
+}
+
+void ListaOrdem::Reindexa() const {
+  inicios_.resize(blocos_.size());
+  int32_t n = 0;
+  for (size_t b = 0; b < blocos_.size(); ++b) {
+    inicios_[b] = n;
+    n += int32_t(blocos_[b].size());
+  }
+  sujo_ = false;
+}
+
+const ListaOrdem::Entrada& ListaOrdem::Em(int32_t indice) const {
+  if (sujo_) Reindexa();
+  size_t b = size_t(std::upper_bound(inicios_.begin(), inicios_.end(), indice) - inicios_.begin()) - 1;
+  return blocos_[b][size_t(indice - inicios_[b])];
+}
+
+int32_t ListaOrdem::RegistroEm(int32_t indice) const {
+  if (indice < 0 || indice >= tamanho_) return -1;
+  return Em(indice).registro;
+}
+
+void ListaOrdem::Insere(const Texto& chave, int32_t registro) {
+  Entrada e = FazEntrada(chave, registro);
+  if (blocos_.empty()) blocos_.emplace_back();
+  auto bloco = std::lower_bound(blocos_.begin(), blocos_.end(), e, [](const std::vector<Entrada>& b, const Entrada& x) {
+    return !b.empty() && b.back() < x;
+  });
+  if (bloco == blocos_.end()) --bloco;
+  auto& v = *bloco;
+  v.insert(std::upper_bound(v.begin(), v.end(), e), std::move(e));
+  if (v.size() > 2 * kBloco) {
+    std::vector<Entrada> metade(std::make_move_iterator(v.begin() + kBloco), std::make_move_iterator(v.end()));
+    v.resize(kBloco);
+    blocos_.insert(bloco + 1, std::move(metade));
+  }
+  ++tamanho_;
+  sujo_ = true;
+}
+
+void ListaOrdem::RemoveEm(int32_t indice) {
+  if (indice < 0 || indice >= tamanho_) return;
+  if (sujo_) Reindexa();
+  size_t b = size_t(std::upper_bound(inicios_.begin(), inicios_.end(), indice) - inicios_.begin()) - 1;
+  auto& v = blocos_[b];
+  v.erase(v.begin() + (indice - inicios_[b]));
+  if (v.empty()) blocos_.erase(blocos_.begin() + std::ptrdiff_t(b));
+  --tamanho_;
+  sujo_ = true;
+}
+
+void ListaOrdem::Monta(std::vector<std::pair<Texto, int32_t>> chaves) {
+  Limpa();
+  std::vector<Entrada> todas;
+  todas.reserve(chaves.size());
+  for (auto& [k, r] : chaves) todas.push_back(FazEntrada(k, r));
+  chaves.clear();
+  std::sort(todas.begin(), todas.end());
+  for (size_t i = 0; i < todas.size(); i += kBloco) {
+    size_t f = std::min(todas.size(), i + kBloco);
+    blocos_.emplace_back(std::make_move_iterator(todas.begin() + std::ptrdiff_t(i)),
+                         std::make_move_iterator(todas.begin() + std::ptrdiff_t(f)));
+  }
+  tamanho_ = int32_t(todas.size());
+  sujo_ = true;
+}
+
+int ListaOrdem::Compara(const Texto& busca, size_t tamanhoBusca, int32_t indice) const {
+  const Entrada& e = Em(indice);
+  // The entry cut to the search key's length, less its opening quote and
+  // the blanks that were taken off its start.
+  size_t corte = tamanhoBusca > 0 ? tamanhoBusca - 1 : 0;
+  corte = corte > e.recuo ? corte - e.recuo : 0;
+  Texto item = AparaDireitaCorta(TextoV(e.ordem).substr(0, corte));
+  return busca.compare(item) < 0 ? -1 : (busca == item ? 0 : 1);
+}
+
+int32_t ListaOrdem::Busca(TextoV chave, ModoBusca modo) const {
+  Texto k(chave);
+  Normaliza(k);
+  k = AparaDireitaCorta(Apara(k));
+  const size_t tam = chave.size();
+  int32_t lo = -1, hi = tamanho_, achado = -1;
+  while (hi != lo + 1) {
+    int32_t meio = (hi + lo) / 2;
+    int c = Compara(k, tam, meio);
+    if (c < 0) {
+      hi = meio;
+    } else if (c > 0) {
+      lo = meio;
+    } else {
+      achado = meio;
+      break;
+    }
+  }
+  if (achado < 0) {
+    if (modo == ModoBusca::Proximo) return hi < tamanho_ ? hi : hi - 1;
+    return -1;
+  }
+  if (modo == ModoBusca::Primeiro)
+    while (achado > 0 && Compara(k, tam, achado - 1) == 0) --achado;
+  if (modo == ModoBusca::Ultimo)
+    while (achado + 1 < tamanho_ && Compara(k, tam, achado + 1) == 0) ++achado;
+  return achado;
+}
+
+void ConstroiOrdem(ArquivoRegistros& arquivo, const std::vector<int>& camposIndice, ListaOrdem& lista) {
+  const Estrutura& e = arquivo.estrutura();
+  // Only the index fields and the fields in front of them are read.
+  std::vector<size_t> lidos;
+  for (int f : camposIndice) {
+    if (f > 0) lidos.push_back(size_t(f - 1));
+    lidos.push_back(size_t(f));
+  }
+  std::sort(lidos.begin(), lidos.end());
+  lidos.erase(std::unique(lidos.begin(), lidos.end()), lidos.end());
+
+  const int32_t total = arquivo.Total();
+  const size_t tam = size_t(e.tamanhoRegistro);
+  const int32_t porVez = int32_t(std::max<size_t>(1, (1 << 20) / tam));
+  std::vector<std::pair<Texto, int32_t>> chaves;
+  chaves.reserve(size_t(total));
+  Registro valores(e.campos.size());
+  for (int32_t r = 0; r < total; r += porVez) {
+    int32_t n = std::min(porVez, total - r);
+    std::string bloco = arquivo.LeBruto(r, n);
+    for (int32_t k = 0; k < n; ++k) {
+      std::string_view reg(bloco.data() + size_t(k) * tam, tam);
+      if (ArquivoRegistros::EApagado(reg)) {
+        chaves.emplace_back(ChaveIndice(e, nullptr, camposIndice, r + k), r + k);
+        continue;
+      }
+      for (size_t f : lidos) arquivo.DecodificaCampo(reg, r + k, f, valores[f]);
+      chaves.emplace_back(ChaveIndice(e, &valores, camposIndice, r + k), r + k);
+    }
+  }
+  lista.Monta(std::move(chaves));
+}
+
+}  // namespace zv

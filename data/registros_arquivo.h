@@ -1,0 +1,270 @@
+// The record file (.Zvf): a 20,000-byte header followed by fixed-size
+// records, every value in its stored (scrambled) form. This engine knows the
+// format, the lock, compaction and the order list; it needs no interpreter,
+// so the zvdb tool and the benchmark use it as the language does.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/texto.h"
+
+namespace zv {
+
+// ---- Layout -----------------------------------------------------------------
+
+inline constexpr int64_t kTamanhoCabecalho = 20000;
+// Record 0 starts on the header's last byte: the two share it.
+inline constexpr int64_t kInicioRegistros = 19999;
+// The part of the header that the lock covers: lock byte and count.
+inline constexpr int64_t kTamanhoTrava = 20;
+inline constexpr int32_t kMaxRegistros = 999999;
+inline constexpr int32_t kMaxCampos = 300;
+inline constexpr int32_t kMaxTamanhoRegistro = 32767;
+// Names of descriptors and fields, and passwords: a 25-byte slot less the
+// five bytes of the stored form.
+inline constexpr int32_t kMaxNome = 20;
+inline constexpr char kLivre = '0';
+inline constexpr char kOcupado = '1';
+inline constexpr std::string_view kMarcaFim = "#Fim";
+inline constexpr std::string_view kMarcaApagado = "#";
+inline constexpr std::string_view kArquivoTrabalho = "Temp.Zvf";
+
+// ---- Structure --------------------------------------------------------------
+
+enum class TipoCampo : uint8_t { String, AutoInc, Integer, Decimal };
+
+// The type words, exact case; false for any other word.
+bool LeTipoCampo(TextoV palavra, TipoCampo& tipo);
+const char16_t* PalavraTipo(TipoCampo tipo);
+
+struct Campo {
+  Texto nome;               // without the descriptor
+  TipoCampo tipo = TipoCampo::String;
+  int32_t comprimento = 0;  // data length: the declared length, 4 or 8
+  int32_t largura = 0;      // width of its slot in a record
+  int32_t posicao = 0;      // 1-based position of the slot in a record
+};
+
+struct Estrutura {
+  Texto descritor;
+  std::vector<Campo> campos;
+  int32_t tamanhoRegistro = 0;  // the sum of the widths
+
+  // Appends a field behind the last one. A String's length is its declared
+  // length; the other types ignore it.
+  void Acrescenta(Texto nome, TipoCampo tipo, int32_t comprimento = 0);
+  // Index of a field by name (any case), or -1.
+  int IndiceCampo(TextoV nome) const;
+  // What stops this structure from being stored, or empty.
+  Texto Problema() const;
+};
+
+// What the header holds besides the structure.
+struct Cabecalho {
+  char trava = kLivre;
+  int32_t total = 0;
+  Estrutura estrutura;
+  Texto criacao, declaracao, senha;
+};
+
+// The 20,000 bytes of a header.
+std::string MontaCabecalho(const Cabecalho& c);
+// Reads a header; false, with the reason, when it can't be trusted.
+bool LeCabecalho(std::string_view bytes, Cabecalho& c, Texto& problema);
+
+// ---- Values -----------------------------------------------------------------
+
+// The value of one field: `texto` for String, `inteiro` for Integer and
+// AutoInc, `decimal` for Decimal.
+struct ValorCampo {
+  Texto texto;
+  int32_t inteiro = 0;
+  double decimal = 0;
+};
+using Registro = std::vector<ValorCampo>;
+
+// A field's value as text, and that text left-justified (cut or padded)
+// to the field's width: a column of the record's line.
+Texto TextoValor(const Campo& campo, const ValorCampo& v);
+Texto ColunaCampo(const Campo& campo, const ValorCampo& v);
+// The record's line: a double quote, the columns, a double quote.
+Texto LinhaRegistro(const Estrutura& e, const Registro& r);
+
+// ---- Failures ---------------------------------------------------------------
+
+// A failure of the file or of its contents; `what()` is plain UTF-8 and
+// `descricao` the same text.
+struct FalhaRegistros : std::runtime_error {
+  Texto descricao;
+  explicit FalhaRegistros(Texto d) : std::runtime_error(Utf8(d)), descricao(std::move(d)) {}
+};
+// The wait for the lock was given up by the waiter.
+struct EsperaInterrompida : std::runtime_error {
+  EsperaInterrompida() : std::runtime_error("the wait for the database lock was given up") {}
+};
+
+// ---- The file ---------------------------------------------------------------
+
+class ArquivoRegistros {
+ public:
+  ArquivoRegistros() = default;
+  ~ArquivoRegistros();
+  ArquivoRegistros(const ArquivoRegistros&) = delete;
+  ArquivoRegistros& operator=(const ArquivoRegistros&) = delete;
+
+  enum class Declaracao { Pronta, TamanhoDiferente, Danificada };
+  // Creates the file with this structure and password when it is missing;
+  // otherwise checks its record size against the structure. Either way the
+  // last-declared stamp is written. Nothing else of an existing file changes.
+  static Declaracao Declara(const std::filesystem::path& arquivo, const Estrutura& e, const Texto& senha,
+                            const Texto& carimbo, Texto& problema);
+
+  enum class Abertura { Aberta, NaoEncontrada, SenhaInvalida, TamanhoDiferente, Danificada };
+  // Opens an existing file. With a structure, records are read and written
+  // through it (it must have the file's record size); without one, through
+  // the file's own field table. With a password, it must match the header's.
+  // Read-only opening never writes, not even to clear a dead lock.
+  Abertura Abre(const std::filesystem::path& arquivo, const Estrutura* estrutura, const Texto* senha,
+                bool somenteLeitura, Texto& problema);
+  void Fecha();
+  bool Aberto() const { return fd_ >= 0; }
+  const std::filesystem::path& Caminho() const { return caminho_; }
+  // The header as read at opening (the count in it is not kept up to date).
+  const Cabecalho& CabecalhoLido() const { return cabecalho_; }
+  const Estrutura& estrutura() const { return estrutura_; }
+
+  // Called while another program holds the lock, between tries; returning
+  // false gives up the wait (EsperaInterrompida).
+  std::function<bool()> aoEsperar;
+
+  // The record count, read under the lock.
+  int32_t Total();
+  // Appends a record (see Monta); its AutoInc fields get the record's number,
+  // taken under the lock with the count. Returns that number.
+  int32_t Adiciona(std::string registro);
+  // Writes a record at a record number, with no check of the count.
+  void Grava(int32_t numero, std::string_view registro);
+  // The bytes of `quantos` records from `numero` on; a record past the end
+  // of the file is an error.
+  std::string LeBruto(int32_t numero, int32_t quantos = 1);
+
+  // A record of the structure's size from values. Texts longer than their
+  // field leave it blank and their field indexes go to `longos`. AutoInc
+  // fields get `autoInc`, or stay blank when it is negative.
+  std::string Monta(const Registro& valores, int32_t autoInc, std::vector<size_t>* longos) const;
+  // The record that marks a deletion.
+  std::string RegistroApagado() const;
+  static bool EApagado(std::string_view bruto);
+  // The values of a record; false when it is deleted. A blank slot reads as
+  // the empty text or 0; a slot that can't be read is an error.
+  bool Decodifica(std::string_view bruto, int32_t numero, Registro& valores) const;
+  // One field only (the others stay as they are).
+  void DecodificaCampo(std::string_view bruto, int32_t numero, size_t campo, ValorCampo& v) const;
+
+  enum class Compactacao { Feita, TrabalhoExiste };
+  // Copies the live records into the work file of the folder, renumbering a
+  // first AutoInc field, and puts the copy in the file's place. The file is
+  // open again afterwards.
+  Compactacao Compacta(std::filesystem::path& trabalho, int32_t& novoTotal);
+
+  // How many records fit in the file's present length.
+  int32_t RegistrosNoComprimento();
+
+ private:
+  static std::filesystem::path CaminhoTrabalho(const std::filesystem::path& arquivo);
+  // Takes the operating-system lock over the lock byte and the count,
+  // waiting as long as another process holds it. A busy byte found then was
+  // left by a program that died: no live program holds the byte without the
+  // lock.
+  void TomaTrava();
+  void SoltaTrava();
+  // Reopens the file when a compaction elsewhere has put a new one in its
+  // place; true when it did.
+  bool Reabre();
+  std::string LeTrava();
+  void EscreveEm(int64_t posicao, std::string_view bytes);
+  size_t LeEm(int64_t posicao, char* destino, size_t tamanho);
+  void Falha(const char* acao) const;
+
+  int fd_ = -1;
+  bool somenteLeitura_ = false;
+  std::filesystem::path caminho_;
+  Cabecalho cabecalho_;
+  Estrutura estrutura_;
+};
+
+// The record count in the 20 bytes of the lock; false when it can't be read.
+bool LeContagem(std::string_view trava, int32_t& total);
+// Puts a count into those 20 bytes (the bytes behind its slot stay).
+void PoeContagem(std::string& trava, int32_t total);
+
+// ---- Order list -------------------------------------------------------------
+
+// The accented letters of Portuguese by their plain ones; at most the first
+// 131 characters are kept.
+Texto TiraAcentos(TextoV texto);
+
+// The index key of a record: for each index field the characters of the
+// record's line that start at its position, then the record number in six
+// digits. A deleted record has only the six digits.
+Texto ChaveIndice(const Estrutura& e, const Registro* valores, const std::vector<int>& camposIndice,
+                  int32_t numero);
+
+// The search key of FindDB: each value left-justified to the width of its
+// index field (a longer value stays whole). False when there are more values
+// than index fields.
+bool ChaveBusca(const Estrutura& e, const std::vector<int>& camposIndice, const std::vector<Texto>& valores,
+                Texto& chave);
+
+enum class ModoBusca { Simples, Primeiro, Ultimo, Proximo };
+// "FIRST", "LAST", "NEXT" (any case); anything else is the plain search.
+ModoBusca LeModoBusca(TextoV modo);
+
+// The sorted list of index keys of one database. Entries are kept in blocks
+// so that inserting, removing and reaching the i-th entry stay cheap with
+// hundreds of thousands of keys.
+class ListaOrdem {
+ public:
+  void Limpa();
+  int32_t Tamanho() const { return tamanho_; }
+  void Insere(const Texto& chave, int32_t registro);
+  void RemoveEm(int32_t indice);
+  // The record number at an index, or -1 outside the list.
+  int32_t RegistroEm(int32_t indice) const;
+  // Builds the list at once from unsorted keys.
+  void Monta(std::vector<std::pair<Texto, int32_t>> chaves);
+  // Binary search by a search key; the list's index, or -1 when not found.
+  int32_t Busca(TextoV chave, ModoBusca modo) const;
+
+ private:
+  struct Entrada {
+    // The key as it sorts: no leading quote or blanks, capitals, no accents.
+    Texto ordem;
+    int32_t registro;
+    uint16_t recuo;  // leading blanks taken off
+    bool operator<(const Entrada& o) const {
+      return ordem != o.ordem ? ordem < o.ordem : registro < o.registro;
+    }
+  };
+  static Entrada FazEntrada(const Texto& chave, int32_t registro);
+  const Entrada& Em(int32_t indice) const;
+  void Reindexa() const;
+  int Compara(const Texto& busca, size_t tamanhoBusca, int32_t indice) const;
+
+  std::vector<std::vector<Entrada>> blocos_;
+  int32_t tamanho_ = 0;
+  mutable std::vector<int32_t> inicios_;  // first index of each block
+  mutable bool sujo_ = false;
+};
+
+// Builds the order list of an open file by the given fields (indexes into
+// its structure). Reads every record once.
+void ConstroiOrdem(ArquivoRegistros& arquivo, const std::vector<int>& camposIndice, ListaOrdem& lista);
+
+}  // namespace zv
