@@ -1,0 +1,178 @@
+// A program's file names on this platform, platform failures in the
+// language's words, and the temporary file that replaces a file in one step.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "core/interpretador.h"
+#include "core/valor.h"
+#include "library/arquivos.h"
+
+namespace zv {
+
+namespace fs = std::filesystem;
+
+Texto CaminhoPlataforma(TextoV caminho) {
+  Texto t(caminho);
+  if (t.size() >= 2 && t[1] == u':' && ELetra(t[0]) && t[0] < 0x80) t.erase(0, 2);
+  for (auto& c : t)
+    if (c == u'\\') c = u'/';
+  return t;
+}
+
+fs::path CaminhoSistema(TextoV caminho) { return fs::path(Utf8(CaminhoPlataforma(caminho))); }
+
+Texto ResolveArquivo(TextoV nome, TextoV dirPrograma) {
+  if (nome.empty()) return {};
+  Texto caminho;
+  if (nome.find_first_of(u"\\/") == TextoV::npos && !(nome.size() >= 2 && nome[1] == u':')) {
+    Texto dir = CaminhoPlataforma(Apara(dirPrograma));
+    if (!dir.empty() && dir.back() != u'/') dir += u'/';
+    caminho = dir + Texto(nome);
+  } else {
+    // With a drive, from the root, or relative: as it stands.
+    caminho = CaminhoPlataforma(nome);
+  }
+  std::error_code ec;
+  fs::path p(Utf8(caminho));
+  if (!fs::exists(p, ec) || fs::is_directory(p, ec)) return {};
+  return caminho;
+}
+
+Texto ResolveArquivo(Interpretador& zv, TextoV nome) { return ResolveArquivo(nome, zv.dirPrograma); }
+
+ErroArquivo TraduzErro(int erro, const fs::path& caminho) {
+  switch (erro) {
+    case ENOENT: {
+      std::error_code ec;
+      fs::path pasta = caminho.parent_path();
+      if (!pasta.empty() && !fs::is_directory(pasta, ec)) return {76, u"Path not found"};
+      return {53, u"File not found"};
+    }
+    case ENOTDIR:
+    case ENAMETOOLONG:
+    case ELOOP:
+      return {76, u"Path not found"};
+    case EACCES:
+    case EPERM:
+    case ETXTBSY:
+    case EBUSY:
+      return {70, u"Permission denied"};
+    case EEXIST:
+      return {58, u"File already exists"};
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+      return {61, u"Disk full"};
+    case EMFILE:
+    case ENFILE:
+      return {67, u"Too many files"};
+    case EISDIR:
+    case EROFS:
+    case ENOTEMPTY:
+      return {75, u"Path/File access error"};
+    default:
+      return {57, u"Device I/O error"};
+  }
+}
+
+FalhaDeArquivo::FalhaDeArquivo(int e, fs::path c)
+    : FalhaHost(TraduzErro(e, c).descricao + u": " + U(c.string())), erro(e), caminho(std::move(c)) {}
+
+void FalhaArquivo(int erro, const fs::path& caminho) { throw FalhaDeArquivo(erro, caminho); }
+
+namespace {
+
+void GravaTudo(int fd, std::string_view bytes, int64_t posicao, const fs::path& caminho) {
+  while (!bytes.empty()) {
+    ssize_t n = ::pwrite(fd, bytes.data(), bytes.size(), posicao);
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      FalhaArquivo(errno, caminho);
+    }
+    bytes.remove_prefix(static_cast<size_t>(n));
+    posicao += n;
+  }
+}
+
+}  // namespace
+
+ArquivoTemporario::ArquivoTemporario(const fs::path& destino) : destino_(destino) {
+  static unsigned contador = 0;
+  for (int tentativa = 0; tentativa < 100; ++tentativa) {
+    fs::path t = destino;
+    t += ".zvtmp" + std::to_string(::getpid()) + "_" + std::to_string(++contador);
+    fd_ = ::open(t.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (fd_ >= 0) {
+      temporario_ = t;
+      break;
+    }
+    if (errno != EEXIST) FalhaArquivo(errno, destino);
+  }
+  if (fd_ < 0) FalhaArquivo(EEXIST, destino);
+  // A replaced file keeps its permissions.
+  struct stat st;
+  if (::stat(destino.c_str(), &st) == 0) ::fchmod(fd_, st.st_mode & 07777);
+}
+
+ArquivoTemporario::~ArquivoTemporario() {
+  if (fd_ >= 0) ::close(fd_);
+  if (!temporario_.empty()) ::unlink(temporario_.c_str());
+}
+
+void ArquivoTemporario::Grava(std::string_view bytes, int64_t posicao) { GravaTudo(fd_, bytes, posicao, destino_); }
+
+void ArquivoTemporario::CopiaDe(int origem) {
+  char buffer[1 << 16];
+  int64_t posicao = 0;
+  for (;;) {
+    ssize_t n = ::pread(origem, buffer, sizeof buffer, posicao);
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      FalhaArquivo(errno, destino_);
+    }
+    if (n == 0) break;
+    Grava(std::string_view(buffer, static_cast<size_t>(n)), posicao);
+    posicao += n;
+  }
+}
+
+void ArquivoTemporario::Confirma() {
+  if (::fsync(fd_) != 0) FalhaArquivo(errno, destino_);
+  int r = ::close(fd_);
+  fd_ = -1;
+  if (r != 0) FalhaArquivo(errno, destino_);
+  if (::rename(temporario_.c_str(), destino_.c_str()) != 0) FalhaArquivo(errno, destino_);
+  temporario_.clear();
+}
+
+void GravaArquivoSeguro(const fs::path& destino, std::string_view bytes) {
+  ArquivoTemporario t(destino);
+  t.Grava(bytes, 0);
+  t.Confirma();
+}
+
+std::string LeArquivoInteiro(const fs::path& caminho) {
+  int fd = ::open(caminho.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) FalhaArquivo(errno, caminho);
+  std::string dados;
+  char buffer[1 << 16];
+  for (;;) {
+    ssize_t n = ::read(fd, buffer, sizeof buffer);
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      int e = errno;
+      ::close(fd);
+      FalhaArquivo(e, caminho);
+    }
+    if (n == 0) break;
+    dados.append(buffer, static_cast<size_t>(n));
+  }
+  ::close(fd);
+  return dados;
+}
+
+}  // namespace zv

@@ -1,0 +1,194 @@
+// The container format: named files packed into one file behind a fixed
+// directory, with InsertFile and ExtractFile.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "core/interpretador.h"
+#include "core/valor.h"
+#include "library/arquivos.h"
+#include "library/arquivos_interno.h"
+#include "library/textos.h"
+
+namespace zv {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+Texto Danificado(const fs::path& container) { return u"The container is damaged: " + U(container.string()); }
+
+// Left-justified, blank-filled; a value too wide for its field can't be
+// stored without breaking the neighbouring field.
+void AnexaCampo(std::string& slot, std::string texto, size_t largura) {
+  if (texto.size() > largura) throw FalhaHost(u"The entry is too large for the container");
+  texto.resize(largura, ' ');
+  slot += texto;
+}
+
+// A field of digits with blanks behind; -1 when it isn't one.
+int64_t LeCampo(std::string_view campo) {
+  size_t fim = campo.find_last_not_of(' ');
+  if (fim == std::string_view::npos) return -1;
+  int64_t v = 0;
+  for (size_t i = 0; i <= fim; ++i) {
+    char c = campo[i];
+    if (c < '0' || c > '9' || v > (int64_t{1} << 50)) return -1;
+    v = v * 10 + (c - '0');
+  }
+  return v;
+}
+
+Texto NomeDoSlot(std::string_view slot) { return Apara(DeCp1252(slot.substr(0, kTamanhoNomeEntrada))); }
+
+// The entry of a used slot; false when its numbers are unreadable or its data
+// lies beyond the file's end.
+bool LeEntrada(std::string_view slot, int64_t tamanhoArquivo, EntradaContainer& e) {
+  e.nome = NomeDoSlot(slot);
+  e.tamanho = LeCampo(slot.substr(kTamanhoNomeEntrada, kTamanhoCampoTamanho));
+  e.posicao = LeCampo(slot.substr(kTamanhoNomeEntrada + kTamanhoCampoTamanho, kTamanhoCampoPosicao));
+  return e.tamanho >= 0 && e.posicao >= kPrimeiraPosicao && e.posicao - 1 + e.tamanho <= tamanhoArquivo;
+}
+
+int64_t Tamanho(int fd, const fs::path& caminho) {
+  struct stat st;
+  if (::fstat(fd, &st) != 0) FalhaArquivo(errno, caminho);
+  return st.st_size;
+}
+
+std::string LeTrecho(int fd, int64_t posicao, int64_t tamanho, const fs::path& caminho) {
+  std::string dados(static_cast<size_t>(tamanho), '\0');
+  size_t lido = 0;
+  while (lido < dados.size()) {
+    ssize_t n = ::pread(fd, dados.data() + lido, dados.size() - lido, posicao + static_cast<int64_t>(lido));
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      FalhaArquivo(errno, caminho);
+    }
+    if (n == 0) throw FalhaHost(Danificado(caminho));
+    lido += static_cast<size_t>(n);
+  }
+  return dados;
+}
+
+}  // namespace
+
+std::string MontaSlot(TextoV nome, int64_t tamanho, int64_t posicao) {
+  std::string slot = ParaCp1252(nome.substr(0, kTamanhoNomeEntrada));
+  slot.resize(kTamanhoNomeEntrada, ' ');
+  AnexaCampo(slot, std::to_string(tamanho), kTamanhoCampoTamanho);
+  AnexaCampo(slot, std::to_string(posicao), kTamanhoCampoPosicao);
+  return slot;
+}
+
+std::vector<EntradaContainer> LeDiretorio(std::string_view diretorio, int64_t tamanhoArquivo,
+                                          const fs::path& container) {
+  if (static_cast<int64_t>(diretorio.size()) < kTamanhoDiretorio) throw FalhaHost(Danificado(container));
+  std::vector<EntradaContainer> entradas;
+  for (int i = 0; i < kSlotsDiretorio; ++i) {
+    std::string_view slot = diretorio.substr(static_cast<size_t>(i) * kTamanhoSlot, kTamanhoSlot);
+    if (slot[0] == ' ') break;
+    EntradaContainer e;
+    if (!LeEntrada(slot, tamanhoArquivo, e)) throw FalhaHost(Danificado(container));
+    entradas.push_back(std::move(e));
+  }
+  return entradas;
+}
+
+void InsereNoContainer(const fs::path& container, TextoV nome, std::string_view dados) {
+  // A name that is empty or starts with a blank would read as a free slot
+  // and the next entry would be written over this one.
+  if (nome.empty() || nome[0] == u' ') throw FalhaHost(u"An entry's name can't be empty or begin with a blank");
+
+  Descritor antigo(::open(container.c_str(), O_RDONLY | O_CLOEXEC));
+  if (antigo.fd < 0 && errno != ENOENT) FalhaArquivo(errno, container);
+  int64_t tamanhoAntigo = antigo.fd >= 0 ? Tamanho(antigo.fd, container) : 0;
+
+  std::string diretorio;
+  int64_t posicao = kPrimeiraPosicao;
+  int livre = 0;
+  if (tamanhoAntigo > 0) {
+    diretorio = LeTrecho(antigo.fd, 0, std::min(tamanhoAntigo, kTamanhoDiretorio), container);
+    std::vector<EntradaContainer> entradas = LeDiretorio(diretorio, tamanhoAntigo, container);
+    if (entradas.size() >= static_cast<size_t>(kSlotsDiretorio))
+      throw FalhaHost(u"The container is full: it holds " + InteiroParaTexto(kSlotsDiretorio) + u" entries");
+    livre = static_cast<int>(entradas.size());
+    if (!entradas.empty()) posicao = entradas.back().posicao + entradas.back().tamanho + 1;
+  } else {
+    diretorio.assign(static_cast<size_t>(kTamanhoDiretorio), ' ');
+  }
+  diretorio.replace(static_cast<size_t>(livre) * kTamanhoSlot, kTamanhoSlot,
+                    MontaSlot(nome, static_cast<int64_t>(dados.size()), posicao));
+
+  ArquivoTemporario novo(container);
+  if (tamanhoAntigo > 0) novo.CopiaDe(antigo.fd);
+  novo.Grava(diretorio, 0);
+  // The byte between two entries is written too, so that the file is the
+  // same whatever the file system does with holes.
+  int64_t fimAnterior = std::max(tamanhoAntigo, kTamanhoDiretorio);
+  if (fimAnterior < posicao - 1)
+    novo.Grava(std::string(static_cast<size_t>(posicao - 1 - fimAnterior), '\0'), fimAnterior);
+  novo.Grava(dados, posicao - 1);
+  novo.Confirma();
+}
+
+bool ExtraiDoContainer(const fs::path& container, TextoV nome, const fs::path& alvo) {
+  Descritor arquivo(::open(container.c_str(), O_RDONLY | O_CLOEXEC));
+  if (arquivo.fd < 0) FalhaArquivo(errno, container);
+  int64_t tamanho = Tamanho(arquivo.fd, container);
+  if (tamanho < kTamanhoDiretorio) throw FalhaHost(Danificado(container));
+  std::string diretorio = LeTrecho(arquivo.fd, 0, kTamanhoDiretorio, container);
+
+  // Every slot is looked at, and the first hit counts.
+  Texto procurado = Maiusculas(nome);
+  std::string dados;
+  bool achou = false;
+  for (int i = 0; i < kSlotsDiretorio && !achou; ++i) {
+    std::string_view slot = std::string_view(diretorio).substr(static_cast<size_t>(i) * kTamanhoSlot, kTamanhoSlot);
+    Texto n = NomeDoSlot(slot);
+    if (n.empty() || Maiusculas(n) != procurado) continue;
+    EntradaContainer e;
+    if (!LeEntrada(slot, tamanho, e)) throw FalhaHost(Danificado(container));
+    dados = LeTrecho(arquivo.fd, e.posicao - 1, e.tamanho, container);
+    achou = true;
+  }
+  // Without the entry the target is still replaced, by an empty file.
+  GravaArquivoSeguro(alvo, dados);
+  return achou;
+}
+
+namespace {
+
+Valor InsertFile(Interpretador& zv, const Texto& argumentos) {
+  auto a = zv.SeparaArgumentos(argumentos, kArgumentosArquivo);
+  Texto nome = ArgTexto(zv, a, 0);
+  Texto origem = ArgTexto(zv, a, 1);
+  Texto container = ArgTexto(zv, a, 2);
+  Texto caminho = ResolveArquivo(zv, origem);
+  if (caminho.empty()) throw FalhaHost(u"File not found: " + origem);
+  InsereNoContainer(CaminhoSistema(container), nome, LeArquivoInteiro(CaminhoSistema(caminho)));
+  return Valor::TextoComAspas(u"");
+}
+
+Valor ExtractFile(Interpretador& zv, const Texto& argumentos) {
+  auto a = zv.SeparaArgumentos(argumentos, kArgumentosArquivo);
+  Texto nome = ArgTexto(zv, a, 0);
+  Texto alvo = ArgTexto(zv, a, 1);
+  Texto container = ArgTexto(zv, a, 2);
+  Texto caminho = ResolveArquivo(zv, container);
+  if (caminho.empty()) throw FalhaHost(u"File not found: " + container);
+  if (!ExtraiDoContainer(CaminhoSistema(caminho), nome, CaminhoSistema(alvo)))
+    zv.CaixaCritica(u"Arquivo não encontrado!");
+  return Valor::TextoComAspas(u"");
+}
+
+}  // namespace
+
+void RegistraContainers() {
+  Comandos().Define(u"InsertFile", InsertFile);
+  Comandos().Define(u"ExtractFile", ExtractFile);
+}
+
+}  // namespace zv
