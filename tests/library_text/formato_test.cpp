@@ -111,6 +111,9 @@ TEST(FormatDate, NamedFormatsFollowTheLocale) {
   EXPECT_EQ(D(u"long time", kBrasil), u"13:05:07");
   EXPECT_EQ(D(u"Medium Time"), u"01:05 PM");
   EXPECT_EQ(D(u"General Date"), u"1/31/2024 1:05:07 PM");
+  EXPECT_EQ(D(u"Medium Date"), u"31-Jan-24");
+  EXPECT_EQ(D(u"ddddd|dddddd"), u"1/31/2024|Wednesday, January 31, 2024");
+  EXPECT_EQ(D(u"ttttt AMPM"), u"1:05:07 PM PM");
 }
 
 TEST(Format, ValueKindAndPatternKind) {
