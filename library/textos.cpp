@@ -1,6 +1,8 @@
 // String commands: functions on texts used inside expressions.
 #include "library/textos.h"
 
+#include <algorithm>
+
 #include "library/library.h"
 
 namespace zv {
