@@ -243,6 +243,7 @@ int32_t BlocoDB(Interpretador& zv, const Texto& texto, size_t posicao, size_t fi
   try {
     auto a = zv.SeparaArgumentos(primeira, 11);
     d.nome = Interpretador::RemoveAspas(Apara(a[0].size() > 3 ? a[0].substr(3) : Texto()));
+    d.estrutura.descritor = d.nome;
     if (!a[1].empty()) d.pasta = zv.ValorTexto(a[1]).ComoTexto();
     if (!a[2].empty()) d.senha = zv.ValorTexto(a[2]).ComoTexto();
     // A program may write either separator.

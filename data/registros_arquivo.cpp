@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstring>
 #include <thread>
+#include <utility>
 
 #include "data/scramble.h"
 
@@ -251,11 +252,67 @@ Texto LinhaRegistro(const Estrutura& e, const Registro& r) {
 
 // ---- The file ---------------------------------------------------------------
 
-ArquivoRegistros::~ArquivoRegistros() { Fecha(); }
+namespace {
+
+// Programs waiting for the lock hold a shared lock on this byte, far behind
+// any data, so that a holder can see that somebody waits.
+constexpr off_t kInteresse = off_t(1) << 62;
+// Queued records are written out, the lock kept, when they pass this size.
+constexpr size_t kMaxPendente = size_t(1) << 20;
+// How long after giving the lock back a new burst looks for waiters.
+constexpr auto kCede = std::chrono::milliseconds(5);
+
+struct Ao {
+  std::function<void()> fim;
+  ~Ao() { fim(); }
+};
+
+bool TravaFaixa(int fd, short tipo, off_t inicio, off_t tamanho) {
+  struct flock fl {};
+  fl.l_type = tipo;
+  fl.l_whence = SEEK_SET;
+  fl.l_start = inicio;
+  fl.l_len = tamanho;
+  return ::fcntl(fd, F_OFD_SETLK, &fl) == 0;
+}
+
+}  // namespace
+
+ArquivoRegistros::~ArquivoRegistros() {
+  try {
+    Fecha();
+  } catch (const FalhaRegistros&) {
+    // Nobody is left to tell at the end of a run; the file stays consistent.
+  }
+}
+
+void ArquivoRegistros::ParaSoltador() {
+  if (!soltador_.joinable()) return;
+  {
+    Trinco l(m_);
+    parar_ = true;
+  }
+  cv_.notify_all();
+  soltador_.join();
+  parar_ = false;
+}
 
 void ArquivoRegistros::Fecha() {
-  if (fd_ >= 0) ::close(fd_);
-  fd_ = -1;
+  ParaSoltador();
+  Trinco l(m_);
+  Ao fecha{[this] {
+    if (fd_ >= 0) ::close(fd_);
+    fd_ = -1;
+    pendentes_.clear();
+    retida_ = false;
+  }};
+  if (retida_) Descarrega();
+  if (!erroSoltador_.empty()) throw FalhaRegistros(std::exchange(erroSoltador_, Texto()));
+}
+
+void ArquivoRegistros::EscrevePendentes() {
+  Trinco l(m_);
+  Libera(l);
 }
 
 void ArquivoRegistros::Falha(const char* acao) const {
@@ -301,42 +358,113 @@ bool ArquivoRegistros::Reabre() {
   return true;
 }
 
-void ArquivoRegistros::TomaTrava() {
+void ArquivoRegistros::MarcaInteresse(bool sim) {
+  TravaFaixa(fd_, sim ? F_RDLCK : F_UNLCK, kInteresse, 1);
+}
+
+bool ArquivoRegistros::InteresseDeOutro() {
+  struct flock fl {};
+  fl.l_type = F_WRLCK;
+  fl.l_whence = SEEK_SET;
+  fl.l_start = kInteresse;
+  fl.l_len = 1;
+  return ::fcntl(fd_, F_OFD_GETLK, &fl) == 0 && fl.l_type != F_UNLCK;
+}
+
+void ArquivoRegistros::Prende(Trinco& l, bool paraAdicionar) {
   if (fd_ < 0) throw FalhaRegistros(u"the database file is not open");
   auto pausa = std::chrono::microseconds(50);
+  bool interessado = false;
+  Ao desmarca{[&] {
+    if (interessado && fd_ >= 0) MarcaInteresse(false);
+  }};
   for (;;) {
-    struct flock fl {};
-    fl.l_type = somenteLeitura_ ? F_RDLCK : F_WRLCK;
-    fl.l_whence = SEEK_SET;
-    fl.l_start = 0;
-    fl.l_len = kTamanhoTrava;
-    if (::fcntl(fd_, F_OFD_SETLK, &fl) == 0) {
+    if (retida_) {
+      // An add made while this one waited (by a timer's routine) keeps it.
+      if (paraAdicionar) return;
+      Descarrega();
+    }
+    if (TravaFaixa(fd_, somenteLeitura_ ? F_RDLCK : F_WRLCK, 0, kTamanhoTrava)) {
       if (!Reabre()) return;
       continue;  // closing the old file let its lock go
     }
     if (errno != EAGAIN && errno != EACCES && errno != EINTR) Falha("Can't lock");
-    if (aoEsperar && !aoEsperar()) throw EsperaInterrompida();
-    std::this_thread::sleep_for(pausa);
+    if (!interessado) {
+      MarcaInteresse(true);
+      interessado = true;
+    }
+    // The wait lets events through, which may use this object: not locked.
+    l.unlock();
+    bool segue = !aoEsperar || aoEsperar();
+    if (segue) std::this_thread::sleep_for(pausa);
+    l.lock();
+    if (!segue) throw EsperaInterrompida();
+    if (fd_ < 0) throw FalhaRegistros(u"the database file was closed while waiting for its lock");
     pausa = std::min(pausa * 2, std::chrono::microseconds(2000));
   }
 }
 
 void ArquivoRegistros::SoltaTrava() {
-  if (fd_ < 0) return;
-  struct flock fl {};
-  fl.l_type = F_UNLCK;
-  fl.l_whence = SEEK_SET;
-  fl.l_start = 0;
-  fl.l_len = kTamanhoTrava;
-  ::fcntl(fd_, F_OFD_SETLK, &fl);
+  if (fd_ >= 0) TravaFaixa(fd_, F_UNLCK, 0, kTamanhoTrava);
 }
 
-namespace {
-struct GuardaTrava {
-  std::function<void()> solta;
-  ~GuardaTrava() { solta(); }
-};
-}  // namespace
+void ArquivoRegistros::CedeAVez(Trinco& l) {
+  const auto limite = soltaEm_ + kCede;
+  while (Relogio::now() < limite && InteresseDeOutro()) {
+    l.unlock();
+    std::this_thread::sleep_for(std::chrono::microseconds(50));
+    l.lock();
+    if (fd_ < 0) throw FalhaRegistros(u"the database file is not open");
+  }
+}
+
+void ArquivoRegistros::Descarrega() {
+  retida_ = false;
+  soltaEm_ = Relogio::now();
+  Ao solta{[this] { SoltaTrava(); }};
+  std::string fila = std::move(pendentes_);
+  pendentes_.clear();
+  const int32_t escritos = gravados_;
+  try {
+    // The records go in before the count that shows them: a program that
+    // dies in between leaves unseen records, never a counted hole.
+    EscreveEm(kInicioRegistros + int64_t(gravados_) * estrutura_.tamanhoRegistro, fila);
+    gravados_ = contagem_;
+  } catch (const FalhaRegistros& f) {
+    // The count stays as it was; only the busy byte is put back.
+    ::pwrite(fd_, "0", 1, 0);
+    throw FalhaRegistros(InteiroParaTexto(contagem_ - escritos) + u" new records could not be written: " +
+                         f.descricao);
+  }
+  trava_[0] = kLivre;
+  PoeContagem(trava_, contagem_);
+  EscreveEm(0, trava_);
+}
+
+void ArquivoRegistros::Libera(Trinco& l) {
+  if (retida_) Descarrega();
+  if (!erroSoltador_.empty()) throw FalhaRegistros(std::exchange(erroSoltador_, Texto()));
+}
+
+void ArquivoRegistros::LacoSoltador() {
+  Trinco l(m_);
+  while (!parar_) {
+    if (!retida_) {
+      cv_.wait(l);
+      continue;
+    }
+    auto prazo = tomadaEm_ + kRetencao;
+    if (Relogio::now() < prazo) {
+      cv_.wait_until(l, prazo);
+      continue;
+    }
+    try {
+      Descarrega();
+    } catch (const FalhaRegistros& f) {
+      erroSoltador_ = f.descricao;  // told at the next operation
+    }
+  }
+}
 
 std::string ArquivoRegistros::LeTrava() {
   std::string t(kTamanhoTrava, ' ');
@@ -348,20 +476,21 @@ std::string ArquivoRegistros::LeTrava() {
   return t;
 }
 
-namespace {
-int32_t ContagemOuFalha(std::string_view trava, const fs::path& caminho) {
+int32_t ArquivoRegistros::Contagem(std::string_view trava) const {
   int32_t n = 0;
   if (!LeContagem(trava, n))
-    throw FalhaRegistros(u"The database file " + U(caminho.string()) + u" is damaged: its record count can't be read");
+    throw FalhaRegistros(u"The database file " + U(NomeArquivo(caminho_)) +
+                         u" is damaged: its record count can't be read");
   return n;
 }
-}  // namespace
 
 int32_t ArquivoRegistros::Total() {
-  TomaTrava();
-  GuardaTrava g{[this] { SoltaTrava(); }};
+  Trinco l(m_);
+  Libera(l);
+  Prende(l, false);
+  Ao g{[this] { SoltaTrava(); }};
   std::string t = LeTrava();
-  int32_t n = ContagemOuFalha(t, caminho_);
+  int32_t n = Contagem(t);
   // Holding the lock, a busy byte can only be a dead program's.
   if (t[0] != kLivre && !somenteLeitura_) EscreveEm(0, std::string(1, kLivre));
   return n;
@@ -369,32 +498,58 @@ int32_t ArquivoRegistros::Total() {
 
 int32_t ArquivoRegistros::Adiciona(std::string registro) {
   if (somenteLeitura_) throw FalhaRegistros(u"the database file is open for reading only");
-  TomaTrava();
-  GuardaTrava g{[this] { SoltaTrava(); }};
-  std::string t = LeTrava();
-  int32_t n = ContagemOuFalha(t, caminho_);
-  if (n >= kMaxRegistros)
+  Trinco l(m_);
+  if (!erroSoltador_.empty()) throw FalhaRegistros(std::exchange(erroSoltador_, Texto()));
+  if (!retida_) {
+    CedeAVez(l);
+    Prende(l, true);
+    if (!retida_) {
+      try {
+        trava_ = LeTrava();
+        gravados_ = contagem_ = Contagem(trava_);
+        EscreveEm(0, std::string(1, kOcupado));
+      } catch (...) {
+        SoltaTrava();
+        throw;
+      }
+      retida_ = true;
+      tomadaEm_ = Relogio::now();
+      if (!soltador_.joinable()) soltador_ = std::thread(&ArquivoRegistros::LacoSoltador, this);
+      cv_.notify_one();
+    }
+  }
+  if (contagem_ >= kMaxRegistros)
     throw FalhaRegistros(u"The database file " + U(NomeArquivo(caminho_)) + u" is full: it holds " +
                          InteiroParaTexto(kMaxRegistros) + u" records, the most a file can");
-  EscreveEm(0, std::string(1, kOcupado));
+  const int32_t n = contagem_;
   for (const Campo& c : estrutura_.campos)
     if (c.tipo == TipoCampo::AutoInc) registro.replace(size_t(c.posicao - 1), 9, Embaralha(QuatroBytes(n)));
-  // The record goes in before the count that shows it: a program that dies
-  // in between leaves an unseen record, never a counted hole.
-  EscreveEm(kInicioRegistros + int64_t(n) * estrutura_.tamanhoRegistro, registro);
-  t[0] = kLivre;
-  PoeContagem(t, n + 1);
-  EscreveEm(0, t);
+  pendentes_ += registro;
+  ++contagem_;
+  if (pendentes_.size() >= kMaxPendente) {
+    EscreveEm(kInicioRegistros + int64_t(gravados_) * estrutura_.tamanhoRegistro, pendentes_);
+    pendentes_.clear();
+    gravados_ = contagem_;
+  }
+  if (Relogio::now() - tomadaEm_ >= kRetencao) Descarrega();
   return n;
 }
 
 void ArquivoRegistros::Grava(int32_t numero, std::string_view registro) {
+  Trinco l(m_);
+  Libera(l);
   if (fd_ < 0) throw FalhaRegistros(u"the database file is not open");
   if (somenteLeitura_) throw FalhaRegistros(u"the database file is open for reading only");
   EscreveEm(kInicioRegistros + int64_t(numero) * estrutura_.tamanhoRegistro, registro);
 }
 
 std::string ArquivoRegistros::LeBruto(int32_t numero, int32_t quantos) {
+  Trinco l(m_);
+  Libera(l);
+  return LeRegistros(numero, quantos);
+}
+
+std::string ArquivoRegistros::LeRegistros(int32_t numero, int32_t quantos) {
   if (fd_ < 0) throw FalhaRegistros(u"the database file is not open");
   std::string r(size_t(quantos) * size_t(estrutura_.tamanhoRegistro), ' ');
   size_t n = LeEm(kInicioRegistros + int64_t(numero) * estrutura_.tamanhoRegistro, r.data(), r.size());
@@ -406,11 +561,34 @@ std::string ArquivoRegistros::LeBruto(int32_t numero, int32_t quantos) {
   return r;
 }
 
-int32_t ArquivoRegistros::RegistrosNoComprimento() {
+int64_t ArquivoRegistros::TamanhoArquivo() {
   struct stat st;
   if (::fstat(fd_, &st) != 0) Falha("Can't examine");
-  if (st.st_size <= kInicioRegistros) return 0;
-  return int32_t(std::min<int64_t>((st.st_size - kInicioRegistros) / estrutura_.tamanhoRegistro, INT32_MAX));
+  return int64_t(st.st_size);
+}
+
+int64_t ArquivoRegistros::Comprimento() {
+  Trinco l(m_);
+  Libera(l);
+  return TamanhoArquivo();
+}
+
+int32_t ArquivoRegistros::RegistrosNoComprimento() {
+  int64_t n = Comprimento();
+  if (n <= kInicioRegistros) return 0;
+  return int32_t(std::min<int64_t>((n - kInicioRegistros) / estrutura_.tamanhoRegistro, INT32_MAX));
+}
+
+bool ArquivoRegistros::TravaComOutro() {
+  Trinco l(m_);
+  Libera(l);
+  struct flock fl {};
+  fl.l_type = F_WRLCK;
+  fl.l_whence = SEEK_SET;
+  fl.l_start = 0;
+  fl.l_len = kTamanhoTrava;
+  if (::fcntl(fd_, F_OFD_GETLK, &fl) != 0) Falha("Can't examine the lock of");
+  return fl.l_type != F_UNLCK;
 }
 
 std::string ArquivoRegistros::Monta(const Registro& valores, int32_t autoInc, std::vector<size_t>* longos) const {
@@ -495,11 +673,10 @@ ArquivoRegistros::Declaracao ArquivoRegistros::Declara(const fs::path& arquivo, 
   a.caminho_ = arquivo;
   a.fd_ = ::open(arquivo.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
   if (a.fd_ < 0) a.Falha("Can't open or create");
-  a.TomaTrava();
-  GuardaTrava g{[&a] { a.SoltaTrava(); }};
-  struct stat st;
-  if (::fstat(a.fd_, &st) != 0) a.Falha("Can't examine");
-  if (st.st_size == 0) {
+  Trinco l(a.m_);
+  a.Prende(l, false);
+  Ao g{[&a] { a.SoltaTrava(); }};
+  if (a.TamanhoArquivo() == 0) {
     // New (or left empty by a creation that never finished).
     Cabecalho c;
     c.estrutura = e;
@@ -525,14 +702,15 @@ ArquivoRegistros::Abertura ArquivoRegistros::Abre(const fs::path& arquivo, const
   Fecha();
   std::error_code ec;
   if (!fs::is_regular_file(arquivo, ec)) return Abertura::NaoEncontrada;
+  Trinco l(m_);
   caminho_ = arquivo;
   somenteLeitura_ = somenteLeitura;
   fd_ = ::open(arquivo.c_str(), (somenteLeitura ? O_RDONLY : O_RDWR) | O_CLOEXEC);
   if (fd_ < 0) Falha("Can't open");
   Abertura r = Abertura::Aberta;
   {
-    TomaTrava();
-    GuardaTrava g{[this] { SoltaTrava(); }};
+    Prende(l, false);
+    Ao g{[this] { SoltaTrava(); }};
     std::string b(kTamanhoCabecalho, ' ');
     b.resize(LeEm(0, b.data(), b.size()));
     estrutura_ = Estrutura{};
@@ -544,23 +722,28 @@ ArquivoRegistros::Abertura ArquivoRegistros::Abre(const fs::path& arquivo, const
       r = Abertura::SenhaInvalida;
     } else {
       estrutura_ = estrutura ? *estrutura : cabecalho_.estrutura;
-      int32_t cabem = RegistrosNoComprimento();
+      int64_t cabem = (TamanhoArquivo() - kInicioRegistros) / estrutura_.tamanhoRegistro;
       if (cabem < cabecalho_.total) {
         problema = u"its count says " + InteiroParaTexto(cabecalho_.total) + u" records, but the file holds only " +
-                   InteiroParaTexto(cabem);
+                   InteiroParaTexto(std::max<int64_t>(cabem, 0));
         r = Abertura::Danificada;
       }
     }
   }
-  if (r != Abertura::Aberta) Fecha();
+  if (r != Abertura::Aberta) {
+    ::close(fd_);
+    fd_ = -1;
+  }
   return r;
 }
 
 ArquivoRegistros::Compactacao ArquivoRegistros::Compacta(fs::path& trabalho, int32_t& novoTotal) {
   if (somenteLeitura_) throw FalhaRegistros(u"the database file is open for reading only");
+  Trinco l(m_);
+  Libera(l);
   trabalho = CaminhoTrabalho(caminho_);
-  TomaTrava();
-  GuardaTrava g{[this] { SoltaTrava(); }};
+  Prende(l, false);
+  Ao g{[this] { SoltaTrava(); }};
   struct stat st;
   if (::fstat(fd_, &st) != 0) Falha("Can't examine");
   // Creating it exclusively makes the presence test and the claim one step.
@@ -574,9 +757,9 @@ ArquivoRegistros::Compactacao ArquivoRegistros::Compacta(fs::path& trabalho, int
   saida.fd_ = w;
   saida.caminho_ = trabalho;
   bool pronto = false;
-  GuardaTrava limpa{[&] {
+  Ao limpa{[&] {
     if (!pronto) {
-      saida.Fecha();
+      ::close(std::exchange(saida.fd_, -1));
       ::unlink(trabalho.c_str());
     }
   }};
@@ -591,16 +774,13 @@ ArquivoRegistros::Compactacao ArquivoRegistros::Compacta(fs::path& trabalho, int
   const int32_t total = c.total;
   const size_t tam = size_t(c.estrutura.tamanhoRegistro);
   const bool renumera = Maiusculas(PalavraTipo(c.estrutura.campos[0].tipo)) == u"AUTOINC";
-  Estrutura antes = estrutura_;
-  estrutura_ = c.estrutura;  // the file's own table decides, for the copy
-  GuardaTrava volta{[&] { estrutura_ = antes; }};
 
   int32_t escritos = 0;
   const int32_t porVez = int32_t(std::max<size_t>(1, (1 << 20) / tam));
   std::string lote;
   for (int32_t r = 0; r < total; r += porVez) {
     int32_t n = std::min(porVez, total - r);
-    std::string bloco = LeBruto(r, n);
+    std::string bloco = LeRegistros(r, n);
     lote.clear();
     for (int32_t k = 0; k < n; ++k) {
       std::string_view reg(bloco.data() + size_t(k) * tam, tam);
@@ -624,7 +804,7 @@ ArquivoRegistros::Compactacao ArquivoRegistros::Compacta(fs::path& trabalho, int
   if (::fsync(w) != 0) saida.Falha("Can't write to");
   if (::rename(trabalho.c_str(), caminho_.c_str()) != 0) saida.Falha("Can't put in place of the database");
   pronto = true;
-  saida.Fecha();
+  ::close(std::exchange(saida.fd_, -1));
   // Closing the old file lets its lock go; programs waiting on it find it
   // replaced and open the new one.
   int novo = ::open(caminho_.c_str(), O_RDWR | O_CLOEXEC);

@@ -4,12 +4,16 @@
 // so the zvdb tool and the benchmark use it as the language does.
 #pragma once
 
+#include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <mutex>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include "core/texto.h"
@@ -111,12 +115,26 @@ struct EsperaInterrompida : std::runtime_error {
 
 // ---- The file ---------------------------------------------------------------
 
+// An open record file. The count is changed under an operating-system lock
+// over the lock byte and the count, besides the lock byte itself, so that two
+// programs adding at once never take the same record number.
+//
+// Adds come in bursts (a loop of AddRecord), and taking and giving back the
+// lock for each would cost most of their time. So an add keeps the lock for
+// a moment (kRetencao): further adds in that moment only queue their record,
+// and all are written, the count last, when the lock is given back. A thread
+// of the object gives it back when the moment is over even if the program
+// does something else; every other operation gives it back first. A program
+// waiting for the lock says so, and a holder then lets it in before it takes
+// the lock again.
 class ArquivoRegistros {
  public:
   ArquivoRegistros() = default;
   ~ArquivoRegistros();
   ArquivoRegistros(const ArquivoRegistros&) = delete;
   ArquivoRegistros& operator=(const ArquivoRegistros&) = delete;
+
+  static constexpr std::chrono::microseconds kRetencao{1000};
 
   enum class Declaracao { Pronta, TamanhoDiferente, Danificada };
   // Creates the file with this structure and password when it is missing;
@@ -132,6 +150,9 @@ class ArquivoRegistros {
   // Read-only opening never writes, not even to clear a dead lock.
   Abertura Abre(const std::filesystem::path& arquivo, const Estrutura* estrutura, const Texto* senha,
                 bool somenteLeitura, Texto& problema);
+  // Writes the queued records and the count, and gives the lock back.
+  void EscrevePendentes();
+  // Writes what is queued and closes.
   void Fecha();
   bool Aberto() const { return fd_ >= 0; }
   const std::filesystem::path& Caminho() const { return caminho_; }
@@ -140,7 +161,8 @@ class ArquivoRegistros {
   const Estrutura& estrutura() const { return estrutura_; }
 
   // Called while another program holds the lock, between tries; returning
-  // false gives up the wait (EsperaInterrompida).
+  // false gives up the wait (EsperaInterrompida). It runs without the
+  // object's own lock, so it may use this object again.
   std::function<bool()> aoEsperar;
 
   // The record count, read under the lock.
@@ -173,30 +195,64 @@ class ArquivoRegistros {
   // open again afterwards.
   Compactacao Compacta(std::filesystem::path& trabalho, int32_t& novoTotal);
 
-  // How many records fit in the file's present length.
+  // How many records fit in the file's present length, and its length.
   int32_t RegistrosNoComprimento();
+  int64_t Comprimento();
+  // True when another program holds the lock right now.
+  bool TravaComOutro();
 
  private:
+  using Trinco = std::unique_lock<std::mutex>;
+  using Relogio = std::chrono::steady_clock;
+
   static std::filesystem::path CaminhoTrabalho(const std::filesystem::path& arquivo);
-  // Takes the operating-system lock over the lock byte and the count,
-  // waiting as long as another process holds it. A busy byte found then was
-  // left by a program that died: no live program holds the byte without the
-  // lock.
-  void TomaTrava();
+  // Takes the operating-system lock, waiting as long as another process
+  // holds it. A busy byte found then was left by a program that died: no
+  // live program holds the byte without the lock. With `paraAdicionar` a
+  // lock kept by an add stays; otherwise it is given back first.
+  void Prende(Trinco& l, bool paraAdicionar);
   void SoltaTrava();
+  // Writes the queued records and the count, and gives the kept lock back.
+  void Descarrega();
+  // Before any operation but an add: the kept lock is given back, and a
+  // failure of the thread that gave it back is reported.
+  void Libera(Trinco& l);
+  // After a burst, a program that waits goes first.
+  void CedeAVez(Trinco& l);
+  bool InteresseDeOutro();
+  void MarcaInteresse(bool sim);
+  void LacoSoltador();
+  void ParaSoltador();
   // Reopens the file when a compaction elsewhere has put a new one in its
   // place; true when it did.
   bool Reabre();
   std::string LeTrava();
+  // Without the object's own lock: for those who hold it.
+  std::string LeRegistros(int32_t numero, int32_t quantos);
+  int64_t TamanhoArquivo();
   void EscreveEm(int64_t posicao, std::string_view bytes);
   size_t LeEm(int64_t posicao, char* destino, size_t tamanho);
   void Falha(const char* acao) const;
+  int32_t Contagem(std::string_view trava) const;
 
   int fd_ = -1;
   bool somenteLeitura_ = false;
   std::filesystem::path caminho_;
   Cabecalho cabecalho_;
   Estrutura estrutura_;
+
+  // The kept lock and its queue, shared with the thread.
+  std::mutex m_;
+  std::condition_variable cv_;
+  std::thread soltador_;
+  bool parar_ = false;
+  bool retida_ = false;
+  std::string trava_;      // the 20 bytes of the lock while kept
+  int32_t gravados_ = 0;   // records written
+  int32_t contagem_ = 0;   // records counted, the queued ones too
+  std::string pendentes_;  // records from gravados_ on
+  Relogio::time_point tomadaEm_, soltaEm_;
+  Texto erroSoltador_;
 };
 
 // The record count in the 20 bytes of the lock; false when it can't be read.

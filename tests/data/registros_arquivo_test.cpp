@@ -81,6 +81,15 @@ struct Base {
               ArquivoRegistros::Declaracao::Pronta);
     EXPECT_EQ(a.Abre(arquivo, &e, &senha, false, problema), ArquivoRegistros::Abertura::Aberta) << Utf8(problema);
   }
+  // The file's bytes, the queued records written first.
+  std::string Bytes() {
+    a.EscrevePendentes();
+    return LeTudo(arquivo);
+  }
+  void Escreve(int64_t pos, std::string_view bytes) {
+    a.EscrevePendentes();
+    EscreveEm(arquivo, pos, bytes);
+  }
   int32_t Adiciona(Texto nome, double saldo = 0) { return a.Adiciona(a.Monta(Pessoa(std::move(nome), saldo), -1, nullptr)); }
   Registro Le(int32_t n, bool* vivo = nullptr) {
     Registro r;
@@ -101,7 +110,7 @@ TEST(FormatoRegistros, WorkedExampleByteForByte) {
   EXPECT_EQ(c[2].largura, 13);
   EXPECT_EQ(b.e.tamanhoRegistro, 57);
 
-  std::string h = LeTudo(b.arquivo);
+  std::string h = b.Bytes();
   ASSERT_EQ(h.size(), 20000u);
   EXPECT_EQ(h[0], '0');
   EXPECT_EQ(h.substr(1, 4), std::string("\x02\0\0\0", 4));
@@ -127,7 +136,7 @@ TEST(FormatoRegistros, WorkedExampleByteForByte) {
 
   EXPECT_EQ(b.Adiciona(u"Ana", 10.5), 0);
   EXPECT_EQ(b.Adiciona(u"Bruno", -2.25), 1);
-  std::string f = LeTudo(b.arquivo);
+  std::string f = b.Bytes();
   ASSERT_EQ(f.size(), 20113u);
   EXPECT_EQ(f[0], '0');
   EXPECT_EQ(Valor(f, 1, 11), "2");
@@ -141,7 +150,7 @@ TEST(FormatoRegistros, WorkedExampleByteForByte) {
   EXPECT_EQ(saldo, -2.25);
 
   b.a.Grava(0, b.a.RegistroApagado());
-  f = LeTudo(b.arquivo);
+  f = b.Bytes();
   EXPECT_EQ(f.substr(19999, 4), std::string("\x02\0\0\0", 4));
   EXPECT_EQ(Valor(f, 19999, 6), "#");
   EXPECT_EQ(f.substr(19999 + 6, 51), std::string(51, ' '));
@@ -158,14 +167,14 @@ TEST(FormatoRegistros, WorkedExampleByteForByte) {
 
 TEST(FormatoRegistros, HeaderSharesItsLastByteWithRecordZero) {
   Base b;
-  EXPECT_EQ(LeTudo(b.arquivo)[19999], ' ');
+  EXPECT_EQ(b.Bytes()[19999], ' ');
   b.Adiciona(u"Ana");
   // The AutoInc's stored form starts with its length, 5.
-  EXPECT_EQ(LeTudo(b.arquivo)[19999], '\x05');
+  EXPECT_EQ(b.Bytes()[19999], '\x05');
   Texto problema;
   EXPECT_EQ(ArquivoRegistros::Declara(b.arquivo, b.e, u"Senha", u"02/02/2024 11:00:00", problema),
             ArquivoRegistros::Declaracao::Pronta);
-  std::string f = LeTudo(b.arquivo);
+  std::string f = b.Bytes();
   EXPECT_EQ(f[19999], '\x05');
   EXPECT_EQ(Valor(f, 49, 30), "01/02/2024 10:00:00");
   EXPECT_EQ(Valor(f, 79, 30), "02/02/2024 11:00:00");
@@ -175,9 +184,9 @@ TEST(FormatoRegistros, HeaderSharesItsLastByteWithRecordZero) {
 TEST(FormatoRegistros, CountGrowsInsideItsSlotAndLimits) {
   Base b;
   for (int i = 0; i < 9; ++i) b.Adiciona(u"x");
-  EXPECT_EQ(LeTudo(b.arquivo).substr(1, 4), std::string("\x02\0\0\0", 4));
+  EXPECT_EQ(b.Bytes().substr(1, 4), std::string("\x02\0\0\0", 4));
   b.Adiciona(u"x");
-  std::string f = LeTudo(b.arquivo);
+  std::string f = b.Bytes();
   EXPECT_EQ(f.substr(1, 4), std::string("\x03\0\0\0", 4));
   EXPECT_EQ(Valor(f, 1, 11), "10");
   EXPECT_EQ(f.substr(1 + 7, 4), "    ");
@@ -228,13 +237,13 @@ TEST(FormatoRegistros, FirstFieldHoldingTheMarkIsDeleted) {
 TEST(FormatoRegistros, DeclaringChecksOnlyTheRecordSize) {
   Base b;
   b.Adiciona(u"Ana");
-  std::string antes = LeTudo(b.arquivo);
+  std::string antes = b.Bytes();
   Estrutura outra = Agenda();
   outra.Acrescenta(u"Extra", TipoCampo::Integer);
   Texto problema;
   EXPECT_EQ(ArquivoRegistros::Declara(b.arquivo, outra, u"", u"x", problema),
             ArquivoRegistros::Declaracao::TamanhoDiferente);
-  EXPECT_EQ(LeTudo(b.arquivo), antes);
+  EXPECT_EQ(b.Bytes(), antes);
   ArquivoRegistros a;
   EXPECT_EQ(a.Abre(b.arquivo, &outra, nullptr, false, problema), ArquivoRegistros::Abertura::TamanhoDiferente);
   Texto errada = u"senha";
@@ -272,14 +281,14 @@ class Danificado : public ::testing::Test {
  protected:
   // Opening must refuse, say why, and leave the bytes as they were.
   void EsperaDano(const char* trecho) {
-    std::string antes = LeTudo(b.arquivo);
+    std::string antes = b.Bytes();
     ArquivoRegistros a;
     Texto problema;
     EXPECT_EQ(a.Abre(b.arquivo, &b.e, nullptr, false, problema), ArquivoRegistros::Abertura::Danificada);
     EXPECT_NE(Utf8(problema).find(trecho), std::string::npos) << Utf8(problema);
     problema.clear();
     EXPECT_EQ(ArquivoRegistros::Declara(b.arquivo, b.e, u"", u"x", problema), ArquivoRegistros::Declaracao::Danificada);
-    EXPECT_EQ(LeTudo(b.arquivo), antes);
+    EXPECT_EQ(b.Bytes(), antes);
   }
   Base b;
 };
@@ -293,9 +302,9 @@ TEST_F(Danificado, ShorterThanItsHeader) {
 TEST_F(Danificado, CountBeyondTheFilesLength) {
   b.Adiciona(u"Ana");
   b.a.Fecha();
-  std::string t = LeTudo(b.arquivo).substr(0, 20);
+  std::string t = b.Bytes().substr(0, 20);
   PoeContagem(t, 5);
-  EscreveEm(b.arquivo, 0, t);
+  b.Escreve(0, t);
   ArquivoRegistros a;
   Texto problema;
   EXPECT_EQ(a.Abre(b.arquivo, &b.e, nullptr, false, problema), ArquivoRegistros::Abertura::Danificada);
@@ -303,18 +312,18 @@ TEST_F(Danificado, CountBeyondTheFilesLength) {
 }
 
 TEST_F(Danificado, UnreadableHeaderValues) {
-  EscreveEm(b.arquivo, 37, "\xff\xff\xff\x7f");
+  b.Escreve(37, "\xff\xff\xff\x7f");
   EsperaDano("record size");
 }
 
 TEST_F(Danificado, StrangeLockByte) {
-  EscreveEm(b.arquivo, 0, "x");
+  b.Escreve(0, "x");
   EsperaDano("lock byte");
 }
 
 TEST_F(Danificado, UnreadableRecordField) {
   b.Adiciona(u"Ana");
-  EscreveEm(b.arquivo, 19999 + 9, std::string("\xc8\0\0\0", 4));
+  b.Escreve(19999 + 9, std::string("\xc8\0\0\0", 4));
   Registro r;
   try {
     b.a.Decodifica(b.a.LeBruto(0), 0, r);
@@ -345,7 +354,7 @@ TEST(Compactacao, RemovesDeletedRecordsAndRenumbersAFirstAutoInc) {
   EXPECT_EQ(b.Le(1)[1].texto, u"Duda");
   EXPECT_EQ(b.Le(1)[0].inteiro, 1);
   // The header kept everything but the count.
-  std::string h = LeTudo(b.arquivo);
+  std::string h = b.Bytes();
   EXPECT_EQ(Valor(h, 109, 25), "Senha");
   EXPECT_EQ(Valor(h, 1143, 25), "#Fim");
 
@@ -387,11 +396,11 @@ TEST(Compactacao, AWorkFileInTheFolderStopsIt) {
   b.Adiciona(u"Ana");
   b.a.Grava(0, b.a.RegistroApagado());
   std::ofstream(b.arquivo.parent_path() / "Temp.Zvf") << "someone else's";
-  std::string antes = LeTudo(b.arquivo);
+  std::string antes = b.Bytes();
   fs::path trabalho;
   int32_t total;
   EXPECT_EQ(b.a.Compacta(trabalho, total), ArquivoRegistros::Compactacao::TrabalhoExiste);
-  EXPECT_EQ(LeTudo(b.arquivo), antes);
+  EXPECT_EQ(b.Bytes(), antes);
   EXPECT_EQ(LeTudo(trabalho), "someone else's");
 }
 
@@ -465,14 +474,14 @@ TEST(Trava, ADeadHoldersBusyByteIsCleared) {
   pid_t p = TomaEMorre(b.arquivo, true);
   int st = Espera(p);
   EXPECT_TRUE(WIFSIGNALED(st));
-  EXPECT_EQ(LeTudo(b.arquivo)[0], '1');
+  EXPECT_EQ(b.Bytes()[0], '1');
   EXPECT_EQ(b.Adiciona(u"Ana"), 0);
-  EXPECT_EQ(LeTudo(b.arquivo)[0], '0');
+  EXPECT_EQ(b.Bytes()[0], '0');
 
   // A busy byte with no holder at all (a program of the past) is also stale.
-  EscreveEm(b.arquivo, 0, "1");
+  b.Escreve(0, "1");
   EXPECT_EQ(b.a.Total(), 1);
-  EXPECT_EQ(LeTudo(b.arquivo)[0], '0');
+  EXPECT_EQ(b.Bytes()[0], '0');
 }
 
 TEST(Trava, ALiveHolderIsWaitedFor) {
