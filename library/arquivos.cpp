@@ -111,8 +111,8 @@ Valor OpenFile(Interpretador& zv, const Texto& argumentos) {
 }
 
 // The slot of the alias in slot 0 of the arguments; -1 after the message.
-int SlotDoAlias(Interpretador& zv, const std::vector<Texto>& a, const char16_t* comando, Texto& alias) {
-  alias = Maiusculas(ArgTexto(zv, a, 0));
+int SlotDoAlias(Interpretador& zv, const std::vector<Texto>& a, const char16_t* comando) {
+  Texto alias = Maiusculas(ArgTexto(zv, a, 0));
   int i = zv.Estado<TabelaArquivos>().Procura(alias);
   if (i < 0) zv.ErroExecucao(Texto(comando) + u" - Alias file not found: " + alias);
   return i;
@@ -161,8 +161,7 @@ Texto LeLinha(std::FILE* f, const fs::path& caminho) {
 
 Valor SizeFile(Interpretador& zv, const Texto& argumentos) {
   auto a = zv.SeparaArgumentos(argumentos, kArgumentosArquivo);
-  Texto alias;
-  int i = SlotDoAlias(zv, a, u"SizeFile", alias);
+  int i = SlotDoAlias(zv, a, u"SizeFile");
   if (i < 0) return Valor::DeInt32(0);
   int64_t n = TamanhoAberto(zv.Estado<TabelaArquivos>(), i);
   if (n > INT32_MAX) throw FalhaHost(falha::Estouro);
@@ -171,8 +170,7 @@ Valor SizeFile(Interpretador& zv, const Texto& argumentos) {
 
 Valor ReadFile(Interpretador& zv, const Texto& argumentos) {
   auto a = zv.SeparaArgumentos(argumentos, kArgumentosArquivo);
-  Texto alias;
-  int i = SlotDoAlias(zv, a, u"ReadFile", alias);
+  int i = SlotDoAlias(zv, a, u"ReadFile");
   if (i < 0) return Valor::TextoComAspas(u"");
   auto& t = zv.Estado<TabelaArquivos>();
   const Texto& modo = t.modoArquivo[i];
@@ -184,40 +182,20 @@ Valor ReadFile(Interpretador& zv, const Texto& argumentos) {
   // Only what the file holds is read: no buffer larger than the file.
   int64_t tamanho = TamanhoAberto(t, i);
   int64_t n = std::clamp<int64_t>(tamanho - (posicao - 1), 0, static_cast<int64_t>(std::min(pedido, 9.0e15)));
-  std::string dados(static_cast<size_t>(n), '\0');
-  size_t lido = 0;
-  int fd = ::fileno(t.handleArquivo[i]);
-  while (lido < dados.size()) {
-    ssize_t r = ::pread(fd, dados.data() + lido, dados.size() - lido, posicao - 1 + static_cast<int64_t>(lido));
-    if (r < 0 && errno == EINTR) continue;
-    if (r < 0) FalhaArquivo(errno, t.caminhoArquivo[i]);
-    if (r == 0) break;
-    lido += static_cast<size_t>(r);
-  }
-  dados.resize(lido);
+  std::string dados = LeTrecho(::fileno(t.handleArquivo[i]), posicao - 1, n, t.caminhoArquivo[i]);
   return Valor::TextoComAspas(DeCp1252(dados));
 }
 
 Valor WriteFile(Interpretador& zv, const Texto& argumentos) {
   auto a = zv.SeparaArgumentos(argumentos, kArgumentosArquivo);
-  Texto alias;
-  int i = SlotDoAlias(zv, a, u"WriteFile", alias);
+  int i = SlotDoAlias(zv, a, u"WriteFile");
   if (i < 0) return Valor::TextoComAspas(u"");
   auto& t = zv.Estado<TabelaArquivos>();
   const Texto& modo = t.modoArquivo[i];
   if (modo == kBinario) {
     int64_t posicao = Posicao(zv, a);
     std::string dados = ParaCp1252(ArgTexto(zv, a, 2));
-    std::FILE* f = Aberto(t, i);
-    std::string_view resto(dados);
-    while (!resto.empty()) {
-      ssize_t r = ::pwrite(::fileno(f), resto.data(), resto.size(), posicao - 1);
-      if (r < 0 && errno == EINTR) continue;
-      // A file opened read-only says so here.
-      if (r < 0) FalhaArquivo(errno == EBADF ? EACCES : errno, t.caminhoArquivo[i]);
-      resto.remove_prefix(static_cast<size_t>(r));
-      posicao += r;
-    }
+    GravaTrecho(::fileno(Aberto(t, i)), dados, posicao - 1, t.caminhoArquivo[i]);
   } else if (modo == kAcrescimo) {
     std::string linha = ParaCp1252(ArgTexto(zv, a, 1)) + "\r\n";
     std::FILE* f = Aberto(t, i);
@@ -229,8 +207,7 @@ Valor WriteFile(Interpretador& zv, const Texto& argumentos) {
 
 Valor CloseFile(Interpretador& zv, const Texto& argumentos) {
   auto a = zv.SeparaArgumentos(argumentos, kArgumentosArquivo);
-  Texto alias;
-  int i = SlotDoAlias(zv, a, u"CloseFile", alias);
+  int i = SlotDoAlias(zv, a, u"CloseFile");
   if (i < 0) return Valor::DeInt32(0);
   auto& t = zv.Estado<TabelaArquivos>();
   std::FILE* f = t.handleArquivo[i];

@@ -10,6 +10,7 @@
 #include "core/interpretador.h"
 #include "core/valor.h"
 #include "library/arquivos.h"
+#include "library/arquivos_interno.h"
 
 namespace zv {
 
@@ -84,21 +85,30 @@ FalhaDeArquivo::FalhaDeArquivo(int e, fs::path c)
 
 void FalhaArquivo(int erro, const fs::path& caminho) { throw FalhaDeArquivo(erro, caminho); }
 
-namespace {
+std::string LeTrecho(int fd, int64_t posicao, int64_t tamanho, const fs::path& caminho) {
+  std::string dados(static_cast<size_t>(tamanho), '\0');
+  size_t lido = 0;
+  while (lido < dados.size()) {
+    ssize_t n = ::pread(fd, dados.data() + lido, dados.size() - lido, posicao + static_cast<int64_t>(lido));
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) FalhaArquivo(errno, caminho);
+    if (n == 0) break;
+    lido += static_cast<size_t>(n);
+  }
+  dados.resize(lido);
+  return dados;
+}
 
-void GravaTudo(int fd, std::string_view bytes, int64_t posicao, const fs::path& caminho) {
+void GravaTrecho(int fd, std::string_view bytes, int64_t posicao, const fs::path& caminho) {
   while (!bytes.empty()) {
     ssize_t n = ::pwrite(fd, bytes.data(), bytes.size(), posicao);
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      FalhaArquivo(errno, caminho);
-    }
+    if (n < 0 && errno == EINTR) continue;
+    // A file opened for reading only says so here.
+    if (n < 0) FalhaArquivo(errno == EBADF ? EACCES : errno, caminho);
     bytes.remove_prefix(static_cast<size_t>(n));
     posicao += n;
   }
 }
-
-}  // namespace
 
 ArquivoTemporario::ArquivoTemporario(const fs::path& destino) : destino_(destino) {
   static unsigned contador = 0;
@@ -123,20 +133,14 @@ ArquivoTemporario::~ArquivoTemporario() {
   if (!temporario_.empty()) ::unlink(temporario_.c_str());
 }
 
-void ArquivoTemporario::Grava(std::string_view bytes, int64_t posicao) { GravaTudo(fd_, bytes, posicao, destino_); }
+void ArquivoTemporario::Grava(std::string_view bytes, int64_t posicao) { GravaTrecho(fd_, bytes, posicao, destino_); }
 
 void ArquivoTemporario::CopiaDe(int origem) {
-  char buffer[1 << 16];
-  int64_t posicao = 0;
-  for (;;) {
-    ssize_t n = ::pread(origem, buffer, sizeof buffer, posicao);
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      FalhaArquivo(errno, destino_);
-    }
-    if (n == 0) break;
-    Grava(std::string_view(buffer, static_cast<size_t>(n)), posicao);
-    posicao += n;
+  constexpr int64_t kBloco = 1 << 16;
+  for (int64_t posicao = 0;; posicao += kBloco) {
+    std::string bloco = LeTrecho(origem, posicao, kBloco, destino_);
+    Grava(bloco, posicao);
+    if (static_cast<int64_t>(bloco.size()) < kBloco) break;
   }
 }
 
@@ -156,23 +160,12 @@ void GravaArquivoSeguro(const fs::path& destino, std::string_view bytes) {
 }
 
 std::string LeArquivoInteiro(const fs::path& caminho) {
-  int fd = ::open(caminho.c_str(), O_RDONLY | O_CLOEXEC);
-  if (fd < 0) FalhaArquivo(errno, caminho);
-  std::string dados;
-  char buffer[1 << 16];
-  for (;;) {
-    ssize_t n = ::read(fd, buffer, sizeof buffer);
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      int e = errno;
-      ::close(fd);
-      FalhaArquivo(e, caminho);
-    }
-    if (n == 0) break;
-    dados.append(buffer, static_cast<size_t>(n));
-  }
-  ::close(fd);
-  return dados;
+  Descritor arquivo(::open(caminho.c_str(), O_RDONLY | O_CLOEXEC));
+  if (arquivo.fd < 0) FalhaArquivo(errno, caminho);
+  struct stat st;
+  if (::fstat(arquivo.fd, &st) != 0) FalhaArquivo(errno, caminho);
+  if (S_ISDIR(st.st_mode)) FalhaArquivo(EISDIR, caminho);
+  return LeTrecho(arquivo.fd, 0, st.st_size, caminho);
 }
 
 }  // namespace zv

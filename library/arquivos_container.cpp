@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 
 #include "core/interpretador.h"
@@ -49,7 +50,11 @@ bool LeEntrada(std::string_view slot, int64_t tamanhoArquivo, EntradaContainer& 
   e.nome = NomeDoSlot(slot);
   e.tamanho = LeCampo(slot.substr(kTamanhoNomeEntrada, kTamanhoCampoTamanho));
   e.posicao = LeCampo(slot.substr(kTamanhoNomeEntrada + kTamanhoCampoTamanho, kTamanhoCampoPosicao));
-  return e.tamanho >= 0 && e.posicao >= kPrimeiraPosicao && e.posicao - 1 + e.tamanho <= tamanhoArquivo;
+  if (e.tamanho < 0 || e.posicao < kPrimeiraPosicao) return false;
+  // Empty entries at the end may stand behind the last byte written, one
+  // byte further each.
+  if (e.tamanho == 0) return e.posicao - 1 <= tamanhoArquivo + kSlotsDiretorio;
+  return e.posicao - 1 + e.tamanho <= tamanhoArquivo;
 }
 
 int64_t Tamanho(int fd, const fs::path& caminho) {
@@ -58,18 +63,10 @@ int64_t Tamanho(int fd, const fs::path& caminho) {
   return st.st_size;
 }
 
-std::string LeTrecho(int fd, int64_t posicao, int64_t tamanho, const fs::path& caminho) {
-  std::string dados(static_cast<size_t>(tamanho), '\0');
-  size_t lido = 0;
-  while (lido < dados.size()) {
-    ssize_t n = ::pread(fd, dados.data() + lido, dados.size() - lido, posicao + static_cast<int64_t>(lido));
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      FalhaArquivo(errno, caminho);
-    }
-    if (n == 0) throw FalhaHost(Danificado(caminho));
-    lido += static_cast<size_t>(n);
-  }
+// Exactly the bytes asked for: a file that ends before them is damaged.
+std::string LeTrechoInteiro(int fd, int64_t posicao, int64_t tamanho, const fs::path& caminho) {
+  std::string dados = LeTrecho(fd, posicao, tamanho, caminho);
+  if (static_cast<int64_t>(dados.size()) < tamanho) throw FalhaHost(Danificado(caminho));
   return dados;
 }
 
@@ -110,7 +107,7 @@ void InsereNoContainer(const fs::path& container, TextoV nome, std::string_view 
   int64_t posicao = kPrimeiraPosicao;
   int livre = 0;
   if (tamanhoAntigo > 0) {
-    diretorio = LeTrecho(antigo.fd, 0, std::min(tamanhoAntigo, kTamanhoDiretorio), container);
+    diretorio = LeTrechoInteiro(antigo.fd, 0, std::min(tamanhoAntigo, kTamanhoDiretorio), container);
     std::vector<EntradaContainer> entradas = LeDiretorio(diretorio, tamanhoAntigo, container);
     if (entradas.size() >= static_cast<size_t>(kSlotsDiretorio))
       throw FalhaHost(u"The container is full: it holds " + InteiroParaTexto(kSlotsDiretorio) + u" entries");
@@ -125,8 +122,8 @@ void InsereNoContainer(const fs::path& container, TextoV nome, std::string_view 
   ArquivoTemporario novo(container);
   if (tamanhoAntigo > 0) novo.CopiaDe(antigo.fd);
   novo.Grava(diretorio, 0);
-  // The byte between two entries is written too, so that the file is the
-  // same whatever the file system does with holes.
+  // The byte between two entries is written as a zero, so the file always
+  // reaches the end of its last entry, an empty one too.
   int64_t fimAnterior = std::max(tamanhoAntigo, kTamanhoDiretorio);
   if (fimAnterior < posicao - 1)
     novo.Grava(std::string(static_cast<size_t>(posicao - 1 - fimAnterior), '\0'), fimAnterior);
@@ -139,7 +136,7 @@ bool ExtraiDoContainer(const fs::path& container, TextoV nome, const fs::path& a
   if (arquivo.fd < 0) FalhaArquivo(errno, container);
   int64_t tamanho = Tamanho(arquivo.fd, container);
   if (tamanho < kTamanhoDiretorio) throw FalhaHost(Danificado(container));
-  std::string diretorio = LeTrecho(arquivo.fd, 0, kTamanhoDiretorio, container);
+  std::string diretorio = LeTrechoInteiro(arquivo.fd, 0, kTamanhoDiretorio, container);
 
   // Every slot is looked at, and the first hit counts.
   Texto procurado = Maiusculas(nome);
@@ -151,7 +148,7 @@ bool ExtraiDoContainer(const fs::path& container, TextoV nome, const fs::path& a
     if (n.empty() || Maiusculas(n) != procurado) continue;
     EntradaContainer e;
     if (!LeEntrada(slot, tamanho, e)) throw FalhaHost(Danificado(container));
-    dados = LeTrecho(arquivo.fd, e.posicao - 1, e.tamanho, container);
+    dados = LeTrechoInteiro(arquivo.fd, e.posicao - 1, e.tamanho, container);
     achou = true;
   }
   // Without the entry the target is still replaced, by an empty file.
@@ -161,11 +158,14 @@ bool ExtraiDoContainer(const fs::path& container, TextoV nome, const fs::path& a
 
 namespace {
 
-Valor InsertFile(Interpretador& zv, const Texto& argumentos) {
+// Name, a file and a container: three texts, all required.
+std::array<Texto, 3> TresTextos(Interpretador& zv, const Texto& argumentos) {
   auto a = zv.SeparaArgumentos(argumentos, kArgumentosArquivo);
-  Texto nome = ArgTexto(zv, a, 0);
-  Texto origem = ArgTexto(zv, a, 1);
-  Texto container = ArgTexto(zv, a, 2);
+  return {ArgTexto(zv, a, 0), ArgTexto(zv, a, 1), ArgTexto(zv, a, 2)};
+}
+
+Valor InsertFile(Interpretador& zv, const Texto& argumentos) {
+  auto [nome, origem, container] = TresTextos(zv, argumentos);
   Texto caminho = ResolveArquivo(zv, origem);
   if (caminho.empty()) throw FalhaHost(u"File not found: " + origem);
   InsereNoContainer(CaminhoSistema(container), nome, LeArquivoInteiro(CaminhoSistema(caminho)));
@@ -173,10 +173,7 @@ Valor InsertFile(Interpretador& zv, const Texto& argumentos) {
 }
 
 Valor ExtractFile(Interpretador& zv, const Texto& argumentos) {
-  auto a = zv.SeparaArgumentos(argumentos, kArgumentosArquivo);
-  Texto nome = ArgTexto(zv, a, 0);
-  Texto alvo = ArgTexto(zv, a, 1);
-  Texto container = ArgTexto(zv, a, 2);
+  auto [nome, alvo, container] = TresTextos(zv, argumentos);
   Texto caminho = ResolveArquivo(zv, container);
   if (caminho.empty()) throw FalhaHost(u"File not found: " + container);
   if (!ExtraiDoContainer(CaminhoSistema(caminho), nome, CaminhoSistema(alvo)))

@@ -4,6 +4,10 @@
 #include <unistd.h>
 
 #include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
 
 #include "core/texto.h"
 
@@ -22,6 +26,11 @@ struct Descritor {
   Descritor(const Descritor&) = delete;
   Descritor& operator=(const Descritor&) = delete;
 };
+
+// Reads up to `tamanho` bytes at the 0-based `posicao`: fewer at the end of
+// the file. Writes all bytes at `posicao`. Both throw FalhaDeArquivo.
+std::string LeTrecho(int fd, int64_t posicao, int64_t tamanho, const std::filesystem::path& caminho);
+void GravaTrecho(int fd, std::string_view bytes, int64_t posicao, const std::filesystem::path& caminho);
 
 void RegistraPastas();      // Directory, FindFile, DeleteFile, Copy, MkDir, RmDir
 void RegistraContainers();  // InsertFile, ExtractFile

@@ -84,14 +84,25 @@ TEST_F(Container, EntriesAreAppendedNeverReplaced) {
   InsereNoContainer(pak, u"Dup", "primeiro");
   InsereNoContainer(pak, u"dup", "segundo");
   InsereNoContainer(pak, u"NomeComTrintaCaracteres123456", "longo");
-  auto c = Le(pak);
-  auto entradas = LeDiretorio(c, static_cast<int64_t>(c.size()), pak);
+  std::string c = Le(pak);
+  std::vector<EntradaContainer> entradas = LeDiretorio(c, static_cast<int64_t>(c.size()), pak);
   ASSERT_EQ(entradas.size(), 4u);
   EXPECT_EQ(entradas[0].posicao, 15001);
   EXPECT_EQ(entradas[0].tamanho, 0);
   EXPECT_EQ(entradas[1].posicao, 15002);  // a 0-byte entry still leaves its byte
   EXPECT_EQ(entradas[2].posicao, 15002 + 8 + 1);
   EXPECT_EQ(entradas[3].nome, u"NomeComTrintaCaracteres12");
+
+  // Empty entries at the end still advance the position by one each.
+  InsereNoContainer(pak, u"Vazio2", "");
+  InsereNoContainer(pak, u"Vazio3", "");
+  InsereNoContainer(pak, u"Fim", "f");
+  c = Le(pak);
+  entradas = LeDiretorio(c, static_cast<int64_t>(c.size()), pak);
+  ASSERT_EQ(entradas.size(), 7u);
+  EXPECT_EQ(entradas[6].posicao, entradas[3].posicao + 5 + 3);
+  EXPECT_EQ(c.size(), static_cast<size_t>(entradas[6].posicao));
+  EXPECT_EQ(c.back(), 'f');
 
   EXPECT_TRUE(ExtraiDoContainer(pak, u"DUP", dir / "d"));
   EXPECT_EQ(Le(dir / "d"), "primeiro");
