@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <string_view>
 
 #include "core/interpretador.h"
@@ -28,7 +29,11 @@ void* Roda(void* arg) {
   host.mudo = true;
   zv::Interpretador zv(host);
   zv.limiteInstrucoes = 2000;
-  // Settings files go to a scratch folder, never beside the binary.
+  // Settings files go to a scratch folder, emptied for each input so that one
+  // input's SaveString can't change what the next one reads.
+  std::error_code erro;
+  std::filesystem::remove_all("/tmp/zv-fuzz-config", erro);
+  std::filesystem::create_directories("/tmp/zv-fuzz-config", erro);
   zv.dirConfig = zv::U("/tmp/zv-fuzz-config/");
   zv.fonte.textos[0] = zv::NormalizaFimDeLinha(zv::DeBytesArquivo(bytes));
   zv.Executa();
