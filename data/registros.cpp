@@ -231,8 +231,11 @@ int32_t BlocoDB(Interpretador& zv, const Texto& texto, size_t posicao, size_t fi
     if (p == NPOS) break;
     size_t f = texto.find(CRLF, p);
     Texto c = comandoDe(texto.substr(p, (f == NPOS ? texto.size() : f) - p));
+    Texto m = Maiusculas(c);
+    // A block left open ends where the main code or a routine does.
+    if (m == u"ENDPROGRAM" || ComecaCom(m, u"SUB ") || ComecaCom(m, u"FUNCTION ")) break;
     ++ultimo;
-    if (ComecaCom(Maiusculas(c), u"ENDDB")) {
+    if (ComecaCom(m, u"ENDDB")) {
       fechado = true;
       break;
     }

@@ -257,8 +257,6 @@ namespace {
 // Programs waiting for the lock hold a shared lock on this byte, far behind
 // any data, so that a holder can see that somebody waits.
 constexpr off_t kInteresse = off_t(1) << 62;
-// Queued records are written out, the lock kept, when they pass this size.
-constexpr size_t kMaxPendente = size_t(1) << 20;
 // How long after giving the lock back a new burst looks for waiters.
 constexpr auto kCede = std::chrono::milliseconds(5);
 
@@ -278,13 +276,7 @@ bool TravaFaixa(int fd, short tipo, off_t inicio, off_t tamanho) {
 
 }  // namespace
 
-ArquivoRegistros::~ArquivoRegistros() {
-  try {
-    Fecha();
-  } catch (const FalhaRegistros&) {
-    // Nobody is left to tell at the end of a run; the file stays consistent.
-  }
-}
+ArquivoRegistros::~ArquivoRegistros() { Fecha(); }
 
 void ArquivoRegistros::ParaSoltador() {
   if (!soltador_.joinable()) return;
@@ -300,17 +292,12 @@ void ArquivoRegistros::ParaSoltador() {
 void ArquivoRegistros::Fecha() {
   ParaSoltador();
   Trinco l(m_);
-  Ao fecha{[this] {
-    if (fd_ >= 0) ::close(fd_);
-    fd_ = -1;
-    pendentes_.clear();
-    retida_ = false;
-  }};
-  if (retida_) Descarrega();
-  if (!erroSoltador_.empty()) throw FalhaRegistros(std::exchange(erroSoltador_, Texto()));
+  retida_ = false;
+  if (fd_ >= 0) ::close(fd_);  // lets the lock go
+  fd_ = -1;
 }
 
-void ArquivoRegistros::EscrevePendentes() {
+void ArquivoRegistros::SoltaRetida() {
   Trinco l(m_);
   Libera(l);
 }
@@ -421,29 +408,11 @@ void ArquivoRegistros::CedeAVez(Trinco& l) {
 void ArquivoRegistros::Descarrega() {
   retida_ = false;
   soltaEm_ = Relogio::now();
-  Ao solta{[this] { SoltaTrava(); }};
-  std::string fila = std::move(pendentes_);
-  pendentes_.clear();
-  const int32_t escritos = gravados_;
-  try {
-    // The records go in before the count that shows them: a program that
-    // dies in between leaves unseen records, never a counted hole.
-    EscreveEm(kInicioRegistros + int64_t(gravados_) * estrutura_.tamanhoRegistro, fila);
-    gravados_ = contagem_;
-  } catch (const FalhaRegistros& f) {
-    // The count stays as it was; only the busy byte is put back.
-    ::pwrite(fd_, "0", 1, 0);
-    throw FalhaRegistros(InteiroParaTexto(contagem_ - escritos) + u" new records could not be written: " +
-                         f.descricao);
-  }
-  trava_[0] = kLivre;
-  PoeContagem(trava_, contagem_);
-  EscreveEm(0, trava_);
+  SoltaTrava();
 }
 
 void ArquivoRegistros::Libera(Trinco& l) {
   if (retida_) Descarrega();
-  if (!erroSoltador_.empty()) throw FalhaRegistros(std::exchange(erroSoltador_, Texto()));
 }
 
 void ArquivoRegistros::LacoSoltador() {
@@ -458,11 +427,7 @@ void ArquivoRegistros::LacoSoltador() {
       cv_.wait_until(l, prazo);
       continue;
     }
-    try {
-      Descarrega();
-    } catch (const FalhaRegistros& f) {
-      erroSoltador_ = f.descricao;  // told at the next operation
-    }
+    Descarrega();
   }
 }
 
@@ -499,14 +464,13 @@ int32_t ArquivoRegistros::Total() {
 int32_t ArquivoRegistros::Adiciona(std::string registro) {
   if (somenteLeitura_) throw FalhaRegistros(u"the database file is open for reading only");
   Trinco l(m_);
-  if (!erroSoltador_.empty()) throw FalhaRegistros(std::exchange(erroSoltador_, Texto()));
   if (!retida_) {
     CedeAVez(l);
     Prende(l, true);
     if (!retida_) {
       try {
         trava_ = LeTrava();
-        gravados_ = contagem_ = Contagem(trava_);
+        contagem_ = Contagem(trava_);
         EscreveEm(0, std::string(1, kOcupado));
       } catch (...) {
         SoltaTrava();
@@ -524,13 +488,13 @@ int32_t ArquivoRegistros::Adiciona(std::string registro) {
   const int32_t n = contagem_;
   for (const Campo& c : estrutura_.campos)
     if (c.tipo == TipoCampo::AutoInc) registro.replace(size_t(c.posicao - 1), 9, Embaralha(QuatroBytes(n)));
-  pendentes_ += registro;
-  ++contagem_;
-  if (pendentes_.size() >= kMaxPendente) {
-    EscreveEm(kInicioRegistros + int64_t(gravados_) * estrutura_.tamanhoRegistro, pendentes_);
-    pendentes_.clear();
-    gravados_ = contagem_;
-  }
+  // The record goes in before the count that shows it: a program that dies
+  // in between leaves an unseen record, never a counted hole.
+  EscreveEm(kInicioRegistros + int64_t(n) * estrutura_.tamanhoRegistro, registro);
+  trava_[0] = kLivre;
+  PoeContagem(trava_, n + 1);
+  EscreveEm(0, trava_);
+  contagem_ = n + 1;
   if (Relogio::now() - tomadaEm_ >= kRetencao) Descarrega();
   return n;
 }

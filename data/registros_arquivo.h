@@ -121,10 +121,10 @@ struct EsperaInterrompida : std::runtime_error {
 //
 // Adds come in bursts (a loop of AddRecord), and taking and giving back the
 // lock for each would cost most of their time. So an add keeps the lock for
-// a moment (kRetencao): further adds in that moment only queue their record,
-// and all are written, the count last, when the lock is given back. A thread
-// of the object gives it back when the moment is over even if the program
-// does something else; every other operation gives it back first. A program
+// a moment (kRetencao), and further adds in that moment find it taken. Each
+// add still writes its record and the count at once. A thread of the object
+// gives the lock back when the moment is over even if the program does
+// something else; every other operation gives it back first. A program
 // waiting for the lock says so, and a holder then lets it in before it takes
 // the lock again.
 class ArquivoRegistros {
@@ -150,9 +150,8 @@ class ArquivoRegistros {
   // Read-only opening never writes, not even to clear a dead lock.
   Abertura Abre(const std::filesystem::path& arquivo, const Estrutura* estrutura, const Texto* senha,
                 bool somenteLeitura, Texto& problema);
-  // Writes the queued records and the count, and gives the lock back.
-  void EscrevePendentes();
-  // Writes what is queued and closes.
+  // Gives back a lock kept by the last adds.
+  void SoltaRetida();
   void Fecha();
   bool Aberto() const { return fd_ >= 0; }
   const std::filesystem::path& Caminho() const { return caminho_; }
@@ -212,10 +211,9 @@ class ArquivoRegistros {
   // lock kept by an add stays; otherwise it is given back first.
   void Prende(Trinco& l, bool paraAdicionar);
   void SoltaTrava();
-  // Writes the queued records and the count, and gives the kept lock back.
+  // Gives the kept lock back.
   void Descarrega();
-  // Before any operation but an add: the kept lock is given back, and a
-  // failure of the thread that gave it back is reported.
+  // Before any operation but an add: the kept lock is given back.
   void Libera(Trinco& l);
   // After a burst, a program that waits goes first.
   void CedeAVez(Trinco& l);
@@ -241,18 +239,15 @@ class ArquivoRegistros {
   Cabecalho cabecalho_;
   Estrutura estrutura_;
 
-  // The kept lock and its queue, shared with the thread.
+  // The kept lock, shared with the thread.
   std::mutex m_;
   std::condition_variable cv_;
   std::thread soltador_;
   bool parar_ = false;
   bool retida_ = false;
-  std::string trava_;      // the 20 bytes of the lock while kept
-  int32_t gravados_ = 0;   // records written
-  int32_t contagem_ = 0;   // records counted, the queued ones too
-  std::string pendentes_;  // records from gravados_ on
+  std::string trava_;     // the 20 bytes of the lock while kept
+  int32_t contagem_ = 0;  // the count while kept
   Relogio::time_point tomadaEm_, soltaEm_;
-  Texto erroSoltador_;
 };
 
 // The record count in the 20 bytes of the lock; false when it can't be read.

@@ -163,8 +163,11 @@ Tempos SQLite(const fs::path& pasta, const std::vector<Pessoa>& pessoas, const s
 }
 
 std::string Milhares(long n) {
-  std::string s = std::to_string(n);
-  for (int i = int(s.size()) - 3; i > 0; i -= 3) s.insert(size_t(i), ",");
+  std::string d = std::to_string(n), s;
+  for (size_t i = 0; i < d.size(); ++i) {
+    if (i > 0 && (d.size() - i) % 3 == 0) s += ',';
+    s += d[i];
+  }
   return s;
 }
 

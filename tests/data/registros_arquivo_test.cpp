@@ -81,15 +81,8 @@ struct Base {
               ArquivoRegistros::Declaracao::Pronta);
     EXPECT_EQ(a.Abre(arquivo, &e, &senha, false, problema), ArquivoRegistros::Abertura::Aberta) << Utf8(problema);
   }
-  // The file's bytes, the queued records written first.
-  std::string Bytes() {
-    a.EscrevePendentes();
-    return LeTudo(arquivo);
-  }
-  void Escreve(int64_t pos, std::string_view bytes) {
-    a.EscrevePendentes();
-    EscreveEm(arquivo, pos, bytes);
-  }
+  std::string Bytes() { return LeTudo(arquivo); }
+  void Escreve(int64_t pos, std::string_view bytes) { EscreveEm(arquivo, pos, bytes); }
   int32_t Adiciona(Texto nome, double saldo = 0) { return a.Adiciona(a.Monta(Pessoa(std::move(nome), saldo), -1, nullptr)); }
   Registro Le(int32_t n, bool* vivo = nullptr) {
     Registro r;
