@@ -91,6 +91,15 @@ BaseDeclarada* BaseAberta(Interpretador& zv, const std::vector<Texto>& a) {
   return b;
 }
 
+// AddRecord, UpdateRecord, DeleteRecord and ReadRecord: they let pending
+// events through, then split their arguments and find their open database
+// (null when the name is unknown).
+BaseDeclarada* ComandoDeRegistro(Interpretador& zv, const Texto& args, std::vector<Texto>& a) {
+  zv.Bombeia();
+  a = zv.SeparaArgumentos(args, 4);
+  return BaseAberta(zv, a);
+}
+
 int32_t Posicao(Interpretador& zv, const Texto& arg) { return zv.ValorNumerico(arg).ComoInt32(); }
 
 Texto MensagemPosicao(int32_t posicao) {
@@ -312,9 +321,8 @@ Valor CloseDB(Interpretador& zv, const Texto& args) {
 }
 
 Valor AddRecord(Interpretador& zv, const Texto& args) {
-  zv.Bombeia();
-  auto a = zv.SeparaArgumentos(args, 4);
-  BaseDeclarada* b = BaseAberta(zv, a);
+  std::vector<Texto> a;
+  BaseDeclarada* b = ComandoDeRegistro(zv, args, a);
   if (!b) return {};
   Registro r = LeCampos(zv, *b);
   std::string bytes = MontaRegistro(zv, *b, u"AddRecord", r, -1);
@@ -355,9 +363,8 @@ void RegravaRegistro(Interpretador& zv, BaseDeclarada& b, int32_t posicao, const
 }
 
 Valor UpdateRecord(Interpretador& zv, const Texto& args) {
-  zv.Bombeia();
-  auto a = zv.SeparaArgumentos(args, 4);
-  BaseDeclarada* b = BaseAberta(zv, a);
+  std::vector<Texto> a;
+  BaseDeclarada* b = ComandoDeRegistro(zv, args, a);
   if (!b) return {};
   int32_t posicao = Posicao(zv, a[1]);
   Registro r = LeCampos(zv, *b);
@@ -368,9 +375,8 @@ Valor UpdateRecord(Interpretador& zv, const Texto& args) {
 }
 
 Valor DeleteRecord(Interpretador& zv, const Texto& args) {
-  zv.Bombeia();
-  auto a = zv.SeparaArgumentos(args, 4);
-  BaseDeclarada* b = BaseAberta(zv, a);
+  std::vector<Texto> a;
+  BaseDeclarada* b = ComandoDeRegistro(zv, args, a);
   if (!b) return {};
   int32_t posicao = Posicao(zv, a[1]);
   RegravaRegistro(zv, *b, posicao, b->arqDB.RegistroApagado(), nullptr, u"Can't delete record: invalid position!");
@@ -378,9 +384,8 @@ Valor DeleteRecord(Interpretador& zv, const Texto& args) {
 }
 
 Valor ReadRecord(Interpretador& zv, const Texto& args) {
-  zv.Bombeia();
-  auto a = zv.SeparaArgumentos(args, 4);
-  BaseDeclarada* b = BaseAberta(zv, a);
+  std::vector<Texto> a;
+  BaseDeclarada* b = ComandoDeRegistro(zv, args, a);
   if (!b) return Valor::TextoComAspas(u"");
   int32_t posicao = Posicao(zv, a[1]);
   int32_t total = b->arqDB.Total();

@@ -1,6 +1,7 @@
 #include "data/registros_arquivo.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -293,8 +294,27 @@ void ArquivoRegistros::Fecha() {
   ParaSoltador();
   Trinco l(m_);
   retida_ = false;
+  Desmapeia();
   if (fd_ >= 0) ::close(fd_);  // lets the lock go
   fd_ = -1;
+}
+
+void ArquivoRegistros::Mapeia() {
+  if (mapa_ || somenteLeitura_ || TamanhoArquivo() < kTamanhoCabecalho) return;
+  void* p = ::mmap(nullptr, size_t(kTamanhoTrava), PROT_READ | PROT_WRITE, MAP_SHARED, fd_, 0);
+  if (p != MAP_FAILED) mapa_ = static_cast<char*>(p);  // else the lock is written the slow way
+}
+
+void ArquivoRegistros::Desmapeia() {
+  if (mapa_) ::munmap(mapa_, size_t(kTamanhoTrava));
+  mapa_ = nullptr;
+}
+
+void ArquivoRegistros::EscreveTrava(std::string_view bytes) {
+  if (mapa_)
+    std::memcpy(mapa_, bytes.data(), bytes.size());
+  else
+    EscreveEm(0, bytes);
 }
 
 void ArquivoRegistros::SoltaRetida() {
@@ -340,6 +360,7 @@ bool ArquivoRegistros::Reabre() {
   // Compaction by another program put a new file in this one's place.
   int novo = ::open(caminho_.c_str(), (somenteLeitura_ ? O_RDONLY : O_RDWR) | O_CLOEXEC);
   if (novo < 0) Falha("Can't open again");
+  Desmapeia();
   ::close(fd_);
   fd_ = novo;
   return true;
@@ -471,7 +492,11 @@ int32_t ArquivoRegistros::Adiciona(std::string registro) {
       try {
         trava_ = LeTrava();
         contagem_ = Contagem(trava_);
-        EscreveEm(0, std::string(1, kOcupado));
+        // Each add writes the count; through a mapping of the header's start
+        // that costs no call into the system. It is made only on a file
+        // whose header is whole.
+        Mapeia();
+        EscreveTrava(std::string(1, kOcupado));
       } catch (...) {
         SoltaTrava();
         throw;
@@ -493,7 +518,7 @@ int32_t ArquivoRegistros::Adiciona(std::string registro) {
   EscreveEm(kInicioRegistros + int64_t(n) * estrutura_.tamanhoRegistro, registro);
   trava_[0] = kLivre;
   PoeContagem(trava_, n + 1);
-  EscreveEm(0, trava_);
+  EscreveTrava(trava_);
   contagem_ = n + 1;
   if (Relogio::now() - tomadaEm_ >= kRetencao) Descarrega();
   return n;
@@ -773,6 +798,7 @@ ArquivoRegistros::Compactacao ArquivoRegistros::Compacta(fs::path& trabalho, int
   // replaced and open the new one.
   int novo = ::open(caminho_.c_str(), O_RDWR | O_CLOEXEC);
   if (novo < 0) Falha("Can't open again");
+  Desmapeia();
   ::close(fd_);
   fd_ = novo;
   novoTotal = escritos;
@@ -781,25 +807,31 @@ ArquivoRegistros::Compactacao ArquivoRegistros::Compacta(fs::path& trabalho, int
 
 // ---- Order list -------------------------------------------------------------
 
+namespace {
+
+char16_t SemAcento(char16_t c) {
+  switch (c) {
+    case u'Á': case u'À': case u'Ã': return u'A';
+    case u'á': case u'à': case u'ã': return u'a';
+    case u'É': case u'Ê': return u'E';
+    case u'é': case u'ê': return u'e';
+    case u'Í': return u'I';
+    case u'í': return u'i';
+    case u'Ó': case u'Õ': case u'Ô': return u'O';
+    case u'ó': case u'õ': case u'ô': return u'o';
+    case u'Ú': return u'U';
+    case u'ú': return u'u';
+    case u'Ç': return u'C';
+    case u'ç': return u'c';
+    default: return c;
+  }
+}
+
+}  // namespace
+
 Texto TiraAcentos(TextoV texto) {
   Texto t(texto.substr(0, std::min<size_t>(texto.size(), 131)));
-  for (char16_t& c : t) {
-    switch (c) {
-      case u'Á': case u'À': case u'Ã': c = u'A'; break;
-      case u'á': case u'à': case u'ã': c = u'a'; break;
-      case u'É': case u'Ê': c = u'E'; break;
-      case u'é': case u'ê': c = u'e'; break;
-      case u'Í': c = u'I'; break;
-      case u'í': c = u'i'; break;
-      case u'Ó': case u'Õ': case u'Ô': c = u'O'; break;
-      case u'ó': case u'õ': case u'ô': c = u'o'; break;
-      case u'Ú': c = u'U'; break;
-      case u'ú': c = u'u'; break;
-      case u'Ç': c = u'C'; break;
-      case u'ç': c = u'c'; break;
-      default: break;
-    }
-  }
+  for (char16_t& c : t) c = SemAcento(c);
   return t;
 }
 
@@ -808,17 +840,7 @@ namespace {
 // Capitals and no accents, control characters as blanks (so that a blank is
 // the lowest character and trimming keeps the order), for a whole text.
 void Normaliza(Texto& t) {
-  for (char16_t& c : t) {
-    if (c < u' ') c = u' ';
-    c = Maiuscula(c);
-  }
-  size_t feito = 0;
-  while (feito < t.size()) {
-    size_t n = std::min<size_t>(131, t.size() - feito);
-    Texto parte = TiraAcentos(TextoV(t).substr(feito, n));
-    std::copy(parte.begin(), parte.end(), t.begin() + std::ptrdiff_t(feito));
-    feito += n;
-  }
+  for (char16_t& c : t) c = SemAcento(Maiuscula(c < u' ' ? u' ' : c));
 }
 
 Texto AparaDireitaCorta(TextoV t) {
@@ -840,10 +862,13 @@ Texto ChaveIndice(const Estrutura& e, const Registro* valores, const std::vector
       if (f == 0) {
         k += u'"';
       } else {
-        Texto antes = ColunaCampo(e.campos[size_t(f - 1)], (*valores)[size_t(f - 1)]);
-        k += antes.back();
+        const Campo& antes = e.campos[size_t(f - 1)];
+        Texto v = TextoValor(antes, (*valores)[size_t(f - 1)]);
+        k += v.size() >= size_t(antes.largura) ? v[size_t(antes.largura - 1)] : u' ';
       }
-      k += ColunaCampo(c, (*valores)[size_t(f)]).substr(0, size_t(c.largura - 1));
+      Texto v = TextoValor(c, (*valores)[size_t(f)]);
+      v.resize(size_t(c.largura - 1), u' ');
+      k += v;
     }
   }
   k += Preenche(numero, 6);
@@ -871,13 +896,13 @@ ModoBusca LeModoBusca(TextoV modo) {
   return ModoBusca::Simples;
 }
 
-ListaOrdem::Entrada ListaOrdem::FazEntrada(const Texto& chave, int32_t registro) {
+ListaOrdem::Entrada ListaOrdem::FazEntrada(Texto chave, int32_t registro) {
   size_t a = (!chave.empty() && chave[0] == u'"') ? 1 : 0;
   size_t b = a;
   while (b < chave.size() && chave[b] == u' ') ++b;
-  Entrada e{chave.substr(b), registro, uint16_t(std::min<size_t>(b - a, 65535))};
-  Normaliza(e.ordem);
-  return e;
+  chave.erase(0, b);
+  Normaliza(chave);
+  return Entrada{std::move(chave), registro, uint16_t(std::min<size_t>(b - a, 65535))};
 }
 
 void ListaOrdem::Limpa() {
@@ -941,7 +966,7 @@ void ListaOrdem::Monta(std::vector<std::pair<Texto, int32_t>> chaves) {
   Limpa();
   std::vector<Entrada> todas;
   todas.reserve(chaves.size());
-  for (auto& [k, r] : chaves) todas.push_back(FazEntrada(k, r));
+  for (auto& [k, r] : chaves) todas.push_back(FazEntrada(std::move(k), r));
   chaves.clear();
   std::sort(todas.begin(), todas.end());
   for (size_t i = 0; i < todas.size(); i += kBloco) {

@@ -225,6 +225,10 @@ class ArquivoRegistros {
   // place; true when it did.
   bool Reabre();
   std::string LeTrava();
+  // The lock's 20 bytes through a mapping of the file's start while adding.
+  void Mapeia();
+  void Desmapeia();
+  void EscreveTrava(std::string_view bytes);
   // Without the object's own lock: for those who hold it.
   std::string LeRegistros(int32_t numero, int32_t quantos);
   int64_t TamanhoArquivo();
@@ -234,6 +238,7 @@ class ArquivoRegistros {
   int32_t Contagem(std::string_view trava) const;
 
   int fd_ = -1;
+  char* mapa_ = nullptr;
   bool somenteLeitura_ = false;
   std::filesystem::path caminho_;
   Cabecalho cabecalho_;
@@ -303,7 +308,7 @@ class ListaOrdem {
       return ordem != o.ordem ? ordem < o.ordem : registro < o.registro;
     }
   };
-  static Entrada FazEntrada(const Texto& chave, int32_t registro);
+  static Entrada FazEntrada(Texto chave, int32_t registro);
   const Entrada& Em(int32_t indice) const;
   void Reindexa() const;
   int Compara(const Texto& busca, size_t tamanhoBusca, int32_t indice) const;
