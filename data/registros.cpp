@@ -180,6 +180,8 @@ void LinhaCampo(Interpretador& zv, const Texto& comando, Declaracao& d) {
 void Declara(Interpretador& zv, Declaracao& d) {
   const Texto titulo = u"Error (" + d.nome + u"): ";
   if (d.problema.empty()) d.problema = d.estrutura.Problema();
+  if (d.problema.empty() && d.senha.size() > size_t(kMaxNome))
+    d.problema = u"the password can't be longer than " + InteiroParaTexto(kMaxNome) + u" characters";
   if (!d.problema.empty()) {
     zv.CaixaCritica(titulo + d.problema + u"!");
     return;

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <bit>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
@@ -57,9 +58,12 @@ bool LeFatia(std::string_view bytes, Fatia f, std::string& texto) {
   return DesembaralhaSeguro(bytes.substr(f.inicio, f.largura), texto);
 }
 
+// Numbers are stored as their little-endian bytes, as they lie in memory here.
+static_assert(std::endian::native == std::endian::little, "the record format wants a little-endian host");
+
 std::string QuatroBytes(int32_t n) {
   std::string b(4, '\0');
-  std::memcpy(b.data(), &n, 4);  // little-endian hosts only, as the format is
+  std::memcpy(b.data(), &n, 4);
   return b;
 }
 
