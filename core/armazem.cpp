@@ -72,6 +72,15 @@ void Interpretador::GravaVariavel(TextoV nome, const Valor& valor, bool deveExis
   // A bad index or a value that doesn't convert leaves everything as it was.
   if (i < 0 || i >= tamanho) return;
   size_t k = static_cast<size_t>(inicio + i);
+  // A text that keeps doubling would take all the machine's memory before
+  // anything noticed; refuse it while the run can still say so.
+  if (tipo == TipoVariavel::String && valor.tipo == Valor::Tipo::Texto && valor.s.size() > kMaxTexto) {
+    if (!abortado)
+      CaixaCritica(localAtual + CR + u"Out of memory: " + Texto(nome) + u" can't hold a text longer than " +
+                   InteiroParaTexto(static_cast<int64_t>(kMaxTexto)) + u" characters!");
+    abortado = true;
+    throw FalhaHost(falha::SemMemoria);
+  }
   try {
     switch (tipo) {
       case TipoVariavel::String:

@@ -174,7 +174,7 @@ Valor Interpretador::DespachaComando(const Texto& nome, const Texto& argumentos)
   return r;
 }
 
-std::vector<Texto> Interpretador::SeparaArgumentos(const Texto& texto, size_t slots, bool separaIgual,
+std::vector<Texto> Interpretador::SeparaArgumentos(const Texto& texto, size_t vagas, bool separaIgual,
                                                    bool& numerico) {
   Texto t = Apara(texto);
   static const char16_t* const kPreAvaliadas[] = {u"JOINSTR(", u"FORMAT(",    u"DATEADD(",  u"DATEDIFF(",
@@ -198,11 +198,11 @@ std::vector<Texto> Interpretador::SeparaArgumentos(const Texto& texto, size_t sl
       if (t == antes) break;
     }
   }
-  std::vector<Texto> tab(slots);
+  std::vector<Texto> tab(vagas);
   size_t k = 0;
   Texto buf;
   auto poe = [&](Texto v) {
-    if (k >= slots) throw FalhaHost(falha::ForaDoIndice);
+    if (k >= vagas) throw FalhaHost(falha::ForaDoIndice);
     tab[k++] = std::move(v);
   };
   for (size_t i = 0; i < t.size(); ++i) {

@@ -116,12 +116,12 @@ class Interpretador {
   // ---- Dispatch ----------------------------------------------------------
   bool EPalavraConhecida(TextoV palavra) const;
   Valor DespachaComando(const Texto& nome, const Texto& argumentos);
-  // Splits an argument text into `slots` slots (the first empty one ends the
+  // Splits an argument text into `vagas` slots (the first empty one ends the
   // list). More arguments than slots is a host failure.
-  std::vector<Texto> SeparaArgumentos(const Texto& texto, size_t slots, bool separaIgual, bool& numerico);
-  std::vector<Texto> SeparaArgumentos(const Texto& texto, size_t slots, bool separaIgual = false) {
+  std::vector<Texto> SeparaArgumentos(const Texto& texto, size_t vagas, bool separaIgual, bool& numerico);
+  std::vector<Texto> SeparaArgumentos(const Texto& texto, size_t vagas, bool separaIgual = false) {
     bool n = false;
-    return SeparaArgumentos(texto, slots, separaIgual, n);
+    return SeparaArgumentos(texto, vagas, separaIgual, n);
   }
   bool AchaFuncaoInterna(const Texto& texto, Texto par[2]);
   void ExecutaFuncaoInterna(Texto& texto, const Texto par[2], bool& numerico);

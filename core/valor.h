@@ -28,6 +28,9 @@ inline const char16_t* DivisaoPorZero = u"Division by zero";
 inline const char16_t* SemMemoria = u"Out of memory";
 }  // namespace falha
 
+// The longest text a variable holds: 16 Mi characters (32 MB).
+inline constexpr size_t kMaxTexto = size_t{16} << 20;
+
 struct Valor {
   enum class Tipo : uint8_t { Vazio, Texto, Int16, Int32, Double, Decimal, Booleano, Data };
 

@@ -50,6 +50,8 @@ Options:
   --max-statements N   end the run after N statements
   --config-dir DIR     folder of ZV.File and Zarvolt8.inf (default: the
                        folder of zvrun)
+  --locale NAME        run under this locale (e.g. de_DE.UTF-8) instead of
+                       the one of the environment: it decides the date forms
   --help               this text
 ARGUMENTS after "--" become the program's CommandLine.
 
@@ -157,7 +159,8 @@ int main(int argc, char** argv) {
       op.dumpVars = true;
     } else if (a == "--step") {
       op.passo = true;
-    } else if (a == "--answers" || a == "--max-statements" || a == "--config-dir") {
+    } else if (a == "--answers" || a == "--max-statements" || a == "--config-dir" ||
+               a == "--locale") {
       if (i + 1 >= argc) return Uso(a + " needs a value");
       std::string v = argv[++i];
       if (a == "--answers") {
@@ -171,6 +174,10 @@ int main(int argc, char** argv) {
         char* fim;
         op.maxInstrucoes = std::strtoll(v.c_str(), &fim, 10);
         if (*fim || op.maxInstrucoes <= 0) return Uso("--max-statements needs a positive number");
+      } else if (a == "--locale") {
+        // Read by the date commands the first time they ask for the locale,
+        // which is after this point.
+        setenv("LC_ALL", v.c_str(), 1);
       } else {
         op.configDir = v;
       }

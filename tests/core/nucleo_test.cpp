@@ -213,6 +213,29 @@ TEST_F(Run, GeneratedNamesRenameWholeWordsOnly) {
   EXPECT_NE(corpo.find(u"(Soma0Parcela)"), NPOS);
 }
 
+// Records the boxes instead of printing them.
+class HostGravador : public HostConsole {
+ public:
+  std::vector<Texto> textos;
+  Resposta MostraCaixa(const Caixa& caixa) override {
+    textos.push_back(caixa.texto);
+    return Resposta::OK;
+  }
+};
+
+TEST(Limites, DoublingTextIsStoppedWithABox) {
+  HostGravador host;
+  Interpretador zv(host);
+  zv.fonte.textos[0] =
+      u"Var s String, n Integer\r\ns = \"ab\"\r\nWhile n < 40\r\n  s = s, s\r\n  n++\r\nLoop\r\n"
+      u"Message \"not reached\"";
+  zv.Executa();
+  ASSERT_EQ(host.textos.size(), 1u);
+  EXPECT_NE(host.textos[0].find(u"Line: 4\rOut of memory: s can't hold a text longer than 16777216"), NPOS);
+  EXPECT_EQ(zv.LeVariavel(u"n").i, 23);  // 2 << 23 characters was the last kept
+  EXPECT_EQ(zv.LeVariavel(u"s").s.size(), size_t{1} << 24);
+}
+
 TEST(Fonte, DocumentRoundTrip) {
   FontePrograma f;
   f.textos[0] = u"A=1";
