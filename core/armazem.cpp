@@ -37,7 +37,7 @@ static int64_t IndiceDe(Interpretador& zv, TextoV nome) {
 
 Valor Interpretador::LeVariavel(TextoV nome) {
   if (variaveis.Posicao(nome) < 0) {
-    CaixaCritica(localAtual + CR + u"Can't read " + Texto(nome) + u": undeclared variable!");
+    CaixaCritica(LocalAtual() + CR + u"Can't read " + Texto(nome) + u": undeclared variable!");
     return Valor();
   }
   TipoVariavel tipo = variaveis.tipoEncontrado;
@@ -45,7 +45,7 @@ Valor Interpretador::LeVariavel(TextoV nome) {
   int32_t tamanho = variaveis.entradaEncontrada->tamanho;
   int64_t i = IndiceDe(*this, nome);
   if (i < 0 || i >= tamanho) {
-    CaixaCritica(localAtual + CR + u"Can't read " + Texto(nome) + u": index out of range!");
+    CaixaCritica(LocalAtual() + CR + u"Can't read " + Texto(nome) + u": index out of range!");
     return Valor();
   }
   size_t k = static_cast<size_t>(inicio + i);
@@ -76,7 +76,7 @@ void Interpretador::GravaVariavel(TextoV nome, const Valor& valor, bool deveExis
   // anything noticed; refuse it while the run can still say so.
   if (tipo == TipoVariavel::String && valor.tipo == Valor::Tipo::Texto && valor.s.size() > kMaxTexto) {
     if (!abortado)
-      CaixaCritica(localAtual + CR + u"Out of memory: " + Texto(nome) + u" can't hold a text longer than " +
+      CaixaCritica(LocalAtual() + CR + u"Out of memory: " + Texto(nome) + u" can't hold a text longer than " +
                    InteiroParaTexto(static_cast<int64_t>(kMaxTexto)) + u" characters!");
     abortado = true;
     throw FalhaHost(falha::SemMemoria);

@@ -156,6 +156,18 @@ Valor ChamaComTratador(Interpretador& zv, const DefinicaoComando& d, int indice,
 
 }  // namespace
 
+bool DespachoSemEfeito(TextoV nome) {
+  Texto m = Maiusculas(nome);
+  const TabelaComandos& tab = Comandos();
+  int i = IndiceMaiusculo(m);
+  static const int iChr = IndicePalavra(u"Chr");
+  if (i >= 0 && tab.Rotina_(i)) return false;
+  if (ComecaCom(m, u"CHR") && i != iChr && tab.Rotina_(iChr)) return false;
+  if (ComecaCom(m, u"PRINTER") && tab.printer) return false;
+  if (ComecaCom(m, u"REP") && tab.rep) return false;
+  return true;
+}
+
 Valor Interpretador::DespachaComando(const Texto& nome, const Texto& argumentos) {
   Texto m = Maiusculas(nome);
   const TabelaComandos& tab = Comandos();
@@ -174,23 +186,22 @@ Valor Interpretador::DespachaComando(const Texto& nome, const Texto& argumentos)
   return r;
 }
 
-std::vector<Texto> Interpretador::SeparaArgumentos(const Texto& texto, size_t vagas, bool separaIgual,
-                                                   bool& numerico) {
-  Texto t = Apara(texto);
+bool TemChamadaPreAvaliada(TextoV maiusculo) {
   static const char16_t* const kPreAvaliadas[] = {u"JOINSTR(", u"FORMAT(",    u"DATEADD(",  u"DATEDIFF(",
                                                   u"READPOINT(", u"FIND(",    u"RGB(",      u"CIRCLE(",
                                                   u"RECTANGLE(", u"READFILE(", u"COPY(",    u"CALL(",
                                                   u"SEQSTR(",    u"SUBSTR("};
+  for (const char16_t* p : kPreAvaliadas)
+    if (Contem(maiusculo, p)) return true;
+  return false;
+}
+
+std::vector<Texto> Interpretador::SeparaArgumentos(const Texto& texto, size_t vagas, bool separaIgual,
+                                                   bool& numerico) {
+  Texto t = Apara(texto);
   // The splitter knows no parentheses: nested calls with commas are worked
   // out first, so that their commas don't split the list.
-  Texto m = Maiusculas(t);
-  bool pre = false;
-  for (const char16_t* p : kPreAvaliadas)
-    if (Contem(m, p)) {
-      pre = true;
-      break;
-    }
-  if (pre) {
+  if (TemChamadaPreAvaliada(Maiusculas(t))) {
     Texto par[2];
     for (int guarda = 0; guarda < 10000 && AchaFuncaoInterna(t, par); ++guarda) {
       Texto antes = t;
@@ -245,6 +256,22 @@ bool ArgumentosMarcados(const Texto& m, size_t q, size_t tamNome, Texto& args, s
   fim = s + 2;
   if (fim < m.size() && m[fim] == u')') ++fim;
   return true;
+}
+
+bool PodeTerChamadaInterna(const Texto& texto) {
+  if (ComecaCom(texto, u"RetStr String")) return false;
+  Texto t = LimpaParenteses(Apara(texto));
+  if (!t.empty() && t.front() == u'"' && t.back() == u'"') return false;
+  if (t.find_first_of(u"( ") == NPOS) return false;
+  for (int k = 0; k < kTotalPalavras; ++k) {
+    TextoV kw = kPalavrasChave[k];
+    size_t p = t.find(kw);
+    if (p == NPOS) continue;
+    size_t e = p + kw.size();
+    if (e >= t.size() || (t[e] != u'(' && t[e] != u' ')) continue;
+    return true;
+  }
+  return false;
 }
 
 bool Interpretador::AchaFuncaoInterna(const Texto& texto, Texto par[2]) {

@@ -88,4 +88,13 @@ Texto LimpaParenteses(TextoV texto);
 // tags taken off; `fim` is the place behind the call's closing parenthesis.
 bool ArgumentosMarcados(const Texto& marcado, size_t q, size_t tamNome, Texto& args, size_t& fim);
 
+// True when a text names one of the calls that SeparaArgumentos works out
+// before it splits (upper-case text).
+bool TemChamadaPreAvaliada(TextoV maiusculo);
+// True when AchaFuncaoInterna could find a call in the text (or complain of
+// one): a keyword followed by "(" or a blank. Shows nothing.
+bool PodeTerChamadaInterna(const Texto& texto);
+// True when dispatching this name would run nothing.
+bool DespachoSemEfeito(TextoV nome);
+
 }  // namespace zv

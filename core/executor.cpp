@@ -3,45 +3,19 @@
 #include <array>
 
 #include "core/interpretador.h"
+#include "core/marcas.h"
 #include "core/preparacao.h"
 
 namespace zv {
 
 namespace {
 
-// The number behind an "&#" at `p` (five digits, read as far as digits go).
-int32_t NumeroEm(const Texto& t, size_t p) {
-  int32_t n = 0;
-  for (size_t k = p; k < p + 5 && k < t.size() && EDigito(t[k]); ++k) n = n * 10 + (t[k] - u'0');
-  return n;
-}
-
-Texto MarcaComando(int32_t numero) { return u"&#" + Preenche(numero, 5); }
-
-// Editor and line (plus one) of a prepared line, as plain numbers.
-void Localizacao(const Texto& linha, Texto& editor, Texto& numLinha) {
-  int32_t e = 0, l = 0;
-  for (size_t k = 16; k < 18 && k < linha.size() && EDigito(linha[k]); ++k) e = e * 10 + (linha[k] - u'0');
-  for (size_t k = 9; k < 14 && k < linha.size() && EDigito(linha[k]); ++k) l = l * 10 + (linha[k] - u'0');
+void LocalizacaoTexto(TextoV linha, Texto& editor, Texto& numLinha) {
+  int32_t e, l;
+  Localizacao(linha, e, l);
   editor = InteiroParaTexto(e);
-  numLinha = InteiroParaTexto(int64_t(l) + 1);
+  numLinha = InteiroParaTexto(l);
 }
-
-// The depth tag that follows a block word at `p` (its "[" at p + tamanho).
-Texto TagProfundidade(const Texto& linha, size_t inicio) {
-  size_t b = linha.find(u']', inicio);
-  return b == NPOS ? linha.substr(inicio) : linha.substr(inicio, b - inicio);
-}
-
-bool ProfundidadeValida(const Texto& tag, int& d) {
-  double v;
-  if (!LeNumero(tag, v)) return false;
-  d = static_cast<int>(v);
-  return d >= 0 && d <= 20;
-}
-
-// The text from `p` on, or empty when the line is shorter.
-Texto Resto(const Texto& linha, size_t p) { return p < linha.size() ? linha.substr(p) : Texto(); }
 
 }  // namespace
 
@@ -50,6 +24,11 @@ Interpretador::Interpretador(Host& host) : host_(host) {}
 Interpretador::~Interpretador() {
   // Tear-down: the other subsystems' tables go first, the last made first.
   while (!estados_.empty()) estados_.pop_back();
+}
+
+Texto Interpretador::LocalAtual() const {
+  if (linhaAtual == 0) return Texto();  // no statement has run yet
+  return u"Editor: " + InteiroParaTexto(editorAtual) + u" Line: " + InteiroParaTexto(linhaAtual);
 }
 
 Texto Interpretador::TituloPrograma() const {
@@ -72,7 +51,7 @@ void Interpretador::ErroExecucao(const Texto& mensagem) {
   c.botoes = Botoes::OKCancel;
   c.padrao = Resposta::OK;
   c.titulo = kTituloSistema;
-  c.texto = localAtual + CR + mensagem;
+  c.texto = LocalAtual() + CR + mensagem;
   respostaErro = host_.MostraCaixa(c);
   if (respostaErro == Resposta::Cancel) pararPrograma = true;
 }
@@ -111,7 +90,7 @@ void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao,
   Profundidade prof(profundidade);
   if (profundidade > kMaxProfundidade) {
     if (!abortado) {
-      CaixaCritica(localAtual + CR + u"Too many nested calls: routines can't be nested more than " +
+      CaixaCritica(LocalAtual() + CR + u"Too many nested calls: routines can't be nested more than " +
                    InteiroParaTexto(kMaxProfundidade) + u" deep!");
     }
     abortado = true;
@@ -126,12 +105,10 @@ void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao,
     if (p == NPOS) return;
     numero = NumeroEm(texto, p + 2);
   }
-  size_t pos = texto.find(MarcaComando(numero));
+  size_t pos = AchaMarca(texto, numero, 0);
   if (pos == NPOS) return;
-  size_t fim = texto.find(CRLF, pos);
-  if (fim == NPOS) fim = texto.size();
+  size_t fim = FimDaLinha(texto, numero, pos);
 
-  Texto editor, numLinha;
   for (;;) {
     if (!executando || janelaFechada || pararPrograma || abortado) return;
     if (limiteInstrucoes > 0 && ++instrucoesExecutadas > limiteInstrucoes) {
@@ -139,9 +116,25 @@ void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao,
       abortado = true;
       return;
     }
+    if (!modoDepuracao) {
+      if (PlanoLinha* pl = PlanoDe(texto, numero, pos, fim); pl && pl->tipo != PlanoLinha::Tipo::Generico) {
+        editorAtual = pl->editor;
+        linhaAtual = pl->linha;
+        ++pl->emUso;
+        Seguimento s;
+        try {
+          s = ExecutaPlano(texto, *pl, numero, pos, fim, resultadoCondicao);
+        } catch (...) {
+          --pl->emUso;
+          throw;
+        }
+        --pl->emUso;
+        if (s == Seguimento::Fim) return;
+        if (s != Seguimento::Generico) continue;
+      }
+    }
     Texto linha = texto.substr(pos, fim - pos);
-    Localizacao(linha, editor, numLinha);
-    localAtual = u"Editor: " + editor + u" Line: " + numLinha;
+    Localizacao(linha, editorAtual, linhaAtual);
 
     Texto maius = Maiusculas(linha);
     if (Contem(maius, u"ENDPROGRAM")) {
@@ -162,7 +155,7 @@ void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao,
         l = textoExibicao.substr(h, (f == NPOS ? textoExibicao.size() : f) - h);
       }
       Texto e, n;
-      Localizacao(l, e, n);
+      LocalizacaoTexto(l, e, n);
       Caixa c;
       c.tipo = TipoCaixa::Passo;
       c.botoes = Botoes::OKCancel;
@@ -208,7 +201,8 @@ void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao,
     } else if ((p = linha.find(u"GoTo")) != NPOS) {
       Texto rotulo = Resto(linha, p + 5);
       if (TerminaCom(rotulo, u":")) {
-        CaixaCritica(u"Error in command GoTo (Ed.: " + editor + u" Line " + numLinha +
+        CaixaCritica(u"Error in command GoTo (Ed.: " + InteiroParaTexto(editorAtual) + u" Line " +
+                     InteiroParaTexto(linhaAtual) +
                      u"): Label can't have character : (colon)!");
         return;
       }
@@ -216,7 +210,8 @@ void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao,
       size_t h = texto.find(rotulo);
       size_t a = h == NPOS ? NPOS : texto.rfind(u"&#", h);
       if (a == NPOS) {
-        CaixaCritica(u"Error in command GoTo (Ed.: " + editor + u" Line " + numLinha + u"): Label not found: " +
+        CaixaCritica(u"Error in command GoTo (Ed.: " + InteiroParaTexto(editorAtual) + u" Line " +
+                     InteiroParaTexto(linhaAtual) + u"): Label not found: " +
                      rotulo);
         return;
       }
@@ -258,7 +253,7 @@ void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao,
       int d = -1;
       if (!ProfundidadeValida(tag, d)) {
         if (d > 20)
-          CaixaCritica(localAtual + CR + u"If blocks can't be nested more than 21 levels deep!");
+          CaixaCritica(LocalAtual() + CR + u"If blocks can't be nested more than 21 levels deep!");
         return;
       }
       Texto v = AvaliaCondicao(Resto(linha, p + 6));
@@ -305,15 +300,10 @@ void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao,
     }
     // Next statement: the next number, searched forward from here.
     ++numero;
-    Texto marca = MarcaComando(numero);
-    size_t prox = (fim + 2 + marca.size() <= texto.size() && texto.compare(fim + 2, marca.size(), marca) == 0 &&
-                   texto.find(marca, pos) == fim + 2)
-                      ? fim + 2
-                      : texto.find(marca, pos);
+    size_t prox = AchaMarca(texto, numero, pos);
     if (prox == NPOS) return;
     pos = prox;
-    fim = texto.find(CRLF, pos);
-    if (fim == NPOS) fim = texto.size();
+    fim = FimDaLinha(texto, numero, pos);
   }
 }
 

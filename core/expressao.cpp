@@ -124,19 +124,18 @@ class Calculo {
       if (c == u'-') r = -r;
       return true;
     }
-    std::string s;
+    size_t ini = i_;
     bool ponto = false;
     while (i_ < t_.size() && (EDigito(t_[i_]) || t_[i_] == u'.')) {
       if (t_[i_] == u'.') {
         if (ponto) return false;
         ponto = true;
       }
-      s += static_cast<char>(t_[i_]);
       ++i_;
     }
-    if (s.empty() || s == ".") return false;
+    if (i_ == ini || (i_ - ini == 1 && ponto)) return false;
     double v;
-    if (!LeNumero(Texto(s.begin(), s.end()), v)) return false;
+    if (!LeNumero(t_.substr(ini, i_ - ini), v)) return false;
     r = v;
     return true;
   }
@@ -153,6 +152,21 @@ Texto CalculaExpressao(TextoV texto) {
   Calculo c(texto);
   if (!c.Executa(r)) return Texto();
   return NumeroParaTexto(r);
+}
+
+bool CalculaNumero(TextoV texto, double& r) {
+  Calculo c(texto);
+  return c.Executa(r);
+}
+
+double NumeroRelido(double r) {
+  // Whole numbers of up to 15 digits come back as they went (zero unsigned).
+  if (r == std::trunc(r) && std::fabs(r) < 1e15) return r + 0.0;
+  Texto s = NumeroParaTexto(r);
+  for (auto& c : s)
+    if (c == u',') c = u'.';
+  double v;
+  return LeNumero(s, v) ? v : 0;
 }
 
 bool ExpressaoAritmetica(TextoV texto) {
@@ -347,7 +361,7 @@ Texto Interpretador::AvaliaCondicao(const Texto& condicao) {
   Condicao c;
   std::array<Texto, 21> resultados;
   auto longaDemais = [this] {
-    CaixaCritica(localAtual + CR + u"Condition too long: it can't have more than 21 comparisons!");
+    CaixaCritica(LocalAtual() + CR + u"Condition too long: it can't have more than 21 comparisons!");
     throw FalhaHost(falha::ForaDoIndice);
   };
   try {

@@ -13,6 +13,10 @@ class Interpretador;
 // A text of numbers and operators to its value in general format; empty on
 // failure (a bad character, a second point, a division by zero).
 Texto CalculaExpressao(TextoV texto);
+// The same calculation, as a number; false on failure.
+bool CalculaNumero(TextoV texto, double& r);
+// A result as it reads back from its text in general format.
+double NumeroRelido(double r);
 // True when a text is taken for arithmetic.
 bool ExpressaoAritmetica(TextoV texto);
 // Replaces each name by its value's text; counts the pieces.

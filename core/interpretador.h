@@ -13,6 +13,7 @@
 
 #include "core/despacho.h"
 #include "core/host.h"
+#include "core/planos.h"
 #include "core/texto.h"
 #include "core/valor.h"
 #include "core/variaveis.h"
@@ -73,7 +74,9 @@ class Interpretador {
   bool executando = true;     // Executando
   bool pararPrograma = false; // PararPrograma
   bool janelaFechada = false; // JanelaFechada
-  Texto localAtual;           // LocalAtual
+  // LocalAtual, "Editor: e Line: n", is made only when a box needs it.
+  int32_t editorAtual = 0, linhaAtual = 0;
+  Texto LocalAtual() const;
   Resposta respostaErro = Resposta::OK;  // RespostaErro
   // The last clicked button and the last box click, written by the window
   // layer's events and awaited by Wait ClickButton and Wait ClickBox.
@@ -161,6 +164,28 @@ class Interpretador {
  private:
   friend struct Caminhada;
   void TiqueTimer();
+
+  // ---- Plans of the main text's statements (see planos.h) -----------------
+  std::unique_ptr<Planos> planos_;
+  bool PodeTerChamadaUsuario(const Texto& texto) const;
+  bool ResolveRef(const Texto& nome, RefVariavel& r);
+  bool IndiceRef(const RefVariavel& r, int64_t& i) const;
+  bool LeRef(const RefVariavel& r, uint64_t geracao, Valor& v) const;
+  void GravaRef(const RefVariavel& r, uint64_t geracao, const Valor& v);
+  void PreparaValor(const Texto& texto, PlanoValor& p);
+  Valor AvaliaValor(const PlanoValor& p, uint64_t geracao);
+  void PreparaCondicao(const Texto& texto, PlanoCondicao& c);
+  Texto AvaliaCondicao(const PlanoCondicao& c, uint64_t geracao);
+  void PreparaAtribuicao(const Texto& linha, const Texto& nome, PlanoLinha& pl);
+  bool ComandoNulo(const Texto& linha);
+  void PreparaLinha(const Texto& texto, PlanoLinha& pl);
+  Planos& PlanosDoTexto();
+  PlanoLinha* PlanoDe(const Texto& texto, int32_t numero, size_t pos, size_t fim);
+  size_t FimDaLinha(const Texto& texto, int32_t numero, size_t pos);
+  size_t AchaMarca(const Texto& texto, int32_t numero, size_t de);
+  enum class Seguimento { Proximo, Salto, Generico, Fim };
+  Seguimento ExecutaPlano(const Texto& texto, PlanoLinha& pl, int32_t& numero, size_t& pos, size_t& fim,
+                          std::array<Texto, 21>& resultadoCondicao);
 
   Host& host_;
   std::vector<std::unique_ptr<void, void (*)(void*)>> estados_;

@@ -248,6 +248,7 @@ Texto Interpretador::PreparaPrograma() {
   t = NumeraIf(t);
   t = NumeraWhile(t);
   textoPrograma = std::move(t);
+  planos_.reset();
   RegistraRotinas(textoPrograma);
   if (temTimer) host().IniciaTimer(TimerTique, 10, [this] { TiqueTimer(); });
   return Texto();

@@ -225,6 +225,8 @@ bool ELetra(char16_t c) {
 
 Texto NumeroParaTexto(double valor) {
   if (valor == 0) return u"0";
+  // Whole numbers of up to 15 digits read the same in the general format.
+  if (valor == std::trunc(valor) && std::fabs(valor) < 1e15) return InteiroParaTexto(static_cast<int64_t>(valor));
   if (std::isnan(valor)) return u"NaN";
   if (std::isinf(valor)) return valor > 0 ? u"Infinity" : u"-Infinity";
   char buf[64];
@@ -348,6 +350,22 @@ bool LeNumero(TextoV texto, double& valor) {
   while (a < b && texto[a] == u' ') ++a;
   while (b > a && texto[b - 1] == u' ') --b;
   if (a == b) return false;
+  {
+    // Plain whole numbers (the common case) without a trip through text:
+    // up to 15 digits are exact in a double.
+    size_t i = a;
+    bool neg = texto[i] == u'-';
+    if (neg || texto[i] == u'+') ++i;
+    if (i < b && b - i <= 15) {
+      int64_t n = 0;
+      size_t k = i;
+      while (k < b && EDigito(texto[k])) n = n * 10 + (texto[k++] - u'0');
+      if (k == b) {
+        valor = neg ? -static_cast<double>(n) : static_cast<double>(n);
+        return true;
+      }
+    }
+  }
   std::string ascii;
   size_t fim = LeEstruturaNumero(texto.substr(0, b), a, ascii);
   if (fim == a || fim != b) return false;

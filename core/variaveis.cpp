@@ -87,6 +87,7 @@ void Variaveis::Cria(TextoV nome, TextoV tipo, int32_t tamanho) {
       break;
   }
   d.push_back(e);
+  ++geracao;
   auto [it, novo] = indice_.try_emplace(d.back().nome);
   if (novo) {
     it->second = {Local{uint8_t(t), uint32_t(d.size() - 1)}, 1};
@@ -143,10 +144,12 @@ bool Variaveis::Remove(TextoV nome) {
   else
     Reindexa(chave);
   entradaEncontrada = nullptr;
+  ++geracao;
   return true;
 }
 
 void Variaveis::Limpa() {
+  ++geracao;
   for (auto& d : dir_) d.clear();
   textos.clear();
   inteiros.clear();

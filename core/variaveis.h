@@ -40,6 +40,10 @@ class Variaveis {
   bool Remove(TextoV nome);
   void Limpa();
 
+  // Changes whenever a name comes or goes (values may move then): what was
+  // found by name before is stale when it differs.
+  uint64_t geracao = 1;
+
   const std::vector<EntradaVariavel>& Diretorio(TipoVariavel t) const { return dir_[int(t)]; }
   std::vector<Texto> textos;      // ValoresTexto
   std::vector<int32_t> inteiros;  // ValoresInteiro

@@ -1,0 +1,88 @@
+// What the executor learnt about a statement of the main text the first
+// time it ran it: its kind, the jumps it takes, its expressions cut into
+// pieces with their variables found. Running a plan calls the same value,
+// comparison and store routines as the walk over the text, in the same
+// order, so the results are the same; what is saved is the searching.
+// Anything a plan can't be sure of runs the walk's own way.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "core/texto.h"
+#include "core/valor.h"
+#include "core/variaveis.h"
+
+namespace zv {
+
+class Interpretador;
+
+// A variable as a statement names it ("x", "L(3)", "L(i)"), found.
+struct RefVariavel {
+  Texto nome;
+  TipoVariavel tipo = TipoVariavel::Integer;
+  int32_t inicio = 0, tamanho = 0;
+  bool indiceVariavel = false;
+  int64_t indice = 0;  // the fixed index
+  TipoVariavel tipoIndice = TipoVariavel::Integer;
+  int32_t posIndice = 0;  // value of the index variable
+};
+
+// The value of an expression as ValorNumerico works it out.
+struct PlanoValor {
+  enum class Tipo : uint8_t { Lento, Numero, Constante, Variavel, Aritmetica };
+  Tipo tipo = Tipo::Lento;
+  Texto fonte;    // the expression as given (for the walk's own way)
+  double numero = 0;
+  Texto constante;
+  RefVariavel var;
+  // Aritmetica: text pieces and variables in turn; `refs[i]` goes after
+  // `pedacos[i]`.
+  std::vector<Texto> pedacos;
+  std::vector<RefVariavel> refs;
+  bool pecaUnica = false;  // the whole text was one piece: it stays text
+};
+
+struct PlanoCondicao {
+  bool lento = true;
+  Texto fonte;
+  std::array<Texto, 51> relacoes, conectores;
+  std::vector<PlanoValor> operandos;  // in pairs
+};
+
+struct PlanoLinha {
+  enum class Tipo : uint8_t { Generico, Incremento, Composto, While, Loop, If, Else, EndIf, Atribuicao };
+  Tipo tipo = Tipo::Generico;
+  size_t pos = NPOS, fim = 0;
+  uint64_t geracao = 0;
+  int emUso = 0;  // walks running it now: a remade plan mustn't pull it from under them
+  int32_t editor = 0, linha = 0;
+  bool mais = true;             // ++ or +=
+  RefVariavel alvo;             // Incremento, Composto, Atribuicao
+  PlanoValor valor;             // Composto
+  std::vector<PlanoValor> partes;  // Atribuicao
+  PlanoCondicao condicao;       // While, If
+  int profundidade = 0;         // If, Else, EndIf: the depth tag
+  int32_t numeroSalto = -1;     // While false: the Loop; Else: the EndIf
+  int32_t numeroElse = -1, numeroEndIf = -1;  // If false
+  // Loop: where the walk goes back to.
+  size_t posVolta = 0, fimVolta = 0;
+  int32_t numeroVolta = 0;
+};
+
+// The plans of the main text, by statement number, and an index of where
+// each statement marker stands.
+struct Planos {
+  std::vector<std::unique_ptr<PlanoLinha>> linhas;
+  std::vector<std::unique_ptr<PlanoLinha>> aposentados;  // remade while in use
+  std::vector<uint32_t> primeiraMarca;                 // by number; UINT32_MAX: none
+  std::vector<std::pair<int32_t, uint32_t>> marcas;   // every (number, position), sorted
+  bool indexado = false;
+  const char16_t* dados = nullptr;  // the text indexed
+  size_t tamanho = 0;
+  Texto buffer;  // reused for the texts of arithmetic
+};
+
+}  // namespace zv
