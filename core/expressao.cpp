@@ -169,6 +169,204 @@ double NumeroRelido(double r) {
   return LeNumero(s, v) ? v : 0;
 }
 
+namespace {
+
+// The parse of Calculo over a text whose holes stand as characters of their
+// own; it builds the tree instead of working out the value.
+class Compilador {
+ public:
+  static constexpr char16_t kBuraco = 0xFFFF;
+  explicit Compilador(const std::u16string& t) : t_(t) {}
+  struct No {
+    char16_t op;
+    double valor;
+    int esq, dir;
+  };
+  std::vector<No> nos;
+  int buracos = 0;
+  bool Executa(int& raiz) {
+    if (!Soma(raiz, true)) return false;
+    Brancos();
+    return i_ == t_.size();
+  }
+
+ private:
+  int Novo(char16_t op, double v, int e, int d) {
+    nos.push_back({op, v, e, d});
+    return static_cast<int>(nos.size()) - 1;
+  }
+  void Brancos() {
+    while (i_ < t_.size() && t_[i_] == u' ') ++i_;
+  }
+  char16_t Proximo() {
+    Brancos();
+    return i_ < t_.size() ? t_[i_] : 0;
+  }
+  bool Soma(int& r, bool inicioGrupo) {
+    char16_t c = Proximo();
+    if (inicioGrupo && (c == u'-' || c == u'+')) {
+      r = Novo(u'n', 0, -1, -1);
+    } else if (!Produto(r)) {
+      return false;
+    }
+    for (;;) {
+      c = Proximo();
+      if (c != u'+' && c != u'-') return true;
+      ++i_;
+      int d;
+      if (!Produto(d)) return false;
+      r = Novo(c, 0, r, d);
+    }
+  }
+  bool Produto(int& r) {
+    if (!Potencia(r)) return false;
+    for (;;) {
+      char16_t c = Proximo();
+      if (c != u'*' && c != u'/' && c != u'%' && c != u'&' && c != u'@') return true;
+      ++i_;
+      int d;
+      if (!Potencia(d)) return false;
+      r = Novo(c, 0, r, d);
+    }
+  }
+  bool Potencia(int& r) {
+    if (!Fator(r)) return false;
+    while (Proximo() == u'^') {
+      ++i_;
+      int d;
+      if (!Fator(d)) return false;
+      r = Novo(u'^', 0, r, d);
+    }
+    return true;
+  }
+  bool Fator(int& r) {
+    char16_t c = Proximo();
+    if (c == u'(') {
+      ++i_;
+      if (++nivel_ > 200) return false;
+      if (!Soma(r, true)) return false;
+      --nivel_;
+      if (Proximo() != u')') return false;
+      ++i_;
+      return true;
+    }
+    if (c == u'-' || c == u'+') {
+      ++i_;
+      if (++nivel_ > 200) return false;
+      if (!Fator(r)) return false;
+      --nivel_;
+      if (c == u'-') r = Novo(u'u', 0, r, -1);
+      return true;
+    }
+    if (c == kBuraco) {
+      ++i_;
+      r = Novo(u'v', buracos++, -1, -1);
+      return true;
+    }
+    size_t ini = i_;
+    bool ponto = false;
+    while (i_ < t_.size() && (EDigito(t_[i_]) || t_[i_] == u'.')) {
+      if (t_[i_] == u'.') {
+        if (ponto) return false;
+        ponto = true;
+      }
+      ++i_;
+    }
+    if (i_ == ini || (i_ - ini == 1 && ponto)) return false;
+    double v;
+    if (!LeNumero(TextoV(t_).substr(ini, i_ - ini), v)) return false;
+    r = Novo(u'n', v, -1, -1);
+    return true;
+  }
+
+  const std::u16string& t_;
+  size_t i_ = 0;
+  int nivel_ = 0;
+};
+
+int32_t Inteiro32DoCalculo(double v) {
+  double x = ArredondaPar(v);
+  if (!(x >= -2147483648.0 && x <= 2147483647.0)) throw FalhaHost(falha::Estouro);
+  return static_cast<int32_t>(x);
+}
+
+}  // namespace
+
+bool ArvoreCalculo::Compila(const std::vector<Texto>& pedacos) {
+  nos_.clear();
+  raiz_ = -1;
+  Texto t;
+  for (size_t i = 0; i < pedacos.size(); ++i) {
+    const Texto& p = pedacos[i];
+    if (p.find(Compilador::kBuraco) != NPOS) return false;
+    auto colado = [](char16_t c) { return EDigito(c) || c == u'.'; };
+    // A hole's digits must not join a number beside it, nor another hole's.
+    if (i > 0 && (p.empty() || colado(p.front()))) return false;
+    if (i + 1 < pedacos.size() && !p.empty() && colado(p.back())) return false;
+    t += p;
+    if (i + 1 < pedacos.size()) t += Compilador::kBuraco;
+  }
+  Compilador c(t);
+  int raiz;
+  if (!c.Executa(raiz)) return false;
+  for (const auto& n : c.nos) nos_.push_back({n.op, n.valor, n.esq, n.dir});
+  raiz_ = raiz;
+  return true;
+}
+
+bool ArvoreCalculo::Calcula(const double* valores, double& r) const {
+  if (raiz_ < 0 || !Avalia(raiz_, valores, r)) return false;
+  return std::isfinite(r);
+}
+
+bool ArvoreCalculo::Avalia(int i, const double* valores, double& r) const {
+  const No& n = nos_[i];
+  switch (n.op) {
+    case u'n':
+      r = n.valor;
+      return true;
+    case u'v':
+      r = valores[static_cast<int>(n.valor)];
+      return true;
+    case u'u':
+      if (!Avalia(n.esq, valores, r)) return false;
+      r = -r;
+      return true;
+    default:
+      break;
+  }
+  double d;
+  if (!Avalia(n.esq, valores, r) || !Avalia(n.dir, valores, d)) return false;
+  switch (n.op) {
+    case u'+':
+      r += d;
+      return true;
+    case u'-':
+      r -= d;
+      return true;
+    case u'*':
+      r *= d;
+      return true;
+    case u'/':
+      if (d == 0) return false;
+      r /= d;
+      return true;
+    case u'^':
+      r = std::pow(r, d);
+      return true;
+    default: {
+      int32_t a = Inteiro32DoCalculo(r), b = Inteiro32DoCalculo(d);
+      if (n.op == u'%') {
+        if (b == 0) throw FalhaHost(falha::DivisaoPorZero);
+        r = b == -1 ? 0 : a % b;
+      } else {
+        r = n.op == u'&' ? (a & b) : (a | b);
+      }
+      return true;
+    }
+  }
+}
+
 bool ExpressaoAritmetica(TextoV texto) {
   if (texto.find_first_of(u"/*-+^%") == TextoV::npos) return false;
   if (texto.empty() || texto[0] == u'"') return false;

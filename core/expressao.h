@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <vector>
 
 #include "core/texto.h"
 #include "core/valor.h"
@@ -17,6 +18,30 @@ Texto CalculaExpressao(TextoV texto);
 bool CalculaNumero(TextoV texto, double& r);
 // A result as it reads back from its text in general format.
 double NumeroRelido(double r);
+// The calculation of a text with holes for values, parsed once. It gives
+// what CalculaNumero gives on the text with each hole filled with the digits
+// of a whole number of 0 or more: a hole is never next to a digit or a point,
+// so its digits are read as one number, where the parse expects a number.
+class ArvoreCalculo {
+ public:
+  // `pedacos` and holes in turn (a hole after each piece but the last).
+  // False when the text doesn't parse whatever fills the holes.
+  bool Compila(const std::vector<Texto>& pedacos);
+  // False on a failure of the calculation; a remainder by zero or an
+  // overflow of a whole-number operator throws, as the calculation does.
+  bool Calcula(const double* valores, double& r) const;
+
+ private:
+  struct No {
+    char16_t op;  // 'n' number, 'v' hole, 'u' minus of one, or the operator
+    double valor = 0;
+    int esq = -1, dir = -1;
+  };
+  bool Avalia(int no, const double* valores, double& r) const;
+  std::vector<No> nos_;
+  int raiz_ = -1;
+};
+
 // True when a text is taken for arithmetic.
 bool ExpressaoAritmetica(TextoV texto);
 // Replaces each name by its value's text; counts the pieces.

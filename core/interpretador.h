@@ -49,6 +49,9 @@ class Interpretador {
   // Ends the run after so many statements (0: no limit); set by tools.
   int64_t limiteInstrucoes = 0;
   int64_t instrucoesExecutadas = 0;
+  // Every statement walks the text its own way, without plans: for checking
+  // that both ways give the same.
+  bool semPlanos = false;
   bool limiteAtingido = false;
 
   // Start of a run: declares the predeclared variables, prepares the program,

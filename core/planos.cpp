@@ -15,6 +15,7 @@ namespace zv {
 namespace {
 
 constexpr uint32_t kSemMarca = UINT32_MAX;
+constexpr size_t kMaxBuracos = 16;
 
 bool CaractereDeNome(char16_t c) { return ELetra(c) || EDigito(c) || c == u'_' || c == u'.'; }
 
@@ -148,6 +149,7 @@ void Interpretador::PreparaValor(const Texto& texto, PlanoValor& p) {
     }
     p.pedacos.push_back(std::move(pedaco));
     p.pecaUnica = pecas == 1;
+    p.temArvore = !p.pecaUnica && p.refs.size() <= kMaxBuracos && p.arvore.Compila(p.pedacos);
     p.tipo = PlanoValor::Tipo::Aritmetica;
     return;
   }
@@ -176,9 +178,23 @@ Valor Interpretador::AvaliaValor(const PlanoValor& p, uint64_t geracao) {
     case PlanoValor::Tipo::Aritmetica:
       break;
   }
+  Valor v;
+  if (p.temArvore) {
+    // Whole values of 0 or more would stand in the text as bare digits.
+    double valores[kMaxBuracos];
+    size_t i = 0;
+    for (; i < p.refs.size(); ++i) {
+      if (!LeRef(p.refs[i], geracao, v) || v.tipo != Valor::Tipo::Int32 || v.i < 0) break;
+      valores[i] = v.i;
+    }
+    if (i == p.refs.size()) {
+      double r;
+      if (!p.arvore.Calcula(valores, r)) return Valor::DeDecimal(0);
+      return Valor::DeDecimal(NumeroRelido(r));
+    }
+  }
   Texto& b = planos_->buffer;
   b.clear();
-  Valor v;
   for (size_t i = 0; i < p.refs.size(); ++i) {
     b += p.pedacos[i];
     // An index out of range has a box to show: the text's own way shows it.
@@ -230,6 +246,11 @@ void Interpretador::PreparaCondicao(const Texto& texto, PlanoCondicao& c) {
 
 Texto Interpretador::AvaliaCondicao(const PlanoCondicao& c, uint64_t geracao) {
   if (c.lento) return AvaliaCondicao(c.fonte);
+  if (c.operandos.size() == 2 && c.conectores[0].empty()) {
+    Valor esq = AvaliaValor(c.operandos[0], geracao);
+    Valor dir = AvaliaValor(c.operandos[1], geracao);
+    return ComparaValores(c.relacoes, 0, std::move(esq), std::move(dir));
+  }
   std::array<Texto, 21> resultados;
   for (size_t k = 0; k + 1 < c.operandos.size(); k += 2) {
     Valor esq = AvaliaValor(c.operandos[k], geracao);
@@ -395,7 +416,7 @@ Planos& Interpretador::PlanosDoTexto() {
     }
     std::stable_sort(pl.marcas.begin(), pl.marcas.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
-    pl.primeiraMarca.assign(kMaxNumeroMarcador + 1, kSemMarca);
+    pl.primeiraMarca.assign(pl.marcas.empty() ? 0 : pl.marcas.back().first + 1, kSemMarca);
     for (auto it = pl.marcas.rbegin(); it != pl.marcas.rend(); ++it) pl.primeiraMarca[it->first] = it->second;
     pl.indexado = true;
   }
@@ -406,6 +427,7 @@ size_t Interpretador::AchaMarca(const Texto& texto, int32_t numero, size_t de) {
   if (&texto != &textoPrograma || numero < 0 || numero > kMaxNumeroMarcador || textoPrograma.size() >= kSemMarca)
     return texto.find(MarcaComando(numero), de);
   Planos& pl = PlanosDoTexto();
+  if (static_cast<size_t>(numero) >= pl.primeiraMarca.size()) return NPOS;
   uint32_t f = pl.primeiraMarca[numero];
   if (f == kSemMarca) return NPOS;
   if (f >= de) return f;
@@ -422,7 +444,7 @@ size_t Interpretador::FimDaLinha(const Texto& texto, int32_t numero, size_t pos)
 }
 
 PlanoLinha* Interpretador::PlanoDe(const Texto& texto, int32_t numero, size_t pos, size_t fim) {
-  if (&texto != &textoPrograma || numero < 0 || numero > kMaxNumeroMarcador) return nullptr;
+  if (semPlanos || &texto != &textoPrograma || numero < 0 || numero > kMaxNumeroMarcador) return nullptr;
   Planos& planos = PlanosDoTexto();
   if (static_cast<size_t>(numero) >= planos.linhas.size()) planos.linhas.resize(numero + 1);
   auto& pl = planos.linhas[numero];

@@ -11,6 +11,7 @@
 #include <memory>
 #include <vector>
 
+#include "core/expressao.h"
 #include "core/texto.h"
 #include "core/valor.h"
 #include "core/variaveis.h"
@@ -43,6 +44,8 @@ struct PlanoValor {
   std::vector<Texto> pedacos;
   std::vector<RefVariavel> refs;
   bool pecaUnica = false;  // the whole text was one piece: it stays text
+  bool temArvore = false;  // the calculation parsed once, for whole values of 0 or more
+  ArvoreCalculo arvore;
 };
 
 struct PlanoCondicao {

@@ -52,6 +52,8 @@ Options:
                        folder of zvrun)
   --locale NAME        run under this locale (e.g. de_DE.UTF-8) instead of
                        the one of the environment: it decides the date forms
+  --no-plans           run each statement from its text alone, without the
+                       plans made at its first run (slower; the same results)
   --help               this text
 ARGUMENTS after "--" become the program's CommandLine.
 
@@ -88,7 +90,7 @@ void DespejaVariaveis(const Interpretador& zv) {
 }
 
 struct Opcoes {
-  bool headless = false, dumpPrepared = false, dumpVars = false, passo = false;
+  bool headless = false, dumpPrepared = false, dumpVars = false, passo = false, semPlanos = false;
   long long maxInstrucoes = 0;
   std::string arquivo, configDir, linhaComando;
   std::vector<Resposta> respostas;
@@ -114,6 +116,7 @@ void* Roda(void* arg) {
   zv.dirPrograma = U(p.parent_path().string() + "/");
   zv.linhaDeComando = U(op.linhaComando);
   zv.modoDepuracao = op.passo;
+  zv.semPlanos = op.semPlanos;
   zv.limiteInstrucoes = op.maxInstrucoes;
   if (!op.configDir.empty()) {
     zv.dirConfig = U(op.configDir);
@@ -157,6 +160,8 @@ int main(int argc, char** argv) {
       op.dumpPrepared = true;
     } else if (a == "--dump-vars") {
       op.dumpVars = true;
+    } else if (a == "--no-plans") {
+      op.semPlanos = true;
     } else if (a == "--step") {
       op.passo = true;
     } else if (a == "--answers" || a == "--max-statements" || a == "--config-dir" ||
