@@ -258,36 +258,54 @@ bool ArgumentosMarcados(const Texto& m, size_t q, size_t tamNome, Texto& args, s
   return true;
 }
 
-bool PodeTerChamadaInterna(const Texto& texto) {
-  if (ComecaCom(texto, u"RetStr String")) return false;
+namespace {
+
+// The text a call is looked for in, or empty when it can hold none.
+Texto TextoDeChamada(const Texto& texto) {
+  if (ComecaCom(texto, u"RetStr String")) return Texto();
   Texto t = LimpaParenteses(Apara(texto));
-  if (!t.empty() && t.front() == u'"' && t.back() == u'"') return false;
-  if (t.find_first_of(u"( ") == NPOS) return false;
-  for (int k = 0; k < kTotalPalavras; ++k) {
-    TextoV kw = kPalavrasChave[k];
+  if (!t.empty() && t.front() == u'"' && t.back() == u'"') return Texto();
+  // Nothing can be a call without a '(' or a blank behind a keyword.
+  if (t.find_first_of(u"( ") == NPOS) return Texto();
+  return t;
+}
+
+}  // namespace
+
+int PalavraChamada(const Texto& t, const Texto* nomes, size_t total) {
+  for (size_t k = 0; k < total; ++k) {
+    const Texto& kw = nomes[k];
+    if (kw.empty()) continue;
     size_t p = t.find(kw);
     if (p == NPOS) continue;
     size_t e = p + kw.size();
     if (e >= t.size() || (t[e] != u'(' && t[e] != u' ')) continue;
-    return true;
+    return static_cast<int>(k);
   }
-  return false;
+  return -1;
+}
+
+namespace {
+
+const std::vector<Texto>& PalavrasComoTexto() {
+  static const std::vector<Texto> v(kPalavrasChave.begin(), kPalavrasChave.end());
+  return v;
+}
+
+}  // namespace
+
+bool PodeTerChamadaInterna(const Texto& texto) {
+  Texto t = TextoDeChamada(texto);
+  return !t.empty() && PalavraChamada(t, PalavrasComoTexto().data(), kTotalPalavras) >= 0;
 }
 
 bool Interpretador::AchaFuncaoInterna(const Texto& texto, Texto par[2]) {
-  if (ComecaCom(texto, u"RetStr String")) return false;
-  Texto t = LimpaParenteses(Apara(texto));
-  if (!t.empty() && t.front() == u'"' && t.back() == u'"') return false;
   par[0].clear();
   par[1].clear();
-  // Nothing can be a call without a '(' or a blank behind a keyword.
-  if (t.find_first_of(u"( ") == NPOS) return false;
-  for (int k = 0; k < kTotalPalavras; ++k) {
+  Texto t = TextoDeChamada(texto);
+  int k = t.empty() ? -1 : PalavraChamada(t, PalavrasComoTexto().data(), kTotalPalavras);
+  if (k >= 0) {
     TextoV kw = kPalavrasChave[k];
-    size_t p = t.find(kw);
-    if (p == NPOS) continue;
-    size_t e = p + kw.size();
-    if (e >= t.size() || (t[e] != u'(' && t[e] != u' ')) continue;
     Texto m = MarcaParenteses(t);
     size_t q = m.find(kw);
     size_t w = q;

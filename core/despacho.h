@@ -94,6 +94,9 @@ bool TemChamadaPreAvaliada(TextoV maiusculo);
 // True when AchaFuncaoInterna could find a call in the text (or complain of
 // one): a keyword followed by "(" or a blank. Shows nothing.
 bool PodeTerChamadaInterna(const Texto& texto);
+// The first of `total` names, in their order, whose first place in `t` has
+// "(" or a blank behind it; -1 when none does. Empty names are skipped.
+int PalavraChamada(const Texto& t, const Texto* nomes, size_t total);
 // True when dispatching this name would run nothing.
 bool DespachoSemEfeito(TextoV nome);
 

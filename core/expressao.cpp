@@ -172,7 +172,10 @@ double NumeroRelido(double r) {
 namespace {
 
 // The parse of Calculo over a text whose holes stand as characters of their
-// own; it builds the tree instead of working out the value.
+// own; it builds the tree instead of working out the value. Calculo itself
+// stays one pass: there a failure of the arithmetic (a remainder by zero)
+// comes before a fault of the syntax further on, and a tree built first
+// would turn that order round.
 class Compilador {
  public:
   static constexpr char16_t kBuraco = 0xFFFF;

@@ -24,15 +24,7 @@ bool CaractereDeNome(char16_t c) { return ELetra(c) || EDigito(c) || c == u'_' |
 bool Interpretador::PodeTerChamadaUsuario(const Texto& texto) const {
   Texto t = Apara(texto);
   if (t.empty() || t[0] == u'"') return false;
-  for (const Texto& nome : nomesFuncoes) {
-    if (nome.empty()) continue;
-    size_t p = t.find(nome);
-    if (p == NPOS) continue;
-    size_t e = p + nome.size();
-    if (e >= t.size() || (t[e] != u'(' && t[e] != u' ')) continue;
-    return true;
-  }
-  return false;
+  return PalavraChamada(t, nomesFuncoes.data(), nomesFuncoes.size()) >= 0;
 }
 
 // ---- Variables --------------------------------------------------------------

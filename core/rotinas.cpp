@@ -243,13 +243,10 @@ Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos) {
 bool Interpretador::AchaFuncaoUsuario(const Texto& texto, Texto par[2], Texto& palavraResultado) {
   Texto t = Apara(texto);
   if (t.empty() || t[0] == u'"') return false;
-  for (size_t i = 0; i < nomesFuncoes.size(); ++i) {
+  int k = PalavraChamada(t, nomesFuncoes.data(), nomesFuncoes.size());
+  if (k >= 0) {
+    size_t i = static_cast<size_t>(k);
     const Texto& nome = nomesFuncoes[i];
-    if (nome.empty()) continue;
-    size_t p = t.find(nome);
-    if (p == NPOS) continue;
-    size_t e = p + nome.size();
-    if (e >= t.size() || (t[e] != u'(' && t[e] != u' ')) continue;
     Texto m = MarcaParenteses(LimpaParenteses(t));
     size_t q = m.find(nome);
     size_t w = q;
