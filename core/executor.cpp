@@ -294,8 +294,7 @@ void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao,
     if (!tratado) ExecutaComando(linha);
 
     if (semAvanco) {
-      fim = texto.find(CRLF, pos);
-      if (fim == NPOS) fim = texto.size();
+      fim = FimDaLinha(texto, numero, pos);
       continue;
     }
     // Next statement: the next number, searched forward from here.
