@@ -97,7 +97,7 @@ void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao,
     return;
   }
   pararPrograma = false;
-  std::array<Texto, 21> resultadoCondicao;  // ResultadoCondicao
+  CondicoesFalsas falsas{};  // ResultadoCondicao, of which only "FALSE" counts
 
   int32_t numero = numeroInicial;
   if (numeroInicial == 0) {
@@ -118,19 +118,9 @@ void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao,
     }
     if (!modoDepuracao) {
       if (PlanoLinha* pl = PlanoDe(texto, numero, pos, fim); pl && pl->tipo != PlanoLinha::Tipo::Generico) {
-        editorAtual = pl->editor;
-        linhaAtual = pl->linha;
-        ++pl->emUso;
-        Seguimento s;
-        try {
-          s = ExecutaPlano(texto, *pl, numero, pos, fim, resultadoCondicao);
-        } catch (...) {
-          --pl->emUso;
-          throw;
-        }
-        --pl->emUso;
+        Seguimento s = CorrePlanos(texto, pl, numero, pos, fim, falsas);
         if (s == Seguimento::Fim) return;
-        if (s != Seguimento::Generico) continue;
+        if (s == Seguimento::Proximo) continue;
       }
     }
     Texto linha = texto.substr(pos, fim - pos);
@@ -245,7 +235,7 @@ void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao,
     if (!tratado && (p = linha.find(u"EndIf[")) != NPOS) {
       int d = -1;
       if (!ProfundidadeValida(TagProfundidade(linha, p + 6), d)) return;
-      resultadoCondicao[d].clear();
+      falsas[d] = false;
       eraEndIf = true;
     }
     if (!tratado && !eraEndIf && (p = linha.find(u"If[")) != NPOS) {
@@ -257,7 +247,7 @@ void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao,
         return;
       }
       Texto v = AvaliaCondicao(Resto(linha, p + 6));
-      resultadoCondicao[d] = v;
+      falsas[d] = v == u"FALSE";
       if (Contem(linha, u"MouseClick")) GravaVariavel(u"MouseClick", Valor::DeTexto(u"FALSE"), false);
       if (v == u"TRUE") {
         tratado = true;
@@ -271,7 +261,7 @@ void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao,
           tratado = true;
         } else if (hE != NPOS) {
           numero = nE;
-          resultadoCondicao[d].clear();
+          falsas[d] = false;
           tratado = true;
         }
       }
@@ -280,13 +270,13 @@ void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao,
       Texto tag = TagProfundidade(linha, p + 5);
       int d = -1;
       if (!ProfundidadeValida(tag, d)) return;
-      if (resultadoCondicao[d] == u"FALSE") {
+      if (falsas[d]) {
         tratado = true;
       } else {
         size_t hE = texto.find(u"EndIf[" + tag + u"]", pos);
         if (hE != NPOS) {
           numero = NumeroEm(texto, texto.rfind(u"&#", hE) + 2);
-          resultadoCondicao[d].clear();
+          falsas[d] = false;
           tratado = true;
         }
       }

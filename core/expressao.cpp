@@ -159,8 +159,7 @@ bool CalculaNumero(TextoV texto, double& r) {
   return c.Executa(r);
 }
 
-double NumeroRelido(double r) {
-  // Whole numbers of up to 15 digits come back as they went (zero unsigned).
+double NumeroRelidoGeral(double r) {
   if (r == std::trunc(r) && std::fabs(r) < 1e15) return r + 0.0;
   Texto s = NumeroParaTexto(r);
   for (auto& c : s)
@@ -288,6 +287,10 @@ class Compilador {
 };
 
 int32_t Inteiro32DoCalculo(double v) {
+  if (v >= -2147483648.0 && v <= 2147483647.0) {
+    auto n = static_cast<int32_t>(v);
+    if (n == v) return n;
+  }
   double x = ArredondaPar(v);
   if (!(x >= -2147483648.0 && x <= 2147483647.0)) throw FalhaHost(falha::Estouro);
   return static_cast<int32_t>(x);
@@ -296,8 +299,8 @@ int32_t Inteiro32DoCalculo(double v) {
 }  // namespace
 
 bool ArvoreCalculo::Compila(const std::vector<Texto>& pedacos) {
-  nos_.clear();
-  raiz_ = -1;
+  passos_.clear();
+  pilha_ = 0;
   Texto t;
   for (size_t i = 0; i < pedacos.size(); ++i) {
     const Texto& p = pedacos[i];
@@ -311,63 +314,75 @@ bool ArvoreCalculo::Compila(const std::vector<Texto>& pedacos) {
   }
   Compilador c(t);
   int raiz;
-  if (!c.Executa(raiz)) return false;
-  for (const auto& n : c.nos) nos_.push_back({n.op, n.valor, n.esq, n.dir});
-  raiz_ = raiz;
-  return true;
+  if (!c.Executa(raiz) || raiz < 0) return false;
+  // Left before right, as the one-pass calculation meets them.
+  size_t fundo = 0;
+  auto posordem = [&](auto&& self, int i) -> void {
+    const auto& n = c.nos[static_cast<size_t>(i)];
+    if (n.esq >= 0) self(self, n.esq);
+    if (n.dir >= 0) self(self, n.dir);
+    if (n.op == u'n' || n.op == u'v')
+      pilha_ = std::max(pilha_, ++fundo);
+    else if (n.op != u'u')
+      --fundo;
+    passos_.push_back({n.op, n.valor});
+  };
+  posordem(posordem, raiz);
+  // A deeper calculation is left to the text's own way.
+  return pilha_ <= kMaxPilha;
 }
 
 bool ArvoreCalculo::Calcula(const double* valores, double& r) const {
-  if (raiz_ < 0 || !Avalia(raiz_, valores, r)) return false;
-  return std::isfinite(r);
-}
-
-bool ArvoreCalculo::Avalia(int i, const double* valores, double& r) const {
-  const No& n = nos_[i];
-  switch (n.op) {
-    case u'n':
-      r = n.valor;
-      return true;
-    case u'v':
-      r = valores[static_cast<int>(n.valor)];
-      return true;
-    case u'u':
-      if (!Avalia(n.esq, valores, r)) return false;
-      r = -r;
-      return true;
-    default:
-      break;
-  }
-  double d;
-  if (!Avalia(n.esq, valores, r) || !Avalia(n.dir, valores, d)) return false;
-  switch (n.op) {
-    case u'+':
-      r += d;
-      return true;
-    case u'-':
-      r -= d;
-      return true;
-    case u'*':
-      r *= d;
-      return true;
-    case u'/':
-      if (d == 0) return false;
-      r /= d;
-      return true;
-    case u'^':
-      r = std::pow(r, d);
-      return true;
-    default: {
-      int32_t a = Inteiro32DoCalculo(r), b = Inteiro32DoCalculo(d);
-      if (n.op == u'%') {
-        if (b == 0) throw FalhaHost(falha::DivisaoPorZero);
-        r = b == -1 ? 0 : a % b;
-      } else {
-        r = n.op == u'&' ? (a & b) : (a | b);
+  if (passos_.empty()) return false;
+  double p[kMaxPilha];
+  size_t n = 0;  // values on the stack
+  for (const Passo& s : passos_) {
+    switch (s.op) {
+      case u'n':
+        p[n++] = s.valor;
+        continue;
+      case u'v':
+        p[n++] = valores[static_cast<int>(s.valor)];
+        continue;
+      case u'u':
+        p[n - 1] = -p[n - 1];
+        continue;
+      default:
+        break;
+    }
+    double d = p[--n];
+    double& e = p[n - 1];
+    switch (s.op) {
+      case u'+':
+        e += d;
+        break;
+      case u'-':
+        e -= d;
+        break;
+      case u'*':
+        e *= d;
+        break;
+      case u'/':
+        if (d == 0) return false;
+        e /= d;
+        break;
+      case u'^':
+        e = std::pow(e, d);
+        break;
+      default: {
+        int32_t a = Inteiro32DoCalculo(e), b = Inteiro32DoCalculo(d);
+        if (s.op == u'%') {
+          if (b == 0) throw FalhaHost(falha::DivisaoPorZero);
+          e = b == -1 ? 0 : a % b;
+        } else {
+          e = s.op == u'&' ? (a & b) : (a | b);
+        }
+        break;
       }
-      return true;
     }
   }
+  r = p[0];
+  return std::isfinite(r);
 }
 
 bool ExpressaoAritmetica(TextoV texto) {

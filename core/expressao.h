@@ -1,6 +1,8 @@
 // The pieces of expression evaluation that stand on their own.
 #pragma once
 
+#include <cstdint>
+
 #include <array>
 #include <vector>
 
@@ -17,7 +19,12 @@ Texto CalculaExpressao(TextoV texto);
 // The same calculation, as a number; false on failure.
 bool CalculaNumero(TextoV texto, double& r);
 // A result as it reads back from its text in general format.
-double NumeroRelido(double r);
+double NumeroRelidoGeral(double r);
+inline double NumeroRelido(double r) {
+  // Whole numbers of up to 15 digits come back as they went (zero unsigned).
+  if (r < 1e15 && r > -1e15 && r == static_cast<double>(static_cast<int64_t>(r))) return r + 0.0;
+  return NumeroRelidoGeral(r);
+}
 // The calculation of a text with holes for values, parsed once. It gives
 // what CalculaNumero gives on the text with each hole filled with the digits
 // of a whole number of 0 or more: a hole is never next to a digit or a point,
@@ -32,14 +39,14 @@ class ArvoreCalculo {
   bool Calcula(const double* valores, double& r) const;
 
  private:
-  struct No {
+  // The tree in postfix order: each step pushes a value or works on the top.
+  struct Passo {
     char16_t op;  // 'n' number, 'v' hole, 'u' minus of one, or the operator
     double valor = 0;
-    int esq = -1, dir = -1;
   };
-  bool Avalia(int no, const double* valores, double& r) const;
-  std::vector<No> nos_;
-  int raiz_ = -1;
+  static constexpr size_t kMaxPilha = 32;
+  std::vector<Passo> passos_;
+  size_t pilha_ = 0;  // the deepest the stack goes
 };
 
 // True when a text is taken for arithmetic.

@@ -172,7 +172,18 @@ class Interpretador {
   std::unique_ptr<Planos> planos_;
   bool PodeTerChamadaUsuario(const Texto& texto) const;
   bool ResolveRef(const Texto& nome, RefVariavel& r);
-  bool IndiceRef(const RefVariavel& r, int64_t& i) const;
+  // The element a reference names now; false when out of range.
+  bool IndiceRef(const RefVariavel& r, int64_t& i) const {
+    if (!r.indiceVariavel) {
+      i = r.indice;
+    } else if (r.tipoIndice == TipoVariavel::Integer) {
+      i = variaveis.inteiros[static_cast<size_t>(r.posIndice)];
+    } else {
+      i = IndiceDecimal(variaveis.decimais[static_cast<size_t>(r.posIndice)]);
+    }
+    return i >= 0 && i < r.tamanho;
+  }
+  static int64_t IndiceDecimal(double x);
   bool LeRef(const RefVariavel& r, uint64_t geracao, Valor& v) const;
   void GravaRef(const RefVariavel& r, uint64_t geracao, const Valor& v);
   void PreparaValor(const Texto& texto, PlanoValor& p);
@@ -183,12 +194,37 @@ class Interpretador {
   bool ComandoNulo(const Texto& linha);
   void PreparaLinha(const Texto& texto, PlanoLinha& pl);
   Planos& PlanosDoTexto();
-  PlanoLinha* PlanoDe(const Texto& texto, int32_t numero, size_t pos, size_t fim);
+  // The plan of a statement of the main text, made or remade when stale; null
+  // when the statement isn't the main text's.
+  PlanoLinha* PlanoDe(const Texto& texto, int32_t numero, size_t pos, size_t fim) {
+    if (planos_ && &texto == &textoPrograma && planos_->dados == texto.data() &&
+        planos_->tamanho == texto.size() && static_cast<size_t>(numero) < planos_->linhas.size()) {
+      PlanoLinha* p = planos_->linhas[static_cast<size_t>(numero)].get();
+      if (p && p->pos == pos && p->fim == fim && p->geracao == variaveis.geracao) return p;
+    }
+    return PlanoNovo(texto, numero, pos, fim);
+  }
+  PlanoLinha* PlanoNovo(const Texto& texto, int32_t numero, size_t pos, size_t fim);
+  Destino DestinoApos(const Texto& texto, int32_t alvo, size_t de);
   size_t FimDaLinha(const Texto& texto, int32_t numero, size_t pos);
   size_t AchaMarca(const Texto& texto, int32_t numero, size_t de);
-  enum class Seguimento { Proximo, Salto, Generico, Fim };
-  Seguimento ExecutaPlano(const Texto& texto, PlanoLinha& pl, int32_t& numero, size_t& pos, size_t& fim,
-                          std::array<Texto, 21>& resultadoCondicao);
+  bool NumeroRapido(const PlanoValor& p, double& x, Valor::Tipo& tipo);
+  bool CalculoRapido(const PlanoValor& p, double& x);
+  const Texto* TextoRapido(const PlanoValor& p);
+  Veredito Julga(const PlanoCondicao& c, uint64_t geracao);
+  bool IncrementoRapido(PlanoLinha& pl);
+  bool CompostoRapido(PlanoLinha& pl);
+  bool AtribuicaoRapida(PlanoLinha& pl);
+  // Per If depth: whether the If's condition came out "FALSE" (its Else runs).
+  using CondicoesFalsas = std::array<bool, 21>;
+  enum class Seguimento { Proximo, Generico, Fim };
+  // Runs plans one after another from `pl` while the statements have one.
+  // Proximo: the statement at numero/pos/fim has none (the walk takes it);
+  // Generico: `pl` itself was left to the walk; Fim: the walk ends.
+  Seguimento CorrePlanos(const Texto& texto, PlanoLinha* pl, int32_t& numero, size_t& pos, size_t& fim,
+                         CondicoesFalsas& falsas);
+  // A planned statement that none of the fast ways took.
+  bool ExecutaPlanoGeral(PlanoLinha& pl);
 
   Host& host_;
   std::vector<std::unique_ptr<void, void (*)(void*)>> estados_;

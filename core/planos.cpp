@@ -56,17 +56,10 @@ bool Interpretador::ResolveRef(const Texto& nome, RefVariavel& r) {
   return true;
 }
 
-bool Interpretador::IndiceRef(const RefVariavel& r, int64_t& i) const {
-  if (!r.indiceVariavel) {
-    i = r.indice;
-  } else if (r.tipoIndice == TipoVariavel::Integer) {
-    i = variaveis.inteiros[r.posIndice];
-  } else {
-    // As a whole number; one out of range counts as 0.
-    double x = ArredondaPar(variaveis.decimais[r.posIndice]);
-    i = (x >= -2147483648.0 && x <= 2147483647.0) ? static_cast<int64_t>(x) : 0;
-  }
-  return i >= 0 && i < r.tamanho;
+int64_t Interpretador::IndiceDecimal(double x) {
+  // As a whole number; one out of range counts as 0.
+  x = ArredondaPar(x);
+  return (x >= -2147483648.0 && x <= 2147483647.0) ? static_cast<int64_t>(x) : 0;
 }
 
 bool Interpretador::LeRef(const RefVariavel& r, uint64_t geracao, Valor& v) const {
@@ -104,6 +97,56 @@ void Interpretador::GravaRef(const RefVariavel& r, uint64_t geracao, const Valor
     }
   } catch (const FalhaHost&) {
   }
+}
+
+// The value of an operand as a number, without making a Valor, when the walk
+// would surely get a number; `tipo` is the kind of value the walk would get.
+inline bool Interpretador::NumeroRapido(const PlanoValor& p, double& x, Valor::Tipo& tipo) {
+  if (p.tipo == PlanoValor::Tipo::Variavel) {
+    int64_t i;
+    if (p.var.tipo == TipoVariavel::String || !IndiceRef(p.var, i)) return false;
+    size_t k = static_cast<size_t>(p.var.inicio + i);
+    if (p.var.tipo == TipoVariavel::Integer) {
+      x = variaveis.inteiros[k];
+      tipo = Valor::Tipo::Int32;
+    } else {
+      x = variaveis.decimais[k];
+      tipo = Valor::Tipo::Double;
+    }
+    return true;
+  }
+  if (p.tipo == PlanoValor::Tipo::Numero) {
+    x = p.numero;
+    tipo = Valor::Tipo::Double;
+    return true;
+  }
+  if (p.tipo != PlanoValor::Tipo::Aritmetica || !p.temArvore) return false;
+  tipo = Valor::Tipo::Decimal;
+  return CalculoRapido(p, x);
+}
+
+bool Interpretador::CalculoRapido(const PlanoValor& p, double& x) {
+  double valores[kMaxBuracos];
+  for (size_t n = 0; n < p.refs.size(); ++n) {
+    const RefVariavel& r = p.refs[n];
+    int64_t i;
+    if (r.tipo != TipoVariavel::Integer || !IndiceRef(r, i)) return false;
+    int32_t v = variaveis.inteiros[static_cast<size_t>(r.inicio + i)];
+    if (v < 0) return false;
+    valores[n] = v;
+  }
+  double r;
+  x = p.arvore.Calcula(valores, r) ? NumeroRelido(r) : 0;
+  return true;
+}
+
+// The text of an operand that is surely a text, in place; null otherwise.
+const Texto* Interpretador::TextoRapido(const PlanoValor& p) {
+  if (p.tipo == PlanoValor::Tipo::Constante) return &p.constante;
+  int64_t i;
+  if (p.tipo != PlanoValor::Tipo::Variavel || p.var.tipo != TipoVariavel::String || !IndiceRef(p.var, i))
+    return nullptr;
+  return &variaveis.textos[static_cast<size_t>(p.var.inicio + i)];
 }
 
 // ---- Expressions and conditions ----------------------------------------------
@@ -234,6 +277,44 @@ void Interpretador::PreparaCondicao(const Texto& texto, PlanoCondicao& c) {
   c.relacoes = partes.relacoes;
   c.conectores = partes.conectores;
   c.lento = false;
+  const Texto& rel = c.relacoes[0];
+  c.simples = c.operandos.size() == 2 && n == 0 && !rel.empty();
+  c.relacao = rel == u"="    ? Relacao::Igual
+              : rel == u"<>" ? Relacao::Diferente
+              : rel == u"<"  ? Relacao::Menor
+              : rel == u">"  ? Relacao::Maior
+              : rel == u"<=" ? Relacao::MenorIgual
+                             : Relacao::MaiorIgual;
+}
+
+Veredito Interpretador::Julga(const PlanoCondicao& c, uint64_t geracao) {
+  if (c.simples) {
+    // Two numbers, or two texts, compare without the values' trip.
+    int cmp = 2;
+    double a, b;
+    Valor::Tipo ta, tb;
+    const Texto *sa, *sb;
+    if (NumeroRapido(c.operandos[0], a, ta) && NumeroRapido(c.operandos[1], b, tb)) {
+      cmp = a < b ? -1 : (a > b ? 1 : 0);
+    } else if ((sa = TextoRapido(c.operandos[0])) && (sb = TextoRapido(c.operandos[1]))) {
+      int r = sa->compare(*sb);
+      cmp = r < 0 ? -1 : (r > 0 ? 1 : 0);
+    }
+    if (cmp != 2) {
+      bool r;
+      switch (c.relacao) {
+        case Relacao::Igual: r = cmp == 0; break;
+        case Relacao::Diferente: r = cmp != 0; break;
+        case Relacao::Menor: r = cmp < 0; break;
+        case Relacao::Maior: r = cmp > 0; break;
+        case Relacao::MenorIgual: r = cmp <= 0; break;
+        default: r = cmp >= 0; break;
+      }
+      return r ? Veredito::Verdadeiro : Veredito::Falso;
+    }
+  }
+  Texto t = AvaliaCondicao(c, geracao);
+  return t == u"TRUE" ? Veredito::Verdadeiro : (t == u"FALSE" ? Veredito::Falso : Veredito::Outro);
 }
 
 Texto Interpretador::AvaliaCondicao(const PlanoCondicao& c, uint64_t geracao) {
@@ -435,7 +516,17 @@ size_t Interpretador::FimDaLinha(const Texto& texto, int32_t numero, size_t pos)
   return std::min(texto.find(CRLF, pos), texto.size());
 }
 
-PlanoLinha* Interpretador::PlanoDe(const Texto& texto, int32_t numero, size_t pos, size_t fim) {
+// Where the walk goes after statement `alvo`: the next number, searched
+// forward from `de`, as the walk searches it.
+Destino Interpretador::DestinoApos(const Texto& texto, int32_t alvo, size_t de) {
+  Destino d;
+  d.numero = alvo + 1;
+  d.pos = AchaMarca(texto, d.numero, de);
+  if (d.pos != NPOS) d.fim = std::min(texto.find(CRLF, d.pos), texto.size());
+  return d;
+}
+
+PlanoLinha* Interpretador::PlanoNovo(const Texto& texto, int32_t numero, size_t pos, size_t fim) {
   if (semPlanos || &texto != &textoPrograma || numero < 0 || numero > kMaxNumeroMarcador) return nullptr;
   Planos& planos = PlanosDoTexto();
   if (static_cast<size_t>(numero) >= planos.linhas.size()) planos.linhas.resize(numero + 1);
@@ -448,19 +539,122 @@ PlanoLinha* Interpretador::PlanoDe(const Texto& texto, int32_t numero, size_t po
     }
     pl->pos = pos;
     pl->fim = fim;
-    PreparaLinha(texto, *pl);
+    // What the plan looks up by name now must be looked up again when a
+    // variable of that name comes or goes.
+    variaveis.registra = true;
+    try {
+      PreparaLinha(texto, *pl);
+    } catch (...) {
+      variaveis.registra = false;
+      throw;
+    }
+    variaveis.registra = false;
+    using T = PlanoLinha::Tipo;
+    pl->numero = numero;
+    if (pl->tipo != T::Generico) pl->seguinte = DestinoApos(texto, numero, pos);
+    switch (pl->tipo) {
+      case T::While:
+      case T::Else:
+        if (pl->numeroSalto >= 0) pl->desvio = DestinoApos(texto, pl->numeroSalto, pos);
+        break;
+      case T::If:
+        pl->desvio = DestinoApos(texto, pl->numeroElse >= 0 ? pl->numeroElse : pl->numeroEndIf, pos);
+        break;
+      case T::Loop:
+        pl->desvio.numero = pl->numeroVolta;
+        pl->desvio.pos = pl->posVolta;
+        pl->desvio.fim = pl->fimVolta;
+        break;
+      default:
+        break;
+    }
   }
   return pl.get();
 }
 
-Interpretador::Seguimento Interpretador::ExecutaPlano(const Texto& texto, PlanoLinha& pl, int32_t& numero,
-                                                      size_t& pos, size_t& fim,
-                                                      std::array<Texto, 21>& resultadoCondicao) {
+// The fast ways of the commonest statements. Each gives up (false) where the
+// walk would show a box, throw or convert through text; the general way then
+// does it all again from the start, which is safe as nothing was changed.
+bool Interpretador::IncrementoRapido(PlanoLinha& pl) {
+  int64_t i;
+  if (pl.alvo.tipo == TipoVariavel::String || !IndiceRef(pl.alvo, i)) return false;
+  size_t k = static_cast<size_t>(pl.alvo.inicio + i);
+  if (pl.alvo.tipo == TipoVariavel::Integer) {
+    // Past the ends the store refuses the value and the variable stays.
+    int32_t& x = variaveis.inteiros[k];
+    if (pl.mais ? x < INT32_MAX : x > INT32_MIN) x += pl.mais ? 1 : -1;
+  } else {
+    variaveis.decimais[k] += pl.mais ? 1.0 : -1.0;
+  }
+  return true;
+}
+
+bool Interpretador::CompostoRapido(PlanoLinha& pl) {
+  int64_t i;
+  if (!IndiceRef(pl.alvo, i)) return false;
+  size_t k = static_cast<size_t>(pl.alvo.inicio + i);
+  if (pl.alvo.tipo == TipoVariavel::String) {
+    const Texto* d = pl.mais ? TextoRapido(pl.valor) : nullptr;
+    Texto& x = variaveis.textos[k];
+    if (!d || x.size() + d->size() > kMaxTexto) return false;
+    x += *d;
+    return true;
+  }
+  double y;
+  Valor::Tipo ty;
+  if (!NumeroRapido(pl.valor, y, ty)) return false;
+  if (pl.alvo.tipo == TipoVariavel::Integer) {
+    int32_t& x = variaveis.inteiros[k];
+    double r;
+    if (ty == Valor::Tipo::Int32) {
+      r = pl.mais ? double(x) + y : double(x) - y;  // exact: both whole and small
+    } else {
+      r = pl.mais ? x + y : x - y;
+      if (!std::isfinite(r)) return false;
+      r = ArredondaPar(r);
+    }
+    if (r >= -2147483648.0 && r <= 2147483647.0) x = static_cast<int32_t>(r);
+    return true;
+  }
+  double& x = variaveis.decimais[k];
+  double r = pl.mais ? x + y : x - y;
+  if (!std::isfinite(r)) return false;
+  x = r;
+  return true;
+}
+
+bool Interpretador::AtribuicaoRapida(PlanoLinha& pl) {
+  int64_t i;
+  if (pl.partes.size() != 1 || !IndiceRef(pl.alvo, i)) return false;
+  size_t k = static_cast<size_t>(pl.alvo.inicio + i);
+  const PlanoValor& p = pl.partes[0];
+  if (pl.alvo.tipo == TipoVariavel::String) {
+    const Texto* t = TextoRapido(p);
+    if (!t || t->size() > kMaxTexto) return false;
+    variaveis.textos[k] = *t;
+    forcaTexto = false;
+    return true;
+  }
+  double x;
+  Valor::Tipo tx;
+  if (!NumeroRapido(p, x, tx)) return false;
+  // Whole values go straight in; others make the trip through their text.
+  if (tx != Valor::Tipo::Int32 && x != std::trunc(x)) return false;
+  if (pl.alvo.tipo == TipoVariavel::Integer) {
+    if (!(std::fabs(x) < 2147483648.0)) return false;
+    variaveis.inteiros[k] = static_cast<int32_t>(x);
+  } else {
+    if (tx != Valor::Tipo::Int32 && !(std::fabs(x) < 1e15)) return false;
+    variaveis.decimais[k] = x + 0.0;
+  }
+  forcaTexto = false;
+  return true;
+}
+
+bool Interpretador::ExecutaPlanoGeral(PlanoLinha& pl) {
   using T = PlanoLinha::Tipo;
   const uint64_t g = pl.geracao;
   switch (pl.tipo) {
-    case T::Generico:
-      return Seguimento::Generico;
     case T::Incremento: {
       Valor v;
       if (!LeRef(pl.alvo, g, v)) v = LeVariavel(pl.alvo.nome);
@@ -501,45 +695,90 @@ Interpretador::Seguimento Interpretador::ExecutaPlano(const Texto& texto, PlanoL
       forcaTexto = false;
       break;
     }
-    case T::While:
-      if (AvaliaCondicao(pl.condicao, g) != u"TRUE") numero = pl.numeroSalto;
-      break;
-    case T::Loop:
-      pos = pl.posVolta;
-      fim = pl.fimVolta;
-      numero = pl.numeroVolta;
-      return Seguimento::Salto;
-    case T::EndIf:
-      resultadoCondicao[pl.profundidade].clear();
-      break;
-    case T::If: {
-      Texto v = AvaliaCondicao(pl.condicao, g);
-      resultadoCondicao[pl.profundidade] = v;
-      if (v != u"TRUE") {
-        if (pl.numeroElse >= 0) {
-          numero = pl.numeroElse;
-        } else {
-          numero = pl.numeroEndIf;
-          resultadoCondicao[pl.profundidade].clear();
-        }
-      }
-      break;
-    }
-    case T::Else:
-      if (resultadoCondicao[pl.profundidade] != u"FALSE") {
-        if (pl.numeroSalto < 0) return Seguimento::Generico;
-        numero = pl.numeroSalto;
-        resultadoCondicao[pl.profundidade].clear();
-      }
-      break;
+    default:
+      return false;
   }
-  // The next statement: the next number, searched forward from here.
-  ++numero;
-  size_t prox = AchaMarca(texto, numero, pos);
-  if (prox == NPOS) return Seguimento::Fim;
-  pos = prox;
-  fim = FimDaLinha(texto, numero, pos);
-  return Seguimento::Proximo;
+  return true;
+}
+
+Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLinha* pl, int32_t& numero,
+                                                     size_t& pos, size_t& fim, CondicoesFalsas& falsas) {
+  using T = PlanoLinha::Tipo;
+  // Keeps a plan from being remade under this walk by a walk it starts.
+  struct EmUso {
+    PlanoLinha* p;
+    explicit EmUso(PlanoLinha* x) : p(x) { ++p->emUso; }
+    ~EmUso() { --p->emUso; }
+  };
+  for (;;) {
+    editorAtual = pl->editor;
+    linhaAtual = pl->linha;
+    bool desvia = false;
+    switch (pl->tipo) {
+      case T::Generico:
+        return Seguimento::Generico;
+      case T::Incremento:
+        if (!IncrementoRapido(*pl)) {
+          EmUso u(pl);
+          ExecutaPlanoGeral(*pl);
+        }
+        break;
+      case T::Composto:
+        if (!CompostoRapido(*pl)) {
+          EmUso u(pl);
+          ExecutaPlanoGeral(*pl);
+        }
+        break;
+      case T::Atribuicao:
+        if (!AtribuicaoRapida(*pl)) {
+          EmUso u(pl);
+          ExecutaPlanoGeral(*pl);
+        }
+        break;
+      case T::While: {
+        EmUso u(pl);
+        desvia = Julga(pl->condicao, pl->geracao) != Veredito::Verdadeiro;
+        break;
+      }
+      case T::Loop:
+        desvia = true;
+        break;
+      case T::EndIf:
+        falsas[pl->profundidade] = false;
+        break;
+      case T::If: {
+        EmUso u(pl);
+        Veredito v = Julga(pl->condicao, pl->geracao);
+        falsas[pl->profundidade] = v == Veredito::Falso;
+        if (v != Veredito::Verdadeiro) {
+          desvia = true;
+          if (pl->numeroElse < 0) falsas[pl->profundidade] = false;
+        }
+        break;
+      }
+      case T::Else:
+        if (!falsas[pl->profundidade]) {
+          if (pl->numeroSalto < 0) return Seguimento::Generico;
+          desvia = true;
+          falsas[pl->profundidade] = false;
+        }
+        break;
+    }
+    const Destino& d = desvia ? pl->desvio : pl->seguinte;
+    if (d.pos == NPOS) return Seguimento::Fim;
+    numero = d.numero;
+    pos = d.pos;
+    fim = d.fim;
+    pl = PlanoDe(texto, numero, pos, fim);
+    if (!pl || pl->tipo == T::Generico) return Seguimento::Proximo;
+    // What the walk checks before every statement.
+    if (!executando || janelaFechada || pararPrograma || abortado) return Seguimento::Fim;
+    if (limiteInstrucoes > 0 && ++instrucoesExecutadas > limiteInstrucoes) {
+      limiteAtingido = true;
+      abortado = true;
+      return Seguimento::Fim;
+    }
+  }
 }
 
 }  // namespace zv

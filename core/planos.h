@@ -48,11 +48,26 @@ struct PlanoValor {
   ArvoreCalculo arvore;
 };
 
+// The relation of a comparison, as ComparaValores reads it.
+enum class Relacao : uint8_t { Igual, Diferente, Menor, Maior, MenorIgual, MaiorIgual };
+
+// What a condition came to: "TRUE", "FALSE" or anything else.
+enum class Veredito : uint8_t { Verdadeiro, Falso, Outro };
+
 struct PlanoCondicao {
   bool lento = true;
+  bool simples = false;  // one comparison with a relation
+  Relacao relacao = Relacao::Igual;
   Texto fonte;
   std::array<Texto, 51> relacoes, conectores;
   std::vector<PlanoValor> operandos;  // in pairs
+};
+
+// Where the walk goes next: a statement number, its marker and line end;
+// pos NPOS is the end of the text.
+struct Destino {
+  int32_t numero = 0;
+  size_t pos = NPOS, fim = 0;
 };
 
 struct PlanoLinha {
@@ -61,6 +76,7 @@ struct PlanoLinha {
   size_t pos = NPOS, fim = 0;
   uint64_t geracao = 0;
   int emUso = 0;  // walks running it now: a remade plan mustn't pull it from under them
+  int32_t numero = 0;
   int32_t editor = 0, linha = 0;
   bool mais = true;             // ++ or +=
   RefVariavel alvo;             // Incremento, Composto, Atribuicao
@@ -73,6 +89,8 @@ struct PlanoLinha {
   // Loop: where the walk goes back to.
   size_t posVolta = 0, fimVolta = 0;
   int32_t numeroVolta = 0;
+  // The next statement, and the one after a jump, found once.
+  Destino seguinte, desvio;
 };
 
 // The plans of the main text, by statement number, and an index of where

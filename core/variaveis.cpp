@@ -49,6 +49,7 @@ size_t Variaveis::TamanhoValores(TipoVariavel t) const {
 }
 
 int32_t Variaveis::Acha(const Texto& chave) {
+  if (registra) consultados_.insert(chave);
   auto it = indice_.find(chave);
   if (it == indice_.end()) return -1;
   const Local& l = it->second.first;
@@ -87,7 +88,7 @@ void Variaveis::Cria(TextoV nome, TextoV tipo, int32_t tamanho) {
       break;
   }
   d.push_back(e);
-  ++geracao;
+  if (Consultado(d.back().nome)) ++geracao;
   auto [it, novo] = indice_.try_emplace(d.back().nome);
   if (novo) {
     it->second = {Local{uint8_t(t), uint32_t(d.size() - 1)}, 1};
@@ -119,6 +120,8 @@ bool Variaveis::Remove(TextoV nome) {
   if (it == indice_.end()) return false;
   Local l = it->second.first;
   auto& d = dir_[l.tipo];
+  // Only the last entry of a directory leaves the others' values in place.
+  if (l.indice + 1 != d.size() || Consultado(chave)) ++geracao;
   int32_t f = d[l.indice].inicio, s = d[l.indice].tamanho;
   d.erase(d.begin() + l.indice);
   for (size_t i = l.indice; i < d.size(); ++i) {
@@ -144,7 +147,6 @@ bool Variaveis::Remove(TextoV nome) {
   else
     Reindexa(chave);
   entradaEncontrada = nullptr;
-  ++geracao;
   return true;
 }
 
@@ -155,6 +157,7 @@ void Variaveis::Limpa() {
   inteiros.clear();
   decimais.clear();
   indice_.clear();
+  consultados_.clear();
   entradaEncontrada = nullptr;
 }
 

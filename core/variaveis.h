@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "core/texto.h"
@@ -40,9 +41,13 @@ class Variaveis {
   bool Remove(TextoV nome);
   void Limpa();
 
-  // Changes whenever a name comes or goes (values may move then): what was
-  // found by name before is stale when it differs.
+  // Changes when a name comes or goes in a way that alters an earlier lookup
+  // made while `registra` was on (a name found or missed then), or moves
+  // values: what was found by name then is stale when it differs. A routine's
+  // own names, created and removed last-in first-out, leave it alone.
   uint64_t geracao = 1;
+  // Lookups made while this is on are remembered until Limpa.
+  bool registra = false;
 
   const std::vector<EntradaVariavel>& Diretorio(TipoVariavel t) const { return dir_[int(t)]; }
   std::vector<Texto> textos;      // ValoresTexto
@@ -56,12 +61,14 @@ class Variaveis {
     uint32_t indice;  // in its directory
   };
   int32_t Acha(const Texto& chave);
+  bool Consultado(const Texto& chave) const { return consultados_.count(chave) != 0; }
   void Reindexa(const Texto& chave);
 
   std::vector<EntradaVariavel> dir_[3];
   // First entry of each stored name in search order (String, Integer,
   // Decimal, each by declaration), and how many entries carry that name.
   std::unordered_map<Texto, std::pair<Local, uint32_t>> indice_;
+  std::unordered_set<Texto> consultados_;
 };
 
 }  // namespace zv
