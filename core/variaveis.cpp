@@ -55,6 +55,7 @@ int32_t Variaveis::Acha(const Texto& chave) {
   const Local& l = it->second.first;
   tipoEncontrado = static_cast<TipoVariavel>(l.tipo);
   entradaEncontrada = &dir_[l.tipo][l.indice];
+  if (registra) dir_[l.tipo][l.indice].consultado = true;
   return entradaEncontrada->inicio;
 }
 
@@ -120,8 +121,10 @@ bool Variaveis::Remove(TextoV nome) {
   if (it == indice_.end()) return false;
   Local l = it->second.first;
   auto& d = dir_[l.tipo];
-  // Only the last entry of a directory leaves the others' values in place.
-  if (l.indice + 1 != d.size() || Consultado(chave)) ++geracao;
+  // What was found before moves down when it stands behind this entry.
+  bool muda = Consultado(chave);
+  for (size_t i = l.indice; i < d.size() && !muda; ++i) muda = d[i].consultado;
+  if (muda) ++geracao;
   int32_t f = d[l.indice].inicio, s = d[l.indice].tamanho;
   d.erase(d.begin() + l.indice);
   for (size_t i = l.indice; i < d.size(); ++i) {

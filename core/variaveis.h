@@ -23,6 +23,7 @@ struct EntradaVariavel {
   Texto nome;
   int32_t inicio = 0;
   int32_t tamanho = 1;
+  bool consultado = false;  // found while lookups were remembered
 };
 
 class Variaveis {
