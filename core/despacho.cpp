@@ -299,28 +299,33 @@ bool PodeTerChamadaInterna(const Texto& texto) {
   return !t.empty() && PalavraChamada(t, PalavrasComoTexto().data(), kTotalPalavras) >= 0;
 }
 
-bool Interpretador::AchaFuncaoInterna(const Texto& texto, Texto par[2]) {
-  par[0].clear();
-  par[1].clear();
+int AchaChamadaInterna(const Texto& texto, Texto& nome, Texto& argumentos) {
+  nome.clear();
+  argumentos.clear();
   Texto t = TextoDeChamada(texto);
   int k = t.empty() ? -1 : PalavraChamada(t, PalavrasComoTexto().data(), kTotalPalavras);
-  if (k >= 0) {
-    TextoV kw = kPalavrasChave[k];
-    Texto m = MarcaParenteses(t);
-    size_t q = m.find(kw);
-    size_t w = q;
-    while (w < m.size() && ELetraDeNome(m[w])) ++w;
-    Texto nome = Apara(TextoV(m).substr(q, w - q));
-    size_t fim;
-    if (!ArgumentosMarcados(m, q, nome.size(), par[1], fim)) {
-      CaixaCritica(u"Error in command " + t + CR + CR + u"Make sure you put the arguments in parentheses!");
-      par[1].clear();
-      return false;
-    }
-    par[0] = nome;
-    return true;
+  if (k < 0) return 0;
+  TextoV kw = kPalavrasChave[k];
+  Texto m = MarcaParenteses(t);
+  size_t q = m.find(kw);
+  size_t w = q;
+  while (w < m.size() && ELetraDeNome(m[w])) ++w;
+  Texto n = Apara(TextoV(m).substr(q, w - q));
+  size_t fim;
+  if (!ArgumentosMarcados(m, q, n.size(), argumentos, fim)) {
+    argumentos.clear();
+    return -1;
   }
-  return false;
+  nome = std::move(n);
+  return 1;
+}
+
+bool Interpretador::AchaFuncaoInterna(const Texto& texto, Texto par[2]) {
+  int r = AchaChamadaInterna(texto, par[0], par[1]);
+  if (r < 0)
+    CaixaCritica(u"Error in command " + TextoDeChamada(texto) + CR + CR +
+                 u"Make sure you put the arguments in parentheses!");
+  return r > 0;
 }
 
 void Interpretador::ExecutaFuncaoInterna(Texto& texto, const Texto par[2], bool& numerico) {

@@ -49,6 +49,9 @@ using GanchoNewWindow = void (*)(Interpretador& zv, const Texto& argumentos);
 // Hook of an assignment "x = SQL(...TOTALRECORDS...)": the three upper-case
 // names; gives the row count.
 using GanchoTotalSQL = Valor (*)(Interpretador& zv, const Texto& a, const Texto& b, const Texto& c);
+// The part of a text that SubStr gives for a 1-based start and a length;
+// false where SubStr fails.
+using GanchoTrecho = bool (*)(TextoV texto, int64_t inicio, int64_t tamanho, TextoV& trecho);
 
 // Process-wide table of routines, filled once before any run.
 class TabelaComandos {
@@ -65,6 +68,8 @@ class TabelaComandos {
   GanchoDB db = nullptr;
   GanchoNewWindow newWindow = nullptr;
   GanchoTotalSQL totalSql = nullptr;
+  // Set beside SubStr's routine so that plans may cut texts the same way.
+  GanchoTrecho trecho = nullptr;
 
  private:
   std::array<DefinicaoComando, kTotalPalavras> definicoes_{};
@@ -94,6 +99,10 @@ bool TemChamadaPreAvaliada(TextoV maiusculo);
 // True when AchaFuncaoInterna could find a call in the text (or complain of
 // one): a keyword followed by "(" or a blank. Shows nothing.
 bool PodeTerChamadaInterna(const Texto& texto);
+// The call AchaFuncaoInterna finds in a text, its name and its arguments:
+// 1 found, 0 none, -1 found without its parentheses (AchaFuncaoInterna
+// complains of that).
+int AchaChamadaInterna(const Texto& texto, Texto& nome, Texto& argumentos);
 // The first of `total` names, in their order, whose first place in `t` has
 // "(" or a blank behind it; -1 when none does. Empty names are skipped.
 int PalavraChamada(const Texto& t, const Texto* nomes, size_t total);

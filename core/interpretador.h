@@ -215,6 +215,8 @@ class Interpretador {
   bool IncrementoRapido(PlanoLinha& pl);
   bool CompostoRapido(PlanoLinha& pl);
   bool AtribuicaoRapida(PlanoLinha& pl);
+  void PreparaSubStr(const Texto& dir, PlanoLinha& pl);
+  bool SubStrRapido(PlanoLinha& pl);
   // Per If depth: whether the If's condition came out "FALSE" (its Else runs).
   using CondicoesFalsas = std::array<bool, 21>;
   enum class Seguimento { Proximo, Generico, Fim };

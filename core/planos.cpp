@@ -342,7 +342,11 @@ void Interpretador::PreparaAtribuicao(const Texto& linha, const Texto& nome, Pla
   Texto maius = Maiusculas(linha);
   for (const char16_t* w : {u"CHR(", u"JOIN(", u"FORMAT(", u"DIRECTORY(", u"SQL("})
     if (Contem(maius, w)) return;
-  if (Contem(dir, u" & ") || PodeTerChamadaUsuario(dir) || PodeTerChamadaInterna(dir)) return;
+  if (Contem(dir, u" & ") || PodeTerChamadaUsuario(dir)) return;
+  if (PodeTerChamadaInterna(dir)) {
+    if (ResolveRef(nome, pl.alvo) && pl.alvo.tipo == TipoVariavel::String) PreparaSubStr(dir, pl);
+    return;
+  }
   if (TemChamadaPreAvaliada(Maiusculas(Apara(dir)))) return;
   std::vector<Texto> partes;
   try {
@@ -357,6 +361,70 @@ void Interpretador::PreparaAtribuicao(const Texto& linha, const Texto& nome, Pla
     PreparaValor(p, pl.partes.back());
   }
   pl.tipo = PlanoLinha::Tipo::Atribuicao;
+}
+
+// "text = SubStr(source, start[, length])": the whole right side one call
+// of SubStr on a String variable, with numbers for start and length.
+void Interpretador::PreparaSubStr(const Texto& dir, PlanoLinha& pl) {
+  Texto nome, args;
+  if (!Comandos().trecho || AchaChamadaInterna(dir, nome, args) != 1 || nome != u"SubStr") return;
+  if (LimpaParenteses(dir) != u"SubStr(" + args + u")" || args.find_first_of(u"()\"[]") != NPOS) return;
+  // With arguments that name a variable only one character would be kept.
+  if (PosicaoVariavel(Apara(args)) >= 0) return;
+  std::vector<Texto> a;
+  try {
+    a = SeparaArgumentos(args, 6);
+  } catch (const FalhaHost&) {
+    return;
+  }
+  size_t n = 0;
+  while (n < a.size() && !a[n].empty()) ++n;
+  if (n < 2 || n > 3) return;
+  for (size_t i = n; i < a.size(); ++i)
+    if (!a[i].empty()) return;
+  if (PodeTerChamadaUsuario(a[0]) || PodeTerChamadaInterna(a[0]) || PosicaoVariavel(a[0]) < 0) return;
+  if (!ResolveRef(a[0], pl.fonte) || pl.fonte.tipo != TipoVariavel::String) return;
+  for (size_t i = 1; i < n; ++i) {
+    pl.partes.emplace_back();
+    PlanoValor& p = pl.partes.back();
+    PreparaValor(a[i], p);
+    bool numero = p.tipo == PlanoValor::Tipo::Numero || p.tipo == PlanoValor::Tipo::Aritmetica ||
+                  (p.tipo == PlanoValor::Tipo::Variavel && p.var.tipo != TipoVariavel::String);
+    if (!numero) return;
+  }
+  pl.tipo = PlanoLinha::Tipo::SubStr;
+}
+
+bool Interpretador::SubStrRapido(PlanoLinha& pl) {
+  int64_t i, k;
+  if (!IndiceRef(pl.fonte, i) || !IndiceRef(pl.alvo, k)) return false;
+  const Texto& t = variaveis.textos[static_cast<size_t>(pl.fonte.inicio + i)];
+  int64_t limites[2] = {0, static_cast<int64_t>(t.size())};
+  for (size_t n = 0; n < pl.partes.size(); ++n) {
+    // As a whole number, the way the argument reaches SubStr.
+    double x;
+    Valor::Tipo tx;
+    if (!NumeroRapido(pl.partes[n], x, tx)) return false;
+    if (tx != Valor::Tipo::Int32) x = ArredondaPar(x);
+    if (!(x >= -2147483648.0 && x <= 2147483647.0)) return false;
+    limites[n] = static_cast<int64_t>(x);
+  }
+  TextoV r;
+  if (!Comandos().trecho(t, limites[0], limites[1], r)) return false;
+  // The result comes back quoted and is read again as a value: only a plain
+  // one that no variable is named after reads back as itself.
+  if (r.find_first_of(u"\",()[] ") != TextoV::npos) return false;
+  if (r.size() + 2 <= 50) {
+    Texto aspas;
+    aspas.reserve(r.size() + 2);
+    aspas += u'"';
+    aspas += r;
+    aspas += u'"';
+    if (variaveis.Posicao(aspas) >= 0) return false;
+  }
+  variaveis.textos[static_cast<size_t>(pl.alvo.inicio + k)].assign(r.data(), r.size());
+  forcaTexto = false;
+  return true;
 }
 
 // True when ExecutaComando would do nothing with the line (an EndIf).
@@ -734,6 +802,9 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
           EmUso u(pl);
           ExecutaPlanoGeral(*pl);
         }
+        break;
+      case T::SubStr:
+        if (!SubStrRapido(*pl)) return Seguimento::Generico;
         break;
       case T::While: {
         EmUso u(pl);

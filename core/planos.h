@@ -71,7 +71,7 @@ struct Destino {
 };
 
 struct PlanoLinha {
-  enum class Tipo : uint8_t { Generico, Incremento, Composto, While, Loop, If, Else, EndIf, Atribuicao };
+  enum class Tipo : uint8_t { Generico, Incremento, Composto, While, Loop, If, Else, EndIf, Atribuicao, SubStr };
   Tipo tipo = Tipo::Generico;
   size_t pos = NPOS, fim = 0;
   uint64_t geracao = 0;
@@ -81,7 +81,8 @@ struct PlanoLinha {
   bool mais = true;             // ++ or +=
   RefVariavel alvo;             // Incremento, Composto, Atribuicao
   PlanoValor valor;             // Composto
-  std::vector<PlanoValor> partes;  // Atribuicao
+  std::vector<PlanoValor> partes;  // Atribuicao; SubStr: its start and length
+  RefVariavel fonte;               // SubStr: the text it cuts
   PlanoCondicao condicao;       // While, If
   int profundidade = 0;         // If, Else, EndIf: the depth tag
   int32_t numeroSalto = -1;     // While false: the Loop; Else: the EndIf

@@ -83,14 +83,21 @@ Valor JoinStr(Interpretador& zv, const Texto& argumentos) {
   return Valor::TextoComAspas(r);
 }
 
+bool Trecho(TextoV t, int64_t inicio, int64_t tamanho, TextoV& r) {
+  if (inicio < 1 || tamanho < 0) return false;
+  r = inicio > static_cast<int64_t>(t.size()) ? TextoV()
+                                               : t.substr(static_cast<size_t>(inicio - 1), static_cast<size_t>(tamanho));
+  return true;
+}
+
 Valor SubStr(Interpretador& zv, const Texto& argumentos) {
   auto a = zv.SeparaArgumentos(argumentos, 6);
   Texto t = ArgTexto(zv, a, 0);
   int64_t inicio = ArgInt32(zv, a, 1);
   int64_t tamanho = Presente(a, 2) ? ArgInt32(zv, a, 2) : static_cast<int64_t>(t.size());
-  if (inicio < 1 || tamanho < 0) throw FalhaHost(falha::ChamadaInvalida);
-  if (inicio > static_cast<int64_t>(t.size())) return Valor::TextoComAspas(u"");
-  return Valor::TextoComAspas(TextoV(t).substr(static_cast<size_t>(inicio - 1), static_cast<size_t>(tamanho)));
+  TextoV r;
+  if (!Trecho(t, inicio, tamanho, r)) throw FalhaHost(falha::ChamadaInvalida);
+  return Valor::TextoComAspas(r);
 }
 
 Valor StrLen(Interpretador& zv, const Texto& argumentos) {
@@ -197,6 +204,7 @@ void RegistraTextos() {
   TabelaComandos& c = Comandos();
   c.Define(u"JoinStr", JoinStr);
   c.Define(u"SubStr", SubStr);
+  c.trecho = Trecho;
   c.Define(u"StrLen", StrLen);
   c.Define(u"StrPos", StrPos);
   c.Define(u"RepStr", RepStr);
