@@ -1,5 +1,6 @@
 #include "core/despacho.h"
 
+#include <array>
 #include <unordered_map>
 
 #include "core/interpretador.h"
@@ -294,16 +295,53 @@ const std::vector<Texto>& PalavrasComoTexto() {
 
 }  // namespace
 
+// By first character: the keywords that can start at each place of the
+// text, tried in the table's order. It finds each keyword's first place as
+// find does, so the answer is PalavraChamada's.
+int PalavraChamadaChave(const Texto& t) {
+  struct Indice {
+    std::array<std::vector<uint8_t>, 128> porInicial;
+    bool completo = true;  // every keyword starts with an ASCII character
+    Indice() {
+      static_assert(kTotalPalavras <= 256);
+      for (int k = 0; k < kTotalPalavras; ++k) {
+        TextoV kw = kPalavrasChave[k];
+        if (kw.empty()) continue;
+        if (kw[0] >= 128) completo = false;
+        else porInicial[kw[0]].push_back(static_cast<uint8_t>(k));
+      }
+    }
+  };
+  static const Indice ind;
+  if (!ind.completo) return PalavraChamada(t, PalavrasComoTexto().data(), kTotalPalavras);
+  int melhor = kTotalPalavras;
+  std::array<bool, kTotalPalavras> visto{};
+  for (size_t p = 0; p < t.size(); ++p) {
+    char16_t c = t[p];
+    if (c >= 128) continue;
+    for (uint8_t k : ind.porInicial[c]) {
+      if (k >= melhor) break;
+      if (visto[k]) continue;
+      TextoV kw = kPalavrasChave[k];
+      if (t.compare(p, kw.size(), kw.data(), kw.size()) != 0) continue;
+      visto[k] = true;  // its first place: the only one find would look at
+      size_t e = p + kw.size();
+      if (e < t.size() && (t[e] == u'(' || t[e] == u' ')) melhor = k;
+    }
+  }
+  return melhor == kTotalPalavras ? -1 : melhor;
+}
+
 bool PodeTerChamadaInterna(const Texto& texto) {
   Texto t = TextoDeChamada(texto);
-  return !t.empty() && PalavraChamada(t, PalavrasComoTexto().data(), kTotalPalavras) >= 0;
+  return !t.empty() && PalavraChamadaChave(t) >= 0;
 }
 
 int AchaChamadaInterna(const Texto& texto, Texto& nome, Texto& argumentos) {
   nome.clear();
   argumentos.clear();
   Texto t = TextoDeChamada(texto);
-  int k = t.empty() ? -1 : PalavraChamada(t, PalavrasComoTexto().data(), kTotalPalavras);
+  int k = t.empty() ? -1 : PalavraChamadaChave(t);
   if (k < 0) return 0;
   TextoV kw = kPalavrasChave[k];
   Texto m = MarcaParenteses(t);

@@ -106,6 +106,8 @@ int AchaChamadaInterna(const Texto& texto, Texto& nome, Texto& argumentos);
 // The first of `total` names, in their order, whose first place in `t` has
 // "(" or a blank behind it; -1 when none does. Empty names are skipped.
 int PalavraChamada(const Texto& t, const Texto* nomes, size_t total);
+// The same over the keywords of kPalavrasChave, without a search per keyword.
+int PalavraChamadaChave(const Texto& t);
 // True when dispatching this name would run nothing.
 bool DespachoSemEfeito(TextoV nome);
 

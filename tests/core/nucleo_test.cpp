@@ -150,6 +150,36 @@ TEST(Despacho, NestingTags) {
   EXPECT_EQ(Texto(kPalavrasChave[141]), u"Sound");
 }
 
+// The keyword search by first character finds what a search per keyword in
+// the table's order finds, on texts made of keywords, their pieces and the
+// characters that follow a call.
+TEST(Despacho, KeywordSearchByInitialAgreesWithTheTableOrder) {
+  std::vector<Texto> tabela(kPalavrasChave.begin(), kPalavrasChave.end());
+  const Texto extras[] = {u"(", u" ", u"x", u"1", u",", u"\"", u")", u"Sub", u"Str", u"Int", u"ab"};
+  uint32_t semente = 12345;
+  auto proximo = [&semente] {
+    semente = semente * 1103515245u + 12345u;
+    return (semente >> 8) & 0xFFFF;
+  };
+  int achados = 0;
+  for (int caso = 0; caso < 20000; ++caso) {
+    Texto t;
+    int pecas = 1 + static_cast<int>(proximo() % 6);
+    for (int i = 0; i < pecas; ++i) {
+      if (proximo() % 2) {
+        Texto kw(kPalavrasChave[proximo() % kPalavrasChave.size()]);
+        t += proximo() % 4 ? kw : kw.substr(0, kw.size() / 2 + 1);
+      } else {
+        t += extras[proximo() % std::size(extras)];
+      }
+    }
+    int esperado = PalavraChamada(t, tabela.data(), tabela.size());
+    ASSERT_EQ(PalavraChamadaChave(t), esperado) << "text: " << std::string(t.begin(), t.end());
+    achados += esperado >= 0;
+  }
+  EXPECT_GT(achados, 1000);  // the texts do hold calls
+}
+
 class Run : public ::testing::Test {
  protected:
   HostConsole host{stdout};
