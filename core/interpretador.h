@@ -171,6 +171,8 @@ class Interpretador {
   // ---- Plans of the main text's statements (see planos.h) -----------------
   std::unique_ptr<Planos> planos_;
   bool PodeTerChamadaUsuario(const Texto& texto) const;
+  // A Function's stretch and parameters, found once per prepared text.
+  const ModeloFuncao* ModeloDe(const Texto& nome);
   bool ResolveRef(const Texto& nome, RefVariavel& r);
   // The element a reference names now; false when out of range.
   bool IndiceRef(const RefVariavel& r, int64_t& i) const {

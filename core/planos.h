@@ -9,6 +9,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 #include "core/expressao.h"
@@ -94,9 +95,17 @@ struct PlanoLinha {
   Destino seguinte, desvio;
 };
 
+// What every call of a Function finds the same in the main text: its
+// stretch and its parameter list.
+struct ModeloFuncao {
+  Texto trecho;                   // "Function ..." through its EndFunction line
+  std::vector<Texto> parametros;  // the items of the head's list
+};
+
 // The plans of the main text, by statement number, and an index of where
 // each statement marker stands.
 struct Planos {
+  std::unordered_map<Texto, ModeloFuncao> funcoes;
   std::vector<std::unique_ptr<PlanoLinha>> linhas;
   std::vector<std::unique_ptr<PlanoLinha>> aposentados;  // remade while in use
   std::vector<uint32_t> primeiraMarca;                 // by number; UINT32_MAX: none

@@ -164,19 +164,53 @@ void TrocaNome(Texto& texto, const Texto& velho, const Texto& novo) {
   }
 }
 
+const ModeloFuncao* Interpretador::ModeloDe(const Texto& nome) {
+  if (semPlanos) return nullptr;
+  auto& funcoes = PlanosDoTexto().funcoes;
+  if (auto it = funcoes.find(nome); it != funcoes.end()) return &it->second;
+  // Only a head that reads well is kept; any fault is met again the long way.
+  size_t h = textoPrograma.find(u"Function " + nome);
+  if (h == NPOS) return nullptr;
+  size_t e = AchaFimRotina(textoPrograma, u"EndFunction", h);
+  if (e == NPOS) return nullptr;
+  ModeloFuncao m;
+  m.trecho = Trecho(textoPrograma, h, e);
+  size_t a = m.trecho.find(u'('), b = m.trecho.find(u')');
+  if (a == NPOS || b == NPOS || b < a) return nullptr;
+  try {
+    for (Texto& f : SeparaArgumentos(m.trecho.substr(a + 1, b - a - 1), 21)) {
+      if (f.empty()) break;
+      if (f.find(u' ') == NPOS) return nullptr;
+      m.parametros.push_back(std::move(f));
+    }
+  } catch (const FalhaHost&) {
+    return nullptr;
+  }
+  return &funcoes.emplace(nome, std::move(m)).first->second;
+}
+
 Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos) {
   std::vector<Texto> remover;
   try {
-    size_t h = textoPrograma.find(u"Function " + nome);
-    if (h == NPOS) {
-      CaixaCritica(u"Function not found: " + nome);
-      throw FalhaHost(falha::ChamadaInvalida);
+    const ModeloFuncao* modelo = ModeloDe(nome);
+    Texto trecho;
+    std::vector<Texto> parametros;
+    if (modelo) {
+      trecho = modelo->trecho;
+      parametros = modelo->parametros;
+    } else {
+      size_t h = textoPrograma.find(u"Function " + nome);
+      if (h == NPOS) {
+        CaixaCritica(u"Function not found: " + nome);
+        throw FalhaHost(falha::ChamadaInvalida);
+      }
+      size_t e = AchaFimRotina(textoPrograma, u"EndFunction", h);
+      if (e == NPOS) throw FalhaHost(falha::ChamadaInvalida);
+      trecho = Trecho(textoPrograma, h, e);
+      size_t a = trecho.find(u'('), b = trecho.find(u')');
+      if (a == NPOS || b == NPOS || b < a) throw FalhaHost(falha::ChamadaInvalida);
+      parametros = SeparaArgumentos(trecho.substr(a + 1, b - a - 1), 21);
     }
-    size_t e = AchaFimRotina(textoPrograma, u"EndFunction", h);
-    if (e == NPOS) throw FalhaHost(falha::ChamadaInvalida);
-    Texto trecho = Trecho(textoPrograma, h, e);
-    size_t a = trecho.find(u'('), b = trecho.find(u')');
-    if (a == NPOS || b == NPOS || b < a) throw FalhaHost(falha::ChamadaInvalida);
     Texto contador = InteiroParaTexto(contadorChamadas);
     std::vector<Texto> locais, gerados;
     // Each parameter and local gets a global of a generated name.
@@ -190,7 +224,7 @@ Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos) {
       locais.push_back(local);
       gerados.push_back(gerado);
     };
-    for (const Texto& f : SeparaArgumentos(trecho.substr(a + 1, b - a - 1), 21)) {
+    for (const Texto& f : parametros) {
       if (f.empty()) break;
       declara(f);
     }
