@@ -98,7 +98,7 @@ struct PlanoLinha {
 // What every call of a Function finds the same in the main text: its
 // stretch and its parameter list.
 struct ModeloFuncao {
-  Texto trecho;                   // "Function ..." through its EndFunction line
+  Texto corpo;                    // the lines after the head, through EndFunction
   std::vector<Texto> parametros;  // the items of the head's list
 };
 

@@ -174,11 +174,13 @@ const ModeloFuncao* Interpretador::ModeloDe(const Texto& nome) {
   size_t e = AchaFimRotina(textoPrograma, u"EndFunction", h);
   if (e == NPOS) return nullptr;
   ModeloFuncao m;
-  m.trecho = Trecho(textoPrograma, h, e);
-  size_t a = m.trecho.find(u'('), b = m.trecho.find(u')');
+  Texto trecho = Trecho(textoPrograma, h, e);
+  size_t a = trecho.find(u'('), b = trecho.find(u')');
   if (a == NPOS || b == NPOS || b < a) return nullptr;
+  size_t cr = trecho.find(CR);
+  m.corpo = cr == NPOS ? Texto() : trecho.substr(cr + 1);
   try {
-    for (Texto& f : SeparaArgumentos(m.trecho.substr(a + 1, b - a - 1), 21)) {
+    for (Texto& f : SeparaArgumentos(trecho.substr(a + 1, b - a - 1), 21)) {
       if (f.empty()) break;
       if (f.find(u' ') == NPOS) return nullptr;
       m.parametros.push_back(std::move(f));
@@ -193,10 +195,10 @@ Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos) {
   std::vector<Texto> remover;
   try {
     const ModeloFuncao* modelo = ModeloDe(nome);
-    Texto trecho;
+    Texto corpo;
     std::vector<Texto> parametros;
     if (modelo) {
-      trecho = modelo->trecho;
+      corpo = modelo->corpo;
       parametros = modelo->parametros;
     } else {
       size_t h = textoPrograma.find(u"Function " + nome);
@@ -206,10 +208,12 @@ Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos) {
       }
       size_t e = AchaFimRotina(textoPrograma, u"EndFunction", h);
       if (e == NPOS) throw FalhaHost(falha::ChamadaInvalida);
-      trecho = Trecho(textoPrograma, h, e);
+      Texto trecho = Trecho(textoPrograma, h, e);
       size_t a = trecho.find(u'('), b = trecho.find(u')');
       if (a == NPOS || b == NPOS || b < a) throw FalhaHost(falha::ChamadaInvalida);
       parametros = SeparaArgumentos(trecho.substr(a + 1, b - a - 1), 21);
+      size_t cr = trecho.find(CR);
+      corpo = cr == NPOS ? Texto() : trecho.substr(cr + 1);
     }
     Texto contador = InteiroParaTexto(contadorChamadas);
     std::vector<Texto> locais, gerados;
@@ -229,8 +233,6 @@ Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos) {
       declara(f);
     }
     auto reais = SeparaArgumentos(argumentos, 21);
-    size_t cr = trecho.find(CR);
-    Texto corpo = cr == NPOS ? Texto() : trecho.substr(cr + 1);
     Texto exibicao = corpo;
     for (size_t i = 0; i < reais.size() && !reais[i].empty(); ++i) {
       TrocaNome(corpo, i < locais.size() ? locais[i] : Texto(), i < gerados.size() ? gerados[i] : Texto());
