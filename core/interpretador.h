@@ -173,6 +173,7 @@ class Interpretador {
   bool PodeTerChamadaUsuario(const Texto& texto) const;
   // A Function's stretch and parameters, found once per prepared text.
   const ModeloFuncao* ModeloDe(const Texto& nome);
+  void LeFuncao(const Texto& nome, ModeloFuncao& m, bool avisa);
   bool ResolveRef(const Texto& nome, RefVariavel& r);
   // The element a reference names now; false when out of range.
   bool IndiceRef(const RefVariavel& r, int64_t& i) const {

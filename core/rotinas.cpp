@@ -164,29 +164,38 @@ void TrocaNome(Texto& texto, const Texto& velho, const Texto& novo) {
   }
 }
 
+// Reads a Function's stretch from the main text; a fault throws, and a
+// missing Function is also shown when `avisa`.
+void Interpretador::LeFuncao(const Texto& nome, ModeloFuncao& m, bool avisa) {
+  size_t h = textoPrograma.find(u"Function " + nome);
+  if (h == NPOS) {
+    if (avisa) CaixaCritica(u"Function not found: " + nome);
+    throw FalhaHost(falha::ChamadaInvalida);
+  }
+  size_t e = AchaFimRotina(textoPrograma, u"EndFunction", h);
+  if (e == NPOS) throw FalhaHost(falha::ChamadaInvalida);
+  Texto trecho = Trecho(textoPrograma, h, e);
+  size_t a = trecho.find(u'('), b = trecho.find(u')');
+  if (a == NPOS || b == NPOS || b < a) throw FalhaHost(falha::ChamadaInvalida);
+  m.parametros = SeparaArgumentos(trecho.substr(a + 1, b - a - 1), 21);
+  size_t cr = trecho.find(CR);
+  m.corpo = cr == NPOS ? Texto() : trecho.substr(cr + 1);
+}
+
 const ModeloFuncao* Interpretador::ModeloDe(const Texto& nome) {
   if (semPlanos) return nullptr;
   auto& funcoes = PlanosDoTexto().funcoes;
   if (auto it = funcoes.find(nome); it != funcoes.end()) return &it->second;
   // Only a head that reads well is kept; any fault is met again the long way.
-  size_t h = textoPrograma.find(u"Function " + nome);
-  if (h == NPOS) return nullptr;
-  size_t e = AchaFimRotina(textoPrograma, u"EndFunction", h);
-  if (e == NPOS) return nullptr;
   ModeloFuncao m;
-  Texto trecho = Trecho(textoPrograma, h, e);
-  size_t a = trecho.find(u'('), b = trecho.find(u')');
-  if (a == NPOS || b == NPOS || b < a) return nullptr;
-  size_t cr = trecho.find(CR);
-  m.corpo = cr == NPOS ? Texto() : trecho.substr(cr + 1);
   try {
-    for (Texto& f : SeparaArgumentos(trecho.substr(a + 1, b - a - 1), 21)) {
-      if (f.empty()) break;
-      if (f.find(u' ') == NPOS) return nullptr;
-      m.parametros.push_back(std::move(f));
-    }
+    LeFuncao(nome, m, false);
   } catch (const FalhaHost&) {
     return nullptr;
+  }
+  for (const Texto& f : m.parametros) {
+    if (f.empty()) break;
+    if (f.find(u' ') == NPOS) return nullptr;
   }
   return &funcoes.emplace(nome, std::move(m)).first->second;
 }
@@ -194,27 +203,14 @@ const ModeloFuncao* Interpretador::ModeloDe(const Texto& nome) {
 Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos) {
   std::vector<Texto> remover;
   try {
+    ModeloFuncao lido;
     const ModeloFuncao* modelo = ModeloDe(nome);
-    Texto corpo;
-    std::vector<Texto> parametros;
-    if (modelo) {
-      corpo = modelo->corpo;
-      parametros = modelo->parametros;
-    } else {
-      size_t h = textoPrograma.find(u"Function " + nome);
-      if (h == NPOS) {
-        CaixaCritica(u"Function not found: " + nome);
-        throw FalhaHost(falha::ChamadaInvalida);
-      }
-      size_t e = AchaFimRotina(textoPrograma, u"EndFunction", h);
-      if (e == NPOS) throw FalhaHost(falha::ChamadaInvalida);
-      Texto trecho = Trecho(textoPrograma, h, e);
-      size_t a = trecho.find(u'('), b = trecho.find(u')');
-      if (a == NPOS || b == NPOS || b < a) throw FalhaHost(falha::ChamadaInvalida);
-      parametros = SeparaArgumentos(trecho.substr(a + 1, b - a - 1), 21);
-      size_t cr = trecho.find(CR);
-      corpo = cr == NPOS ? Texto() : trecho.substr(cr + 1);
+    if (!modelo) {
+      LeFuncao(nome, lido, true);
+      modelo = &lido;
     }
+    Texto corpo = modelo->corpo;
+    const std::vector<Texto> parametros = modelo->parametros;
     Texto contador = InteiroParaTexto(contadorChamadas);
     std::vector<Texto> locais, gerados;
     // Each parameter and local gets a global of a generated name.
