@@ -286,40 +286,27 @@ int PalavraChamada(const Texto& t, const Texto* nomes, size_t total) {
   return -1;
 }
 
-namespace {
-
-const std::vector<Texto>& PalavrasComoTexto() {
-  static const std::vector<Texto> v(kPalavrasChave.begin(), kPalavrasChave.end());
-  return v;
-}
-
-}  // namespace
-
 // By first character: the keywords that can start at each place of the
 // text, tried in the table's order. It finds each keyword's first place as
 // find does, so the answer is PalavraChamada's.
 int PalavraChamadaChave(const Texto& t) {
+  // Buckets by the low seven bits of the first character; the comparison
+  // below checks the whole keyword.
   struct Indice {
     std::array<std::vector<uint8_t>, 128> porInicial;
-    bool completo = true;  // every keyword starts with an ASCII character
     Indice() {
       static_assert(kTotalPalavras <= 256);
       for (int k = 0; k < kTotalPalavras; ++k) {
         TextoV kw = kPalavrasChave[k];
-        if (kw.empty()) continue;
-        if (kw[0] >= 128) completo = false;
-        else porInicial[kw[0]].push_back(static_cast<uint8_t>(k));
+        if (!kw.empty()) porInicial[kw[0] & 127].push_back(static_cast<uint8_t>(k));
       }
     }
   };
   static const Indice ind;
-  if (!ind.completo) return PalavraChamada(t, PalavrasComoTexto().data(), kTotalPalavras);
   int melhor = kTotalPalavras;
   std::array<bool, kTotalPalavras> visto{};
   for (size_t p = 0; p < t.size(); ++p) {
-    char16_t c = t[p];
-    if (c >= 128) continue;
-    for (uint8_t k : ind.porInicial[c]) {
+    for (uint8_t k : ind.porInicial[t[p] & 127]) {
       if (k >= melhor) break;
       if (visto[k]) continue;
       TextoV kw = kPalavrasChave[k];

@@ -23,6 +23,13 @@ bool FuncaoNumerica(const Texto& nome) {
   return false;
 }
 
+// The operand of a whole-number operator (%, &, |).
+int32_t Inteiro32DoCalculo(double v) {
+  int32_t n;
+  if (!ArredondaInt32(v, n)) throw FalhaHost(falha::Estouro);
+  return n;
+}
+
 // A precedence evaluator over the characters of a text of numbers and
 // operators. Any failure makes the result empty.
 class Calculo {
@@ -76,7 +83,7 @@ class Calculo {
           r /= d;
           break;
         default: {
-          int32_t a = Inteiro32(r), b = Inteiro32(d);
+          int32_t a = Inteiro32DoCalculo(r), b = Inteiro32DoCalculo(d);
           if (c == u'%') {
             // A remainder by zero is a failure of the host, not of the sum.
             if (b == 0) throw FalhaHost(falha::DivisaoPorZero);
@@ -87,11 +94,6 @@ class Calculo {
         }
       }
     }
-  }
-  static int32_t Inteiro32(double v) {
-    double x = ArredondaPar(v);
-    if (!(x >= -2147483648.0 && x <= 2147483647.0)) throw FalhaHost(falha::Estouro);
-    return static_cast<int32_t>(x);
   }
   // '^' groups from the left too.
   bool Potencia(double& r) {
@@ -160,7 +162,6 @@ bool CalculaNumero(TextoV texto, double& r) {
 }
 
 double NumeroRelidoGeral(double r) {
-  if (r == std::trunc(r) && std::fabs(r) < 1e15) return r + 0.0;
   Texto s = NumeroParaTexto(r);
   for (auto& c : s)
     if (c == u',') c = u'.';
@@ -285,16 +286,6 @@ class Compilador {
   size_t i_ = 0;
   int nivel_ = 0;
 };
-
-int32_t Inteiro32DoCalculo(double v) {
-  if (v >= -2147483648.0 && v <= 2147483647.0) {
-    auto n = static_cast<int32_t>(v);
-    if (n == v) return n;
-  }
-  double x = ArredondaPar(v);
-  if (!(x >= -2147483648.0 && x <= 2147483647.0)) throw FalhaHost(falha::Estouro);
-  return static_cast<int32_t>(x);
-}
 
 }  // namespace
 
@@ -546,21 +537,18 @@ Texto ComparaValores(const std::array<Texto, 51>& relacoes, size_t indice, Valor
     // A number is less than any text.
     cmp = numero(esq) ? -1 : 1;
   }
-  bool r;
-  if (rel == u"=")
-    r = cmp == 0;
-  else if (rel == u"<>")
-    r = cmp != 0;
-  else if (rel == u"<")
-    r = cmp < 0;
-  else if (rel == u">")
-    r = cmp > 0;
-  else if (rel == u"<=")
-    r = cmp <= 0;
-  else
-    r = cmp >= 0;
-  return r ? u"TRUE" : u"FALSE";
+  return Satisfaz(LeRelacao(rel), cmp) ? u"TRUE" : u"FALSE";
 }
+
+Relacao LeRelacao(TextoV rel) {
+  if (rel == u"=") return Relacao::Igual;
+  if (rel == u"<>") return Relacao::Diferente;
+  if (rel == u"<") return Relacao::Menor;
+  if (rel == u">") return Relacao::Maior;
+  if (rel == u"<=") return Relacao::MenorIgual;
+  return Relacao::MaiorIgual;
+}
+
 
 Texto CombinaCondicoes(const std::array<Texto, 51>& conectores, const std::array<Texto, 21>& resultados) {
   Texto v = resultados[0];

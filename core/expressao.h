@@ -59,6 +59,20 @@ struct Condicao {
   std::array<Texto, 51> operandos, relacoes, conectores;
 };
 void SeparaCondicao(TextoV texto, Condicao& c);
+// The relation of a comparison as written; any other spelling is ">=".
+enum class Relacao : uint8_t { Igual, Diferente, Menor, Maior, MenorIgual, MaiorIgual };
+Relacao LeRelacao(TextoV rel);
+// Whether a comparison result (-1, 0, 1) satisfies the relation.
+inline bool Satisfaz(Relacao rel, int cmp) {
+  switch (rel) {
+    case Relacao::Igual: return cmp == 0;
+    case Relacao::Diferente: return cmp != 0;
+    case Relacao::Menor: return cmp < 0;
+    case Relacao::Maior: return cmp > 0;
+    case Relacao::MenorIgual: return cmp <= 0;
+    default: return cmp >= 0;
+  }
+}
 Texto ComparaValores(const std::array<Texto, 51>& relacoes, size_t indice, Valor esq, Valor dir);
 Texto CombinaCondicoes(const std::array<Texto, 51>& conectores, const std::array<Texto, 21>& resultados);
 

@@ -229,7 +229,7 @@ class Interpretador {
   Seguimento CorrePlanos(const Texto& texto, PlanoLinha* pl, int32_t& numero, size_t& pos, size_t& fim,
                          CondicoesFalsas& falsas);
   // A planned statement that none of the fast ways took.
-  bool ExecutaPlanoGeral(PlanoLinha& pl);
+  void ExecutaPlanoGeral(PlanoLinha& pl);
 
   Host& host_;
   std::vector<std::unique_ptr<void, void (*)(void*)>> estados_;

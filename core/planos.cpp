@@ -58,8 +58,8 @@ bool Interpretador::ResolveRef(const Texto& nome, RefVariavel& r) {
 
 int64_t Interpretador::IndiceDecimal(double x) {
   // As a whole number; one out of range counts as 0.
-  x = ArredondaPar(x);
-  return (x >= -2147483648.0 && x <= 2147483647.0) ? static_cast<int64_t>(x) : 0;
+  int32_t n;
+  return ArredondaInt32(x, n) ? n : 0;
 }
 
 bool Interpretador::LeRef(const RefVariavel& r, uint64_t geracao, Valor& v) const {
@@ -279,12 +279,7 @@ void Interpretador::PreparaCondicao(const Texto& texto, PlanoCondicao& c) {
   c.lento = false;
   const Texto& rel = c.relacoes[0];
   c.simples = c.operandos.size() == 2 && n == 0 && !rel.empty();
-  c.relacao = rel == u"="    ? Relacao::Igual
-              : rel == u"<>" ? Relacao::Diferente
-              : rel == u"<"  ? Relacao::Menor
-              : rel == u">"  ? Relacao::Maior
-              : rel == u"<=" ? Relacao::MenorIgual
-                             : Relacao::MaiorIgual;
+  c.relacao = LeRelacao(rel);
 }
 
 Veredito Interpretador::Julga(const PlanoCondicao& c, uint64_t geracao) {
@@ -300,18 +295,7 @@ Veredito Interpretador::Julga(const PlanoCondicao& c, uint64_t geracao) {
       int r = sa->compare(*sb);
       cmp = r < 0 ? -1 : (r > 0 ? 1 : 0);
     }
-    if (cmp != 2) {
-      bool r;
-      switch (c.relacao) {
-        case Relacao::Igual: r = cmp == 0; break;
-        case Relacao::Diferente: r = cmp != 0; break;
-        case Relacao::Menor: r = cmp < 0; break;
-        case Relacao::Maior: r = cmp > 0; break;
-        case Relacao::MenorIgual: r = cmp <= 0; break;
-        default: r = cmp >= 0; break;
-      }
-      return r ? Veredito::Verdadeiro : Veredito::Falso;
-    }
+    if (cmp != 2) return Satisfaz(c.relacao, cmp) ? Veredito::Verdadeiro : Veredito::Falso;
   }
   Texto t = AvaliaCondicao(c, geracao);
   return t == u"TRUE" ? Veredito::Verdadeiro : (t == u"FALSE" ? Veredito::Falso : Veredito::Outro);
@@ -382,7 +366,7 @@ void Interpretador::PreparaSubStr(const Texto& dir, PlanoLinha& pl) {
   if (n < 2 || n > 3) return;
   for (size_t i = n; i < a.size(); ++i)
     if (!a[i].empty()) return;
-  if (PodeTerChamadaUsuario(a[0]) || PodeTerChamadaInterna(a[0]) || PosicaoVariavel(a[0]) < 0) return;
+  if (PodeTerChamadaUsuario(a[0]) || PodeTerChamadaInterna(a[0])) return;
   if (!ResolveRef(a[0], pl.fonte) || pl.fonte.tipo != TipoVariavel::String) return;
   for (size_t i = 1; i < n; ++i) {
     pl.partes.emplace_back();
@@ -404,10 +388,9 @@ bool Interpretador::SubStrRapido(PlanoLinha& pl) {
     // As a whole number, the way the argument reaches SubStr.
     double x;
     Valor::Tipo tx;
-    if (!NumeroRapido(pl.partes[n], x, tx)) return false;
-    if (tx != Valor::Tipo::Int32) x = ArredondaPar(x);
-    if (!(x >= -2147483648.0 && x <= 2147483647.0)) return false;
-    limites[n] = static_cast<int64_t>(x);
+    int32_t v;
+    if (!NumeroRapido(pl.partes[n], x, tx) || !ArredondaInt32(x, v)) return false;
+    limites[n] = v;
   }
   TextoV r;
   if (!Comandos().trecho(t, limites[0], limites[1], r)) return false;
@@ -489,9 +472,10 @@ void Interpretador::PreparaLinha(const Texto& texto, PlanoLinha& pl) {
     size_t h = texto.rfind(u"While[" + tag + u"]", pos);
     size_t a = h == NPOS ? NPOS : texto.rfind(u"&#", h);
     if (a == NPOS) return;
-    pl.posVolta = a;
-    pl.numeroVolta = NumeroEm(texto, a + 2);
-    pl.fimVolta = std::min(texto.find(CRLF, a), texto.size());
+    // Back to the While's own statement.
+    pl.desvio.pos = a;
+    pl.desvio.numero = NumeroEm(texto, a + 2);
+    pl.desvio.fim = std::min(texto.find(CRLF, a), texto.size());
     pl.tipo = T::Loop;
     return;
   }
@@ -609,16 +593,16 @@ PlanoLinha* Interpretador::PlanoNovo(const Texto& texto, int32_t numero, size_t 
     pl->fim = fim;
     // What the plan looks up by name now must be looked up again when a
     // variable of that name comes or goes.
-    variaveis.registra = true;
-    try {
+    struct Registro {
+      bool& r;
+      explicit Registro(bool& x) : r(x) { r = true; }
+      ~Registro() { r = false; }
+    };
+    {
+      Registro registro(variaveis.registra);
       PreparaLinha(texto, *pl);
-    } catch (...) {
-      variaveis.registra = false;
-      throw;
     }
-    variaveis.registra = false;
     using T = PlanoLinha::Tipo;
-    pl->numero = numero;
     if (pl->tipo != T::Generico) pl->seguinte = DestinoApos(texto, numero, pos);
     switch (pl->tipo) {
       case T::While:
@@ -627,11 +611,6 @@ PlanoLinha* Interpretador::PlanoNovo(const Texto& texto, int32_t numero, size_t 
         break;
       case T::If:
         pl->desvio = DestinoApos(texto, pl->numeroElse >= 0 ? pl->numeroElse : pl->numeroEndIf, pos);
-        break;
-      case T::Loop:
-        pl->desvio.numero = pl->numeroVolta;
-        pl->desvio.pos = pl->posVolta;
-        pl->desvio.fim = pl->fimVolta;
         break;
       default:
         break;
@@ -672,16 +651,12 @@ bool Interpretador::CompostoRapido(PlanoLinha& pl) {
   Valor::Tipo ty;
   if (!NumeroRapido(pl.valor, y, ty)) return false;
   if (pl.alvo.tipo == TipoVariavel::Integer) {
+    // Two whole numbers add exactly; past the ends the store refuses the sum.
     int32_t& x = variaveis.inteiros[k];
-    double r;
-    if (ty == Valor::Tipo::Int32) {
-      r = pl.mais ? double(x) + y : double(x) - y;  // exact: both whole and small
-    } else {
-      r = pl.mais ? x + y : x - y;
-      if (!std::isfinite(r)) return false;
-      r = ArredondaPar(r);
-    }
-    if (r >= -2147483648.0 && r <= 2147483647.0) x = static_cast<int32_t>(r);
+    double r = pl.mais ? x + y : x - y;
+    if (!std::isfinite(r)) return false;
+    int32_t n;
+    if (ArredondaInt32(r, n)) x = n;
     return true;
   }
   double& x = variaveis.decimais[k];
@@ -719,7 +694,7 @@ bool Interpretador::AtribuicaoRapida(PlanoLinha& pl) {
   return true;
 }
 
-bool Interpretador::ExecutaPlanoGeral(PlanoLinha& pl) {
+void Interpretador::ExecutaPlanoGeral(PlanoLinha& pl) {
   using T = PlanoLinha::Tipo;
   const uint64_t g = pl.geracao;
   switch (pl.tipo) {
@@ -764,9 +739,8 @@ bool Interpretador::ExecutaPlanoGeral(PlanoLinha& pl) {
       break;
     }
     default:
-      return false;
+      break;
   }
-  return true;
 }
 
 Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLinha* pl, int32_t& numero,

@@ -49,9 +49,6 @@ struct PlanoValor {
   ArvoreCalculo arvore;
 };
 
-// The relation of a comparison, as ComparaValores reads it.
-enum class Relacao : uint8_t { Igual, Diferente, Menor, Maior, MenorIgual, MaiorIgual };
-
 // What a condition came to: "TRUE", "FALSE" or anything else.
 enum class Veredito : uint8_t { Verdadeiro, Falso, Outro };
 
@@ -77,7 +74,6 @@ struct PlanoLinha {
   size_t pos = NPOS, fim = 0;
   uint64_t geracao = 0;
   int emUso = 0;  // walks running it now: a remade plan mustn't pull it from under them
-  int32_t numero = 0;
   int32_t editor = 0, linha = 0;
   bool mais = true;             // ++ or +=
   RefVariavel alvo;             // Incremento, Composto, Atribuicao
@@ -88,10 +84,7 @@ struct PlanoLinha {
   int profundidade = 0;         // If, Else, EndIf: the depth tag
   int32_t numeroSalto = -1;     // While false: the Loop; Else: the EndIf
   int32_t numeroElse = -1, numeroEndIf = -1;  // If false
-  // Loop: where the walk goes back to.
-  size_t posVolta = 0, fimVolta = 0;
-  int32_t numeroVolta = 0;
-  // The next statement, and the one after a jump, found once.
+  // The next statement, and where a jump goes (a Loop: back to its While), found once.
   Destino seguinte, desvio;
 };
 

@@ -210,7 +210,6 @@ Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos) {
       modelo = &lido;
     }
     Texto corpo = modelo->corpo;
-    const std::vector<Texto> parametros = modelo->parametros;
     Texto contador = InteiroParaTexto(contadorChamadas);
     std::vector<Texto> locais, gerados;
     // Each parameter and local gets a global of a generated name.
@@ -224,7 +223,7 @@ Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos) {
       locais.push_back(local);
       gerados.push_back(gerado);
     };
-    for (const Texto& f : parametros) {
+    for (const Texto& f : modelo->parametros) {
       if (f.empty()) break;
       declara(f);
     }

@@ -68,5 +68,16 @@ double LeNumeroInicial(TextoV texto);
 
 // Rounding to the nearest whole number, halves to the even neighbour.
 double ArredondaPar(double v);
+// The same into a 32-bit whole number; false when it doesn't fit.
+inline bool ArredondaInt32(double v, int32_t& n) {
+  if (v >= -2147483648.0 && v <= 2147483647.0) {
+    n = static_cast<int32_t>(v);
+    if (n == v) return true;  // already whole
+  }
+  double x = ArredondaPar(v);
+  if (!(x >= -2147483648.0 && x <= 2147483647.0)) return false;
+  n = static_cast<int32_t>(x);
+  return true;
+}
 
 }  // namespace zv

@@ -97,9 +97,9 @@ double Valor::ComoDouble() const {
 
 int32_t Valor::ComoInt32() const {
   if (tipo == Tipo::Int16 || tipo == Tipo::Int32 || tipo == Tipo::Booleano) return i;
-  double r = ArredondaPar(ComoDouble());
-  if (!(r >= -2147483648.0 && r <= 2147483647.0)) throw FalhaHost(falha::Estouro);
-  return static_cast<int32_t>(r);
+  int32_t n;
+  if (!ArredondaInt32(ComoDouble(), n)) throw FalhaHost(falha::Estouro);
+  return n;
 }
 
 int16_t Valor::ComoInt16() const {
