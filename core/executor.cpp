@@ -86,17 +86,22 @@ Texto ComandoParaExibir(Texto l) {
 
 }  // namespace
 
-void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao, int32_t numeroInicial) {
-  Profundidade prof(profundidade);
+bool Interpretador::EntraCaminhada() {
   if (profundidade > kMaxProfundidade) {
     if (!abortado) {
       CaixaCritica(LocalAtual() + CR + u"Too many nested calls: routines can't be nested more than " +
                    InteiroParaTexto(kMaxProfundidade) + u" deep!");
     }
     abortado = true;
-    return;
+    return false;
   }
   pararPrograma = false;
+  return true;
+}
+
+void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao, int32_t numeroInicial) {
+  Profundidade prof(profundidade);
+  if (!EntraCaminhada()) return;
   CondicoesFalsas falsas{};  // ResultadoCondicao, of which only "FALSE" counts
 
   int32_t numero = numeroInicial;
@@ -107,20 +112,25 @@ void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao,
   }
   size_t pos = AchaMarca(texto, numero, 0);
   if (pos == NPOS) return;
-  size_t fim = FimDaLinha(texto, numero, pos);
+  Caminha(texto, textoExibicao, numero, pos, FimDaLinha(texto, numero, pos), falsas, false);
+}
 
-  for (;;) {
-    if (!executando || janelaFechada || pararPrograma || abortado) return;
-    if (limiteInstrucoes > 0 && ++instrucoesExecutadas > limiteInstrucoes) {
-      limiteAtingido = true;
-      abortado = true;
-      return;
-    }
-    if (!modoDepuracao) {
-      if (PlanoLinha* pl = PlanoDe(texto, numero, pos, fim); pl && pl->tipo != PlanoLinha::Tipo::Generico) {
-        Seguimento s = CorrePlanos(texto, pl, numero, pos, fim, falsas);
-        if (s == Seguimento::Fim) return;
-        if (s == Seguimento::Proximo) continue;
+void Interpretador::Caminha(const Texto& texto, const Texto& textoExibicao, int32_t numero, size_t pos,
+                           size_t fim, CondicoesFalsas& falsas, bool contado) {
+  for (;; contado = false) {
+    if (!contado) {
+      if (!executando || janelaFechada || pararPrograma || abortado) return;
+      if (limiteInstrucoes > 0 && ++instrucoesExecutadas > limiteInstrucoes) {
+        limiteAtingido = true;
+        abortado = true;
+        return;
+      }
+      if (!modoDepuracao) {
+        if (PlanoLinha* pl = PlanoDe(texto, numero, pos, fim); pl && pl->tipo != PlanoLinha::Tipo::Generico) {
+          Seguimento s = CorrePlanos(texto, pl, numero, pos, fim, falsas, nullptr);
+          if (s == Seguimento::Fim) return;
+          if (s == Seguimento::Proximo) continue;
+        }
       }
     }
     Texto linha = texto.substr(pos, fim - pos);

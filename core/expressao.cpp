@@ -298,7 +298,7 @@ bool ArvoreCalculo::Compila(const std::vector<Texto>& pedacos) {
     if (p.find(Compilador::kBuraco) != NPOS) return false;
     auto colado = [](char16_t c) { return EDigito(c) || c == u'.'; };
     // A hole's digits must not join a number beside it, nor another hole's.
-    if (i > 0 && (p.empty() || colado(p.front()))) return false;
+    if (i > 0 && ((p.empty() && i + 1 < pedacos.size()) || (!p.empty() && colado(p.front())))) return false;
     if (i + 1 < pedacos.size() && !p.empty() && colado(p.back())) return false;
     t += p;
     if (i + 1 < pedacos.size()) t += Compilador::kBuraco;
@@ -617,23 +617,7 @@ void Interpretador::Atribui(const Texto& linha, const Texto& nome, bool numerico
       GravaVariavel(nome, ChamaFuncao(dir.substr(0, dir.size() - 2), Texto()), true);
       return;
     }
-    for (int g = 0; g < kMaxSubstituicoes && AchaFuncaoUsuario(dir, par, palavra); ++g) {
-      Texto antes = dir;
-      ExecutaFuncaoUsuario(dir, par, palavra);
-      if (dir == antes) break;
-    }
-    for (int g = 0; g < kMaxSubstituicoes && AchaFuncaoInterna(dir, par); ++g) {
-      Texto antes = dir;
-      ExecutaFuncaoInterna(dir, par, numerico);
-      if (dir == antes) break;
-    }
-    auto partes = SeparaArgumentos(dir, 11, false, numerico);
-    for (const Texto& p : partes) {
-      if (p.empty()) break;
-      buf += (forcaTexto ? ValorTexto(p, numerico) : ValorNumerico(p, numerico)).ComoTexto();
-    }
-    GravaVariavel(nome, Valor::DeTexto(buf), true);
-    forcaTexto = false;
+    AtribuiSemJuncao(nome, std::move(dir), numerico, 0, false);
     return;
   }
   // A join: the cut at " & " takes no notice of quotes.
@@ -653,6 +637,29 @@ void Interpretador::Atribui(const Texto& linha, const Texto& nome, bool numerico
     ini = p + 3;
   }
   GravaVariavel(nome, Valor::DeTexto(buf), true);
+}
+
+void Interpretador::AtribuiSemJuncao(const Texto& nome, Texto dir, bool numerico, int inicio,
+                                     bool semMaisChamadas) {
+  Texto par[2], palavra;
+  for (int g = inicio; !semMaisChamadas && g < kMaxSubstituicoes && AchaFuncaoUsuario(dir, par, palavra); ++g) {
+    Texto antes = dir;
+    ExecutaFuncaoUsuario(dir, par, palavra);
+    if (dir == antes) break;
+  }
+  for (int g = 0; g < kMaxSubstituicoes && AchaFuncaoInterna(dir, par); ++g) {
+    Texto antes = dir;
+    ExecutaFuncaoInterna(dir, par, numerico);
+    if (dir == antes) break;
+  }
+  Texto buf;
+  auto partes = SeparaArgumentos(dir, 11, false, numerico);
+  for (const Texto& p : partes) {
+    if (p.empty()) break;
+    buf += (forcaTexto ? ValorTexto(p, numerico) : ValorNumerico(p, numerico)).ComoTexto();
+  }
+  GravaVariavel(nome, Valor::DeTexto(buf), true);
+  forcaTexto = false;
 }
 
 }  // namespace zv

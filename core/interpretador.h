@@ -136,7 +136,8 @@ class Interpretador {
   void RegistraRotinas(const Texto& texto);
   bool ESub(TextoV palavra) const;
   void ChamaSub(const Texto& nome);
-  Valor ChamaFuncao(const Texto& nome, const Texto& argumentos);
+  // `plano`, a planned "x = F(args)", gives the arguments already read.
+  Valor ChamaFuncao(const Texto& nome, const Texto& argumentos, const PlanoLinha* plano = nullptr);
   bool AchaFuncaoUsuario(const Texto& texto, Texto par[2], Texto& palavraResultado);
   void ExecutaFuncaoUsuario(Texto& texto, const Texto par[2], const Texto& palavraResultado);
 
@@ -167,13 +168,35 @@ class Interpretador {
  private:
   friend struct Caminhada;
   void TiqueTimer();
+  // Per If depth: whether the If's condition came out "FALSE" (its Else runs).
+  using CondicoesFalsas = std::array<bool, 21>;
+  // The guard every walk passes first: false when calls nest too deep.
+  bool EntraCaminhada();
+  // The walk's loop from the statement at numero/pos/fim; `contado` when that
+  // statement was already counted against the limit.
+  void Caminha(const Texto& texto, const Texto& textoExibicao, int32_t numero, size_t pos, size_t fim,
+               CondicoesFalsas& falsas, bool contado);
+  // The part of Atribui after its "F()" form, from the `inicio`th user call on.
+  void AtribuiSemJuncao(const Texto& nome, Texto dir, bool numerico, int inicio, bool semMaisChamadas);
 
   // ---- Plans of the main text's statements (see planos.h) -----------------
   std::unique_ptr<Planos> planos_;
   bool PodeTerChamadaUsuario(const Texto& texto) const;
   // A Function's stretch and parameters, found once per prepared text.
-  const ModeloFuncao* ModeloDe(const Texto& nome);
+  ModeloFuncao* ModeloDe(const Texto& nome);
   void LeFuncao(const Texto& nome, ModeloFuncao& m, bool avisa);
+  void AnalisaModelo(const Texto& nome, ModeloFuncao& m);
+  Texto CorpoRenomeado(const ModeloFuncao& m, const std::vector<Texto>& gerados) const;
+  // The body of a call whose own variables are made: by its plans while they
+  // hold, else (or from where they stop) by the walk.
+  void ExecutaCorpo(ModeloFuncao& m, const std::vector<Texto>& gerados,
+                    const std::vector<std::pair<TipoVariavel, int32_t>>& vagas, const Texto& exibicao);
+  std::unique_ptr<CorpoPlanejado> PlanejaCorpo(const ModeloFuncao& m, const std::vector<Texto>& gerados,
+                                               const std::vector<std::pair<TipoVariavel, int32_t>>& vagas);
+  void PreparaChamada(const Texto& nome, const Texto& dir, PlanoLinha& pl);
+  void ExecutaChamada(PlanoLinha& pl);
+  // A single value given to a planned target, as Atribui gives it.
+  void AtribuiValor(const RefVariavel& alvo, uint64_t g, Valor v);
   bool ResolveRef(const Texto& nome, RefVariavel& r);
   // The element a reference names now; false when out of range.
   bool IndiceRef(const RefVariavel& r, int64_t& i) const {
@@ -193,9 +216,9 @@ class Interpretador {
   Valor AvaliaValor(const PlanoValor& p, uint64_t geracao);
   void PreparaCondicao(const Texto& texto, PlanoCondicao& c);
   Texto AvaliaCondicao(const PlanoCondicao& c, uint64_t geracao);
-  void PreparaAtribuicao(const Texto& linha, const Texto& nome, PlanoLinha& pl);
+  void PreparaAtribuicao(const Texto& linha, const Texto& nome, PlanoLinha& pl, bool emCorpo);
   bool ComandoNulo(const Texto& linha);
-  void PreparaLinha(const Texto& texto, PlanoLinha& pl);
+  void PreparaLinha(const Texto& texto, PlanoLinha& pl, bool emCorpo);
   Planos& PlanosDoTexto();
   // The plan of a statement of the main text, made or remade when stale; null
   // when the statement isn't the main text's.
@@ -208,26 +231,29 @@ class Interpretador {
     return PlanoNovo(texto, numero, pos, fim);
   }
   PlanoLinha* PlanoNovo(const Texto& texto, int32_t numero, size_t pos, size_t fim);
+  // Where a plan goes next and where its jump goes.
+  void FixaDestinos(const Texto& texto, PlanoLinha& pl, int32_t numero);
   Destino DestinoApos(const Texto& texto, int32_t alvo, size_t de);
   size_t FimDaLinha(const Texto& texto, int32_t numero, size_t pos);
   size_t AchaMarca(const Texto& texto, int32_t numero, size_t de);
   bool NumeroRapido(const PlanoValor& p, double& x, Valor::Tipo& tipo);
   bool CalculoRapido(const PlanoValor& p, double& x);
   const Texto* TextoRapido(const PlanoValor& p);
+  bool JulgaRapido(const PlanoCondicao& c, Veredito& v);
   Veredito Julga(const PlanoCondicao& c, uint64_t geracao);
   bool IncrementoRapido(PlanoLinha& pl);
   bool CompostoRapido(PlanoLinha& pl);
   bool AtribuicaoRapida(PlanoLinha& pl);
+  bool RetornoRapido(PlanoLinha& pl);
   void PreparaSubStr(const Texto& dir, PlanoLinha& pl);
   bool SubStrRapido(PlanoLinha& pl);
-  // Per If depth: whether the If's condition came out "FALSE" (its Else runs).
-  using CondicoesFalsas = std::array<bool, 21>;
   enum class Seguimento { Proximo, Generico, Fim };
   // Runs plans one after another from `pl` while the statements have one.
   // Proximo: the statement at numero/pos/fim has none (the walk takes it);
-  // Generico: `pl` itself was left to the walk; Fim: the walk ends.
+  // Generico: `pl` itself was left to the walk; Fim: the walk ends. With
+  // `corpo`, the plans are a Function body's and take only their fast ways.
   Seguimento CorrePlanos(const Texto& texto, PlanoLinha* pl, int32_t& numero, size_t& pos, size_t& fim,
-                         CondicoesFalsas& falsas);
+                         CondicoesFalsas& falsas, const CorpoPlanejado* corpo);
   // A planned statement that none of the fast ways took.
   void ExecutaPlanoGeral(PlanoLinha& pl);
 

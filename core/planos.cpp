@@ -282,7 +282,7 @@ void Interpretador::PreparaCondicao(const Texto& texto, PlanoCondicao& c) {
   c.relacao = LeRelacao(rel);
 }
 
-Veredito Interpretador::Julga(const PlanoCondicao& c, uint64_t geracao) {
+bool Interpretador::JulgaRapido(const PlanoCondicao& c, Veredito& veredito) {
   if (c.simples) {
     // Two numbers, or two texts, compare without the values' trip.
     int cmp = 2;
@@ -295,8 +295,17 @@ Veredito Interpretador::Julga(const PlanoCondicao& c, uint64_t geracao) {
       int r = sa->compare(*sb);
       cmp = r < 0 ? -1 : (r > 0 ? 1 : 0);
     }
-    if (cmp != 2) return Satisfaz(c.relacao, cmp) ? Veredito::Verdadeiro : Veredito::Falso;
+    if (cmp != 2) {
+      veredito = Satisfaz(c.relacao, cmp) ? Veredito::Verdadeiro : Veredito::Falso;
+      return true;
+    }
   }
+  return false;
+}
+
+Veredito Interpretador::Julga(const PlanoCondicao& c, uint64_t geracao) {
+  Veredito v;
+  if (JulgaRapido(c, v)) return v;
   Texto t = AvaliaCondicao(c, geracao);
   return t == u"TRUE" ? Veredito::Verdadeiro : (t == u"FALSE" ? Veredito::Falso : Veredito::Outro);
 }
@@ -320,13 +329,18 @@ Texto Interpretador::AvaliaCondicao(const PlanoCondicao& c, uint64_t geracao) {
 
 // ---- Statements ----------------------------------------------------------------
 
-void Interpretador::PreparaAtribuicao(const Texto& linha, const Texto& nome, PlanoLinha& pl) {
+void Interpretador::PreparaAtribuicao(const Texto& linha, const Texto& nome, PlanoLinha& pl, bool emCorpo) {
   size_t eq = linha.find(u'=');
   Texto dir = eq == NPOS ? Texto() : Apara(TextoV(linha).substr(eq + 1));
   Texto maius = Maiusculas(linha);
   for (const char16_t* w : {u"CHR(", u"JOIN(", u"FORMAT(", u"DIRECTORY(", u"SQL("})
     if (Contem(maius, w)) return;
-  if (Contem(dir, u" & ") || PodeTerChamadaUsuario(dir)) return;
+  if (Contem(dir, u" & ")) return;
+  if (PodeTerChamadaUsuario(dir)) {
+    // A body's plans take no calls: the call's arguments are texts with names.
+    if (!emCorpo) PreparaChamada(nome, dir, pl);
+    return;
+  }
   if (PodeTerChamadaInterna(dir)) {
     if (ResolveRef(nome, pl.alvo) && pl.alvo.tipo == TipoVariavel::String) PreparaSubStr(dir, pl);
     return;
@@ -422,7 +436,7 @@ bool Interpretador::ComandoNulo(const Texto& linha) {
   return DespachoSemEfeito(palavra);
 }
 
-void Interpretador::PreparaLinha(const Texto& texto, PlanoLinha& pl) {
+void Interpretador::PreparaLinha(const Texto& texto, PlanoLinha& pl, bool emCorpo) {
   using T = PlanoLinha::Tipo;
   size_t pos = pl.pos, fim = pl.fim;
   pl = PlanoLinha();
@@ -432,7 +446,12 @@ void Interpretador::PreparaLinha(const Texto& texto, PlanoLinha& pl) {
   Texto linha = texto.substr(pos, fim - pos);
   Localizacao(linha, pl.editor, pl.linha);
   Texto maius = Maiusculas(linha);
-  if (Contem(maius, u"ENDPROGRAM") || Contem(maius, u"ENDFUNCTION") || Contem(maius, u"ENDWINDOW")) return;
+  if (Contem(maius, u"ENDPROGRAM")) return;
+  if (Contem(maius, u"ENDFUNCTION")) {
+    if (emCorpo) pl.tipo = T::FimFuncao;
+    return;
+  }
+  if (Contem(maius, u"ENDWINDOW")) return;
   size_t p;
   auto nomeAntes = [&linha](size_t p) {
     size_t b = p == 0 ? NPOS : linha.rfind(u' ', p - 1);
@@ -515,8 +534,13 @@ void Interpretador::PreparaLinha(const Texto& texto, PlanoLinha& pl) {
   size_t b = resto.find(u' ');
   Texto palavra = b == NPOS ? resto : resto.substr(0, b);
   Texto m = Maiusculas(palavra);
-  if (m == u"VAR" || m == u"VARIABLE" || ESub(palavra) || m == u"RETURN") return;
-  if (PosicaoVariavel(palavra) >= 0) PreparaAtribuicao(linha, palavra, pl);
+  if (m == u"VAR" || m == u"VARIABLE" || ESub(palavra)) return;
+  if (m == u"RETURN") {
+    PreparaValor(b == NPOS ? Texto() : resto.substr(b + 1), pl.valor);
+    pl.tipo = T::Retorno;
+    return;
+  }
+  if (PosicaoVariavel(palavra) >= 0) PreparaAtribuicao(linha, palavra, pl, emCorpo);
 }
 
 Planos& Interpretador::PlanosDoTexto() {
@@ -600,23 +624,27 @@ PlanoLinha* Interpretador::PlanoNovo(const Texto& texto, int32_t numero, size_t 
     };
     {
       Registro registro(variaveis.registra);
-      PreparaLinha(texto, *pl);
+      PreparaLinha(texto, *pl, false);
     }
-    using T = PlanoLinha::Tipo;
-    if (pl->tipo != T::Generico) pl->seguinte = DestinoApos(texto, numero, pos);
-    switch (pl->tipo) {
-      case T::While:
-      case T::Else:
-        if (pl->numeroSalto >= 0) pl->desvio = DestinoApos(texto, pl->numeroSalto, pos);
-        break;
-      case T::If:
-        pl->desvio = DestinoApos(texto, pl->numeroElse >= 0 ? pl->numeroElse : pl->numeroEndIf, pos);
-        break;
-      default:
-        break;
-    }
+    FixaDestinos(texto, *pl, numero);
   }
   return pl.get();
+}
+
+void Interpretador::FixaDestinos(const Texto& texto, PlanoLinha& pl, int32_t numero) {
+  using T = PlanoLinha::Tipo;
+  if (pl.tipo != T::Generico) pl.seguinte = DestinoApos(texto, numero, pl.pos);
+  switch (pl.tipo) {
+    case T::While:
+    case T::Else:
+      if (pl.numeroSalto >= 0) pl.desvio = DestinoApos(texto, pl.numeroSalto, pl.pos);
+      break;
+    case T::If:
+      pl.desvio = DestinoApos(texto, pl.numeroElse >= 0 ? pl.numeroElse : pl.numeroEndIf, pl.pos);
+      break;
+    default:
+      break;
+  }
 }
 
 // The fast ways of the commonest statements. Each gives up (false) where the
@@ -694,6 +722,39 @@ bool Interpretador::AtribuicaoRapida(PlanoLinha& pl) {
   return true;
 }
 
+// The value goes to the variable as its text; whole numbers read back as
+// themselves, so they needn't make the trip.
+void Interpretador::AtribuiValor(const RefVariavel& alvo, uint64_t g, Valor v) {
+  bool inteiro = v.tipo == Valor::Tipo::Int32;
+  bool real = v.tipo == Valor::Tipo::Double || v.tipo == Valor::Tipo::Decimal;
+  if (alvo.tipo == TipoVariavel::Integer && real && v.d == std::trunc(v.d) && std::fabs(v.d) < 2147483648.0)
+    v = Valor::DeInt32(static_cast<int32_t>(v.d));
+  else if (alvo.tipo == TipoVariavel::Decimal && inteiro)
+    v = Valor::DeDouble(v.i);
+  else if (alvo.tipo == TipoVariavel::Decimal && real && v.d == std::trunc(v.d) && std::fabs(v.d) < 1e15)
+    v = Valor::DeDouble(v.d + 0.0);
+  else if (!(alvo.tipo == TipoVariavel::Integer && inteiro))
+    v = Valor::DeTexto(v.ComoTexto());
+  GravaRef(alvo, g, v);
+  forcaTexto = false;
+}
+
+bool Interpretador::RetornoRapido(PlanoLinha& pl) {
+  double x;
+  Valor::Tipo t;
+  if (NumeroRapido(pl.valor, x, t)) {
+    valorRetorno = t == Valor::Tipo::Int32    ? Valor::DeInt32(static_cast<int32_t>(x))
+                   : t == Valor::Tipo::Double ? Valor::DeDouble(x)
+                                              : Valor::DeDecimal(x);
+    return true;
+  }
+  if (const Texto* s = TextoRapido(pl.valor)) {
+    valorRetorno = Valor::DeTexto(*s);
+    return true;
+  }
+  return false;
+}
+
 void Interpretador::ExecutaPlanoGeral(PlanoLinha& pl) {
   using T = PlanoLinha::Tipo;
   const uint64_t g = pl.geracao;
@@ -714,37 +775,27 @@ void Interpretador::ExecutaPlanoGeral(PlanoLinha& pl) {
     }
     case T::Atribuicao: {
       forcaTexto = false;
-      Valor v;
       if (pl.partes.size() == 1) {
-        v = AvaliaValor(pl.partes[0], g);
-        // The value goes to the variable as its text; whole numbers read back
-        // as themselves, so they needn't make the trip.
-        bool inteiro = v.tipo == Valor::Tipo::Int32;
-        bool real = v.tipo == Valor::Tipo::Double || v.tipo == Valor::Tipo::Decimal;
-        if (pl.alvo.tipo == TipoVariavel::Integer && real && v.d == std::trunc(v.d) && std::fabs(v.d) < 2147483648.0)
-          v = Valor::DeInt32(static_cast<int32_t>(v.d));
-        else if (pl.alvo.tipo == TipoVariavel::Decimal && inteiro)
-          v = Valor::DeDouble(v.i);
-        else if (pl.alvo.tipo == TipoVariavel::Decimal && real && v.d == std::trunc(v.d) && std::fabs(v.d) < 1e15)
-          v = Valor::DeDouble(v.d + 0.0);
-        else if (!(pl.alvo.tipo == TipoVariavel::Integer && inteiro))
-          v = Valor::DeTexto(v.ComoTexto());
-      } else {
-        Texto buf;
-        for (const PlanoValor& p : pl.partes) buf += AvaliaValor(p, g).ComoTexto();
-        v = Valor::DeTexto(std::move(buf));
+        AtribuiValor(pl.alvo, g, AvaliaValor(pl.partes[0], g));
+        break;
       }
-      GravaRef(pl.alvo, g, v);
+      Texto buf;
+      for (const PlanoValor& p : pl.partes) buf += AvaliaValor(p, g).ComoTexto();
+      GravaRef(pl.alvo, g, Valor::DeTexto(std::move(buf)));
       forcaTexto = false;
       break;
     }
+    case T::Retorno:
+      valorRetorno = AvaliaValor(pl.valor, g);
+      break;
     default:
       break;
   }
 }
 
 Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLinha* pl, int32_t& numero,
-                                                     size_t& pos, size_t& fim, CondicoesFalsas& falsas) {
+                                                     size_t& pos, size_t& fim, CondicoesFalsas& falsas,
+                                                     const CorpoPlanejado* corpo) {
   using T = PlanoLinha::Tipo;
   // Keeps a plan from being remade under this walk by a walk it starts.
   struct EmUso {
@@ -761,18 +812,21 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
         return Seguimento::Generico;
       case T::Incremento:
         if (!IncrementoRapido(*pl)) {
+          if (corpo) return Seguimento::Generico;
           EmUso u(pl);
           ExecutaPlanoGeral(*pl);
         }
         break;
       case T::Composto:
         if (!CompostoRapido(*pl)) {
+          if (corpo) return Seguimento::Generico;
           EmUso u(pl);
           ExecutaPlanoGeral(*pl);
         }
         break;
       case T::Atribuicao:
         if (!AtribuicaoRapida(*pl)) {
+          if (corpo) return Seguimento::Generico;
           EmUso u(pl);
           ExecutaPlanoGeral(*pl);
         }
@@ -781,8 +835,13 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
         if (!SubStrRapido(*pl)) return Seguimento::Generico;
         break;
       case T::While: {
-        EmUso u(pl);
-        desvia = Julga(pl->condicao, pl->geracao) != Veredito::Verdadeiro;
+        Veredito v;
+        if (!JulgaRapido(pl->condicao, v)) {
+          if (corpo) return Seguimento::Generico;
+          EmUso u(pl);
+          v = Julga(pl->condicao, pl->geracao);
+        }
+        desvia = v != Veredito::Verdadeiro;
         break;
       }
       case T::Loop:
@@ -792,8 +851,12 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
         falsas[pl->profundidade] = false;
         break;
       case T::If: {
-        EmUso u(pl);
-        Veredito v = Julga(pl->condicao, pl->geracao);
+        Veredito v;
+        if (!JulgaRapido(pl->condicao, v)) {
+          if (corpo) return Seguimento::Generico;
+          EmUso u(pl);
+          v = Julga(pl->condicao, pl->geracao);
+        }
         falsas[pl->profundidade] = v == Veredito::Falso;
         if (v != Veredito::Verdadeiro) {
           desvia = true;
@@ -808,13 +871,27 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
           falsas[pl->profundidade] = false;
         }
         break;
+      case T::Retorno:
+        if (!RetornoRapido(*pl)) {
+          if (corpo) return Seguimento::Generico;
+          EmUso u(pl);
+          ExecutaPlanoGeral(*pl);
+        }
+        break;
+      case T::FimFuncao:
+        return Seguimento::Fim;
+      case T::Chamada: {
+        EmUso u(pl);
+        ExecutaChamada(*pl);
+        break;
+      }
     }
     const Destino& d = desvia ? pl->desvio : pl->seguinte;
     if (d.pos == NPOS) return Seguimento::Fim;
     numero = d.numero;
     pos = d.pos;
     fim = d.fim;
-    pl = PlanoDe(texto, numero, pos, fim);
+    pl = corpo ? corpo->Linha(numero, pos, fim, variaveis.geracao) : PlanoDe(texto, numero, pos, fim);
     if (!pl || pl->tipo == T::Generico) return Seguimento::Proximo;
     // What the walk checks before every statement.
     if (!executando || janelaFechada || pararPrograma || abortado) return Seguimento::Fim;

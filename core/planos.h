@@ -69,7 +69,12 @@ struct Destino {
 };
 
 struct PlanoLinha {
-  enum class Tipo : uint8_t { Generico, Incremento, Composto, While, Loop, If, Else, EndIf, Atribuicao, SubStr };
+  enum class Tipo : uint8_t {
+    Generico, Incremento, Composto, While, Loop, If, Else, EndIf, Atribuicao, SubStr,
+    Retorno,     // Return: its value in valor
+    FimFuncao,   // a line with EndFunction: the routine's walk ends
+    Chamada      // alvo = F(args): partes are the arguments
+  };
   Tipo tipo = Tipo::Generico;
   size_t pos = NPOS, fim = 0;
   uint64_t geracao = 0;
@@ -77,15 +82,40 @@ struct PlanoLinha {
   int32_t editor = 0, linha = 0;
   bool mais = true;             // ++ or +=
   RefVariavel alvo;             // Incremento, Composto, Atribuicao
-  PlanoValor valor;             // Composto
+  PlanoValor valor;             // Composto, Retorno
   std::vector<PlanoValor> partes;  // Atribuicao; SubStr: its start and length
   RefVariavel fonte;               // SubStr: the text it cuts
   PlanoCondicao condicao;       // While, If
   int profundidade = 0;         // If, Else, EndIf: the depth tag
   int32_t numeroSalto = -1;     // While false: the Loop; Else: the EndIf
   int32_t numeroElse = -1, numeroEndIf = -1;  // If false
+  // Chamada: the Function, its result word, the right side as written, and
+  // whether it is the "F()" form, whose result goes to the variable as it is.
+  Texto nomeFuncao, palavraResultado, direita;
+  bool direto = false;
   // The next statement, and where a jump goes (a Loop: back to its While), found once.
   Destino seguinte, desvio;
+};
+
+// The plans of a Function's body, made on the body as one call renamed it.
+// Another call's body differs only in the routine's own names, which stand
+// where the first call's stood; so the plans hold as long as those variables
+// stand where they stood and nothing else changed. These plans only take
+// their fast ways: whatever would read a name or a text goes back to the
+// walk over that call's own body.
+struct CorpoPlanejado {
+  Texto modelo;       // the renamed body the plans were made on
+  int32_t primeiro = 0;
+  std::vector<std::unique_ptr<PlanoLinha>> linhas;  // by statement number, from `primeiro`
+  // Where each of the routine's own variables stood: type and first value.
+  std::vector<std::pair<TipoVariavel, int32_t>> vagas;
+  uint64_t geracao = 0;
+  PlanoLinha* Linha(int32_t numero, size_t pos, size_t fim, uint64_t g) const {
+    size_t k = static_cast<size_t>(numero - primeiro);
+    if (numero < primeiro || k >= linhas.size()) return nullptr;
+    PlanoLinha* p = linhas[k].get();
+    return p && p->pos == pos && p->fim == fim && p->geracao == g ? p : nullptr;
+  }
 };
 
 // What every call of a Function finds the same in the main text: its
@@ -93,6 +123,17 @@ struct PlanoLinha {
 struct ModeloFuncao {
   Texto corpo;                    // the lines after the head, through EndFunction
   std::vector<Texto> parametros;  // the items of the head's list
+  // Whether its calls can run the body's plans, worked out once: then the
+  // names of the parameters and of the first Var line's locals, with their
+  // type words, and the body without that line.
+  bool analisado = false, rapido = false;
+  size_t totalParametros = 0;
+  std::vector<Texto> locais, tipos;
+  Texto corpoSemVar;
+  std::unique_ptr<CorpoPlanejado> plano;
+  // Plans remade for calls that found their variables elsewhere; too many,
+  // and the calls walk instead.
+  int64_t chamadas = 0, replanos = 0;
 };
 
 // The plans of the main text, by statement number, and an index of where

@@ -1,5 +1,7 @@
 // Subs and Functions: stretches of the prepared text, found by their head
 // and end lines and walked on a copy.
+#include <algorithm>
+
 #include "core/interpretador.h"
 #include "core/preparacao.h"
 
@@ -147,21 +149,35 @@ void Interpretador::ChamaSub(const Texto& nome) {
   }
 }
 
-void TrocaNome(Texto& texto, const Texto& velho, const Texto& novo) {
-  if (velho.empty()) throw FalhaHost(falha::ChamadaInvalida);
-  size_t p = texto.find(velho);
-  while (p != NPOS) {
+namespace {
+
+// The next place from `de` where `velho` stands as a whole word for
+// TrocaNome: behind '(', a blank or CR, and before ',', ')', a blank or CR.
+size_t AchaNomeInteiro(const Texto& texto, const Texto& velho, size_t de) {
+  for (size_t p = texto.find(velho, de); p != NPOS; p = texto.find(velho, p + velho.size())) {
     char16_t antes = p > 0 ? texto[p - 1] : 0;
     size_t e = p + velho.size();
     char16_t depois = e < texto.size() ? texto[e] : 0;
     if ((antes == u'(' || antes == u' ' || antes == CR) &&
-        (depois == u',' || depois == u')' || depois == u' ' || depois == CR)) {
-      texto.replace(p, velho.size(), novo);
-      p = texto.find(velho, p + novo.size());
-    } else {
-      p = texto.find(velho, e);
-    }
+        (depois == u',' || depois == u')' || depois == u' ' || depois == CR))
+      return p;
   }
+  return NPOS;
+}
+
+bool NomeSimples(const Texto& t) {
+  if (t.empty()) return false;
+  for (char16_t c : t)
+    if (!ELetra(c) && !EDigito(c) && c != u'_') return false;
+  return true;
+}
+
+}  // namespace
+
+void TrocaNome(Texto& texto, const Texto& velho, const Texto& novo) {
+  if (velho.empty()) throw FalhaHost(falha::ChamadaInvalida);
+  for (size_t p = AchaNomeInteiro(texto, velho, 0); p != NPOS; p = AchaNomeInteiro(texto, velho, p + novo.size()))
+    texto.replace(p, velho.size(), novo);
 }
 
 // Reads a Function's stretch from the main text; a fault throws, and a
@@ -182,7 +198,7 @@ void Interpretador::LeFuncao(const Texto& nome, ModeloFuncao& m, bool avisa) {
   m.corpo = cr == NPOS ? Texto() : trecho.substr(cr + 1);
 }
 
-const ModeloFuncao* Interpretador::ModeloDe(const Texto& nome) {
+ModeloFuncao* Interpretador::ModeloDe(const Texto& nome) {
   if (semPlanos) return nullptr;
   auto& funcoes = PlanosDoTexto().funcoes;
   if (auto it = funcoes.find(nome); it != funcoes.end()) return &it->second;
@@ -200,63 +216,173 @@ const ModeloFuncao* Interpretador::ModeloDe(const Texto& nome) {
   return &funcoes.emplace(nome, std::move(m)).first->second;
 }
 
-Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos) {
+// Whether a call's body can run on plans made by an earlier call: every
+// renaming must fall where it fell then, whatever the counter's digits.
+void Interpretador::AnalisaModelo(const Texto& nome, ModeloFuncao& m) {
+  m.analisado = true;
+  m.rapido = false;
+  m.locais.clear();
+  m.tipos.clear();
+  if (!NomeSimples(nome)) return;
+  // A call's name is looked for in the body's texts: one with digits could
+  // meet a generated name's counter, and then be found in one call's body and
+  // not in another's. It can only when what comes before its first digit
+  // ends this Function's name (or is nothing).
+  bool digitos = std::any_of(nome.begin(), nome.end(), EDigito);
+  auto colide = [&](TextoV chamada) {
+    size_t d = 0;
+    while (d < chamada.size() && !EDigito(chamada[d])) ++d;
+    if (d == chamada.size()) return false;
+    return digitos || d == 0 || TerminaCom(Maiusculas(nome), Maiusculas(chamada.substr(0, d)));
+  };
+  for (const Texto& f : nomesFuncoes)
+    if (colide(f)) return;
+  for (const char16_t* f : kPalavrasChave)
+    if (colide(f)) return;
+  // A name in the body spelled like a generated one means another variable
+  // at each call.
+  for (size_t p = m.corpo.find(nome); p != NPOS; p = m.corpo.find(nome, p + 1)) {
+    size_t e = p + nome.size();
+    if (e < m.corpo.size() && EDigito(m.corpo[e])) return;
+  }
+  auto item = [&](const Texto& it) {
+    size_t sp = it.find(u' ');
+    if (sp == NPOS) return false;
+    Texto local = it.substr(0, sp), tipo = it.substr(sp + 1);
+    TipoVariavel t;
+    // A local named like a generated name could be renamed twice.
+    if (!NomeSimples(local) || ComecaCom(local, nome) || !LeTipo(tipo, t)) return false;
+    if (nome.size() + 11 + local.size() > 50) return false;
+    m.locais.push_back(local);
+    m.tipos.push_back(tipo);
+    return true;
+  };
+  for (const Texto& f : m.parametros) {
+    if (f.empty()) break;
+    if (!item(f)) return;
+  }
+  m.totalParametros = m.locais.size();
+  // The first line decides on locals after the parameters were renamed in
+  // it. A generated name has no blank, so renaming never makes a "Var "
+  // line; a Var line is only read the same every time if renaming leaves it
+  // alone.
+  const size_t col = kColunaComando + 1;
+  size_t cr = m.corpo.find(CR);
+  Texto primeira = m.corpo.substr(0, cr == NPOS ? NPOS : cr + 1);
+  Texto palavra;
+  if (m.corpo.compare(col, 4, u"Var ") == 0)
+    palavra = u"Var";
+  else if (m.corpo.compare(col, 9, u"Variable ") == 0)
+    palavra = u"Variable";
+  for (size_t i = 0; i < m.totalParametros && !palavra.empty(); ++i)
+    if (AchaNomeInteiro(primeira, m.locais[i], 0) != NPOS) return;
+  m.corpoSemVar = m.corpo;
+  if (!palavra.empty()) {
+    size_t ini = col + palavra.size() + 1;
+    Texto lista = m.corpo.substr(ini, cr == NPOS ? NPOS : cr - ini);
+    if (TemChamadaPreAvaliada(Maiusculas(Apara(lista)))) return;
+    try {
+      for (const Texto& it : SeparaArgumentos(lista, 101)) {
+        if (it.empty()) break;
+        if (!item(it)) return;
+      }
+    } catch (const FalhaHost&) {
+      return;
+    }
+    size_t primeiro = m.corpo.find(u"&#");
+    size_t segundo = primeiro == NPOS ? NPOS : m.corpo.find(u"&#", primeiro + 2);
+    m.corpoSemVar = segundo == NPOS ? Texto() : m.corpo.substr(segundo);
+  }
+  m.rapido = true;
+}
+
+Texto Interpretador::CorpoRenomeado(const ModeloFuncao& m, const std::vector<Texto>& gerados) const {
+  Texto corpo = m.corpoSemVar;
+  for (size_t i = 0; i < m.locais.size(); ++i) TrocaNome(corpo, m.locais[i], gerados[i]);
+  return corpo;
+}
+
+Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos, const PlanoLinha* plano) {
   std::vector<Texto> remover;
   try {
     ModeloFuncao lido;
-    const ModeloFuncao* modelo = ModeloDe(nome);
+    ModeloFuncao* modelo = ModeloDe(nome);
     if (!modelo) {
       LeFuncao(nome, lido, true);
       modelo = &lido;
+    } else if (!modelo->analisado) {
+      AnalisaModelo(nome, *modelo);
     }
-    Texto corpo = modelo->corpo;
     Texto contador = InteiroParaTexto(contadorChamadas);
     std::vector<Texto> locais, gerados;
+    // Where each generated variable was made; type Integer with -1: it
+    // already stood somewhere (the plans look it up).
+    std::vector<std::pair<TipoVariavel, int32_t>> vagas;
     // Each parameter and local gets a global of a generated name.
     auto declara = [&](const Texto& item) {
       size_t sp = item.find(u' ');
       if (sp == NPOS) throw FalhaHost(falha::ChamadaInvalida);
       Texto local = item.substr(0, sp);
       Texto gerado = nome + contador + local;
-      CriaVariavel(gerado, TextoV(item).substr(sp + 1));
+      TextoV tipo = TextoV(item).substr(sp + 1);
+      TipoVariavel t = TipoVariavel::Integer;
+      bool feito = variaveis.Cria(gerado, tipo);
+      if (feito) LeTipo(tipo, t);
+      vagas.emplace_back(t, feito ? static_cast<int32_t>(variaveis.TamanhoValores(t)) - 1 : -1);
       remover.push_back(gerado);
       locais.push_back(local);
-      gerados.push_back(gerado);
+      gerados.push_back(std::move(gerado));
     };
     for (const Texto& f : modelo->parametros) {
       if (f.empty()) break;
       declara(f);
     }
-    auto reais = SeparaArgumentos(argumentos, 21);
-    Texto exibicao = corpo;
-    for (size_t i = 0; i < reais.size() && !reais[i].empty(); ++i) {
-      TrocaNome(corpo, i < locais.size() ? locais[i] : Texto(), i < gerados.size() ? gerados[i] : Texto());
+    std::vector<Texto> reais;
+    size_t totalReais = 0;
+    if (plano) {
+      totalReais = plano->partes.size();
+    } else {
+      reais = SeparaArgumentos(argumentos, 21);
+      while (totalReais < reais.size() && !reais[totalReais].empty()) ++totalReais;
+    }
+    const bool rapido = modelo->rapido && !modoDepuracao && totalReais == modelo->totalParametros;
+    Texto corpo = rapido ? Texto() : modelo->corpo;
+    for (size_t i = 0; i < totalReais; ++i) {
+      if (!rapido)
+        TrocaNome(corpo, i < locais.size() ? locais[i] : Texto(), i < gerados.size() ? gerados[i] : Texto());
       bool numerico = false;
-      Valor v = ValorNumerico(reais[i], numerico);
+      Valor v = plano ? AvaliaValor(plano->partes[i], plano->geracao) : ValorNumerico(reais[i], numerico);
       GravaVariavel(gerados[i], v, true);
     }
-    // Locals: only a first statement "Var" or "Variable", spelled so.
-    const size_t col = kColunaComando + 1;
-    Texto palavra;
-    if (corpo.compare(col, 4, u"Var ") == 0)
-      palavra = u"Var";
-    else if (corpo.compare(col, 9, u"Variable ") == 0)
-      palavra = u"Variable";
-    if (!palavra.empty()) {
-      size_t fimLinha = corpo.find(CR, col);
-      size_t ini = col + palavra.size() + 1;
-      Texto lista = corpo.substr(ini, fimLinha == NPOS ? NPOS : fimLinha - ini);
-      size_t antes = locais.size();
-      for (const Texto& item : SeparaArgumentos(lista, 101)) {
-        if (item.empty()) break;
-        declara(item);
+    if (rapido) {
+      for (size_t i = modelo->totalParametros; i < modelo->locais.size(); ++i)
+        declara(modelo->locais[i] + u' ' + modelo->tipos[i]);
+      ExecutaCorpo(*modelo, gerados, vagas, modelo->corpo);
+    } else {
+      Texto exibicao = modelo->corpo;
+      // Locals: only a first statement "Var" or "Variable", spelled so.
+      const size_t col = kColunaComando + 1;
+      Texto palavra;
+      if (corpo.compare(col, 4, u"Var ") == 0)
+        palavra = u"Var";
+      else if (corpo.compare(col, 9, u"Variable ") == 0)
+        palavra = u"Variable";
+      if (!palavra.empty()) {
+        size_t fimLinha = corpo.find(CR, col);
+        size_t ini = col + palavra.size() + 1;
+        Texto lista = corpo.substr(ini, fimLinha == NPOS ? NPOS : fimLinha - ini);
+        size_t antes = locais.size();
+        for (const Texto& item : SeparaArgumentos(lista, 101)) {
+          if (item.empty()) break;
+          declara(item);
+        }
+        for (size_t i = antes; i < locais.size(); ++i) TrocaNome(corpo, locais[i], gerados[i]);
+        size_t primeiro = corpo.find(u"&#");
+        size_t segundo = primeiro == NPOS ? NPOS : corpo.find(u"&#", primeiro + 2);
+        corpo = segundo == NPOS ? Texto() : corpo.substr(segundo);
       }
-      for (size_t i = antes; i < locais.size(); ++i) TrocaNome(corpo, locais[i], gerados[i]);
-      size_t primeiro = corpo.find(u"&#");
-      size_t segundo = primeiro == NPOS ? NPOS : corpo.find(u"&#", primeiro + 2);
-      corpo = segundo == NPOS ? Texto() : corpo.substr(segundo);
+      ExecutaTexto(corpo, exibicao, 0);
     }
-    ExecutaTexto(corpo, exibicao, 0);
     Valor r = valorRetorno;
     // A run ended by a limit is being torn down: its generated names go with it.
     if (abortado) return r;

@@ -1,5 +1,7 @@
 #include "core/variaveis.h"
 
+#include <algorithm>
+
 namespace zv {
 
 const char16_t* NomeTipo(TipoVariavel t) {
@@ -49,13 +51,14 @@ size_t Variaveis::TamanhoValores(TipoVariavel t) const {
 }
 
 int32_t Variaveis::Acha(const Texto& chave) {
-  if (registra) consultados_.insert(chave);
+  bool lembra = registra && std::find(semRegistro.begin(), semRegistro.end(), chave) == semRegistro.end();
+  if (lembra) consultados_.insert(chave);
   auto it = indice_.find(chave);
   if (it == indice_.end()) return -1;
   const Local& l = it->second.first;
   tipoEncontrado = static_cast<TipoVariavel>(l.tipo);
   entradaEncontrada = &dir_[l.tipo][l.indice];
-  if (registra) dir_[l.tipo][l.indice].consultado = true;
+  if (lembra) dir_[l.tipo][l.indice].consultado = true;
   return entradaEncontrada->inicio;
 }
 
@@ -67,10 +70,10 @@ int32_t Variaveis::Posicao(TextoV nome) {
   return Acha(Maiusculas(nome));
 }
 
-void Variaveis::Cria(TextoV nome, TextoV tipo, int32_t tamanho) {
+bool Variaveis::Cria(TextoV nome, TextoV tipo, int32_t tamanho) {
   TipoVariavel t;
-  if (!LeTipo(tipo, t)) return;
-  if (Posicao(nome) >= 0) return;
+  if (!LeTipo(tipo, t)) return false;
+  if (Posicao(nome) >= 0) return false;
   if (tamanho < 0) tamanho = 0;
   auto& d = dir_[int(t)];
   EntradaVariavel e;
@@ -99,6 +102,7 @@ void Variaveis::Cria(TextoV nome, TextoV tipo, int32_t tamanho) {
     Local& l = it->second.first;
     if (uint8_t(t) < l.tipo) l = Local{uint8_t(t), uint32_t(d.size() - 1)};
   }
+  return true;
 }
 
 void Variaveis::Reindexa(const Texto& chave) {

@@ -36,8 +36,8 @@ class Variaveis {
   const EntradaVariavel* entradaEncontrada = nullptr;
 
   // Creates a variable of `tamanho` values, unless the name exists in any
-  // type. An unknown type word creates nothing.
-  void Cria(TextoV nome, TextoV tipo, int32_t tamanho = 1);
+  // type. An unknown type word creates nothing. True when it made one.
+  bool Cria(TextoV nome, TextoV tipo, int32_t tamanho = 1);
   // Removes by the whole upper-case name; false when there is none.
   bool Remove(TextoV nome);
   void Limpa();
@@ -47,8 +47,11 @@ class Variaveis {
   // values: what was found by name then is stale when it differs. A routine's
   // own names, created and removed last-in first-out, leave it alone.
   uint64_t geracao = 1;
-  // Lookups made while this is on are remembered until Limpa.
+  // Lookups made while this is on are remembered until Limpa, except of
+  // these names (upper case): a routine's own names, which the plans of its
+  // body check at each call instead.
   bool registra = false;
+  std::vector<Texto> semRegistro;
 
   const std::vector<EntradaVariavel>& Diretorio(TipoVariavel t) const { return dir_[int(t)]; }
   std::vector<Texto> textos;      // ValoresTexto
