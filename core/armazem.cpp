@@ -81,6 +81,10 @@ void Interpretador::GravaVariavel(TextoV nome, const Valor& valor, bool deveExis
     abortado = true;
     throw FalhaHost(falha::SemMemoria);
   }
+  GravaNaPosicao(tipo, k, valor);
+}
+
+void Interpretador::GravaNaPosicao(TipoVariavel tipo, size_t k, const Valor& valor) {
   try {
     switch (tipo) {
       case TipoVariavel::String:

@@ -1,5 +1,7 @@
 // Planned Function calls: "x = F(args)" in the main text, and the plans of a
 // Function's body, made on one call's renamed body and kept for the next.
+#include <cmath>
+
 #include "core/interpretador.h"
 #include "core/marcas.h"
 #include "core/preparacao.h"
@@ -94,27 +96,144 @@ void Interpretador::ExecutaCorpo(ModeloFuncao& m, const std::vector<Texto>& gera
   Nivel nivel(profundidade);
   if (!EntraCaminhada()) return;
   CondicoesFalsas falsas{};
+  int32_t numero;
+  Seguimento s = CorreCorpo(*cp, falsas, numero);
+  if (s != Seguimento::Fim) SegueCorpo(m, gerados, exibicao, numero, falsas, s);
+}
+
+Interpretador::Seguimento Interpretador::CorreCorpo(CorpoPlanejado& cp, CondicoesFalsas& falsas, int32_t& numero) {
   // The walk's checks before its first statement.
-  if (!executando || janelaFechada || pararPrograma || abortado) return;
+  if (!executando || janelaFechada || pararPrograma || abortado) return Seguimento::Fim;
   if (limiteInstrucoes > 0 && ++instrucoesExecutadas > limiteInstrucoes) {
     limiteAtingido = true;
     abortado = true;
-    return;
+    return Seguimento::Fim;
   }
-  PlanoLinha* pl = cp->linhas.front().get();
-  int32_t numero = cp->primeiro;
+  PlanoLinha* pl = cp.linhas.front().get();
+  numero = cp.primeiro;
   size_t pos = pl->pos, fim = pl->fim;
-  Seguimento s = Seguimento::Generico;
-  if (pl->tipo != PlanoLinha::Tipo::Generico) {
-    s = CorrePlanos(cp->modelo, pl, numero, pos, fim, falsas, cp);
-    if (s == Seguimento::Fim) return;
-  }
-  // The walk goes on over this call's own body, from where the plans stopped.
+  if (pl->tipo == PlanoLinha::Tipo::Generico) return Seguimento::Generico;
+  return CorrePlanos(cp.modelo, pl, numero, pos, fim, falsas, &cp);
+}
+
+// The walk goes on over this call's own body, from where the plans stopped.
+void Interpretador::SegueCorpo(const ModeloFuncao& m, const std::vector<Texto>& gerados, const Texto& exibicao,
+                               int32_t numero, CondicoesFalsas& falsas, Seguimento s) {
   Texto corpo = CorpoRenomeado(m, gerados);
-  pos = corpo.find(MarcaComando(numero));
+  size_t pos = corpo.find(MarcaComando(numero));
   if (pos == NPOS) return;
   Caminha(corpo, exibicao, numero, pos, std::min(corpo.find(CRLF, pos), corpo.size()), falsas,
           s == Seguimento::Generico);
+}
+
+bool Interpretador::ChamadaSemNomes(const Texto& nome, ModeloFuncao& m, const PlanoLinha& plano, Valor& resultado) {
+  CorpoPlanejado* cp = m.plano.get();
+  if (!cp || cp->geracao != variaveis.geracao || plano.geracao != variaveis.geracao || !m.locaisDistintos ||
+      contadorChamadas < 0)
+    return false;
+  size_t digitos = 1;
+  for (int64_t dez = 10; dez <= contadorChamadas; dez *= 10) ++digitos;
+  const size_t n = m.locais.size();
+  // Each variable goes where Cria would put it, and none of that name can
+  // stand already or have been looked for.
+  size_t tamanhos[3] = {variaveis.textos.size(), variaveis.inteiros.size(), variaveis.decimais.size()};
+  for (size_t i = 0; i < n; ++i) {
+    TipoVariavel t = m.tiposLocais[i];
+    auto vaga = std::make_pair(t, static_cast<int32_t>(tamanhos[static_cast<int>(t)]++));
+    if (cp->vagas[i] != vaga) return false;
+    if (variaveis.TalvezComDigito(m.inicialMaiuscula, nome.size() + digitos + m.locais[i].size())) return false;
+  }
+  // The arguments, when reading them is all that their values take.
+  double numeros[21];
+  Valor::Tipo tipos[21];
+  const Texto* textos[21];
+  for (size_t i = 0; i < m.totalParametros; ++i) {
+    const PlanoValor& p = plano.partes[i];
+    textos[i] = nullptr;
+    if (!NumeroRapido(p, numeros[i], tipos[i])) {
+      textos[i] = TextoRapido(p);
+      if (!textos[i] || textos[i]->size() > kMaxTexto) return false;
+    }
+  }
+  for (size_t i = 0; i < n; ++i) {
+    switch (m.tiposLocais[i]) {
+      case TipoVariavel::String:
+        variaveis.textos.emplace_back();
+        break;
+      case TipoVariavel::Integer:
+        variaveis.inteiros.push_back(0);
+        break;
+      case TipoVariavel::Decimal:
+        variaveis.decimais.push_back(0.0);
+        break;
+    }
+  }
+  for (size_t i = 0; i < m.totalParametros; ++i) {
+    TipoVariavel t = m.tiposLocais[i];
+    size_t k = static_cast<size_t>(cp->vagas[i].second);
+    if (textos[i]) {
+      if (t == TipoVariavel::String)
+        variaveis.textos[k] = *textos[i];
+      else
+        GravaNaPosicao(t, k, Valor::DeTexto(*textos[i]));
+    } else if (t == TipoVariavel::Integer && tipos[i] == Valor::Tipo::Int32) {
+      variaveis.inteiros[k] = static_cast<int32_t>(numeros[i]);
+    } else {
+      Valor::Tipo tx = tipos[i];
+      double x = numeros[i];
+      GravaNaPosicao(t, k,
+                     tx == Valor::Tipo::Int32    ? Valor::DeInt32(static_cast<int32_t>(x))
+                     : tx == Valor::Tipo::Double ? Valor::DeDouble(x)
+                                                 : Valor::DeDecimal(x));
+    }
+  }
+  ++m.chamadas;
+  std::vector<Texto> gerados;
+  auto comNomes = [&] {
+    if (!gerados.empty() || n == 0) return;
+    Texto contador = InteiroParaTexto(contadorChamadas);
+    for (size_t i = 0; i < n; ++i) {
+      gerados.push_back(nome + contador + m.locais[i]);
+      variaveis.Anota(gerados.back(), m.tiposLocais[i], cp->vagas[i].second);
+    }
+  };
+  {
+    Nivel nivel(profundidade);
+    if (EntraCaminhada()) {
+      CondicoesFalsas falsas{};
+      int32_t numero;
+      Seguimento s = CorreCorpo(*cp, falsas, numero);
+      if (s != Seguimento::Fim) {
+        comNomes();
+        SegueCorpo(m, gerados, m.corpo, numero, falsas, s);
+      }
+    }
+  }
+  resultado = valorRetorno;
+  // A run ended by a limit keeps the call's variables, as the long way does.
+  if (abortado) {
+    comNomes();
+    return true;
+  }
+  if (!gerados.empty()) {
+    for (const Texto& g : gerados) RemoveVariable(g);
+  } else {
+    for (size_t i = 0; i < n; ++i) {
+      switch (m.tiposLocais[i]) {
+        case TipoVariavel::String:
+          variaveis.textos.pop_back();
+          break;
+        case TipoVariavel::Integer:
+          variaveis.inteiros.pop_back();
+          break;
+        case TipoVariavel::Decimal:
+          variaveis.decimais.pop_back();
+          break;
+      }
+    }
+  }
+  ++contadorChamadas;
+  return true;
 }
 
 // "x = F(args)" where the right side is that one call: found as
@@ -168,7 +287,35 @@ void Interpretador::ExecutaChamada(PlanoLinha& pl) {
     GravaRef(pl.alvo, pl.geracao, ChamaFuncao(pl.nomeFuncao, Texto(), &pl));
     return;
   }
-  Texto t = ChamaFuncao(pl.nomeFuncao, Texto(), &pl).ComoTexto();
+  Valor r = ChamaFuncao(pl.nomeFuncao, Texto(), &pl);
+  // A whole number's text reads back as the number itself.
+  if (!forcaTexto && pl.palavraResultado != u"String") {
+    double x = 0;
+    bool inteiro = r.tipo == Valor::Tipo::Int32 || r.tipo == Valor::Tipo::Int16;
+    if (inteiro) {
+      x = r.i;
+    } else if ((r.tipo == Valor::Tipo::Double || r.tipo == Valor::Tipo::Decimal) && r.d == std::trunc(r.d) &&
+               std::fabs(r.d) < 1e15) {
+      x = r.d + 0.0;
+      inteiro = true;
+    }
+    if (inteiro) {
+      int64_t k;
+      if (pl.geracao == variaveis.geracao && IndiceRef(pl.alvo, k) && pl.alvo.tipo != TipoVariavel::String &&
+          (pl.alvo.tipo == TipoVariavel::Decimal || std::fabs(x) < 2147483648.0)) {
+        size_t p = static_cast<size_t>(pl.alvo.inicio + k);
+        if (pl.alvo.tipo == TipoVariavel::Integer)
+          variaveis.inteiros[p] = static_cast<int32_t>(x);
+        else
+          variaveis.decimais[p] = x;
+        forcaTexto = false;
+      } else {
+        AtribuiValor(pl.alvo, pl.geracao, Valor::DeDouble(x));
+      }
+      return;
+    }
+  }
+  Texto t = r.ComoTexto();
   if (pl.palavraResultado == u"Numero") {
     size_t v = t.rfind(u',');
     if (v != NPOS) t[v] = u'.';

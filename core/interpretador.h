@@ -94,6 +94,8 @@ class Interpretador {
   int32_t PosicaoVariavel(TextoV nome) { return variaveis.Posicao(nome); }
   Valor LeVariavel(TextoV nome);
   void GravaVariavel(TextoV nome, const Valor& valor, bool deveExistir);
+  // The store of a value into a variable's value k, once it was found.
+  void GravaNaPosicao(TipoVariavel tipo, size_t k, const Valor& valor);
   void DeclaraVariaveis(const Texto& linha, TextoV palavra);
   void CriaVariavel(TextoV nome, TextoV tipo) { variaveis.Cria(nome, tipo); }
   void CriaVetor(TextoV nome, TextoV tipo);
@@ -170,6 +172,7 @@ class Interpretador {
   void TiqueTimer();
   // Per If depth: whether the If's condition came out "FALSE" (its Else runs).
   using CondicoesFalsas = std::array<bool, 21>;
+  enum class Seguimento { Proximo, Generico, Fim };
   // The guard every walk passes first: false when calls nest too deep.
   bool EntraCaminhada();
   // The walk's loop from the statement at numero/pos/fim; `contado` when that
@@ -191,6 +194,13 @@ class Interpretador {
   // hold, else (or from where they stop) by the walk.
   void ExecutaCorpo(ModeloFuncao& m, const std::vector<Texto>& gerados,
                     const std::vector<std::pair<TipoVariavel, int32_t>>& vagas, const Texto& exibicao);
+  // A call whose own variables nobody looks up by name: their values stand
+  // where Cria would put them, and the names are only made if the walk must
+  // take over. False, with nothing changed, when the call isn't such a one.
+  bool ChamadaSemNomes(const Texto& nome, ModeloFuncao& m, const PlanoLinha& plano, Valor& resultado);
+  Seguimento CorreCorpo(CorpoPlanejado& cp, CondicoesFalsas& falsas, int32_t& numero);
+  void SegueCorpo(const ModeloFuncao& m, const std::vector<Texto>& gerados, const Texto& exibicao, int32_t numero,
+                  CondicoesFalsas& falsas, Seguimento s);
   std::unique_ptr<CorpoPlanejado> PlanejaCorpo(const ModeloFuncao& m, const std::vector<Texto>& gerados,
                                                const std::vector<std::pair<TipoVariavel, int32_t>>& vagas);
   void PreparaChamada(const Texto& nome, const Texto& dir, PlanoLinha& pl);
@@ -247,7 +257,6 @@ class Interpretador {
   bool RetornoRapido(PlanoLinha& pl);
   void PreparaSubStr(const Texto& dir, PlanoLinha& pl);
   bool SubStrRapido(PlanoLinha& pl);
-  enum class Seguimento { Proximo, Generico, Fim };
   // Runs plans one after another from `pl` while the statements have one.
   // Proximo: the statement at numero/pos/fim has none (the walk takes it);
   // Generico: `pl` itself was left to the walk; Fim: the walk ends. With

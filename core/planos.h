@@ -20,6 +20,7 @@
 namespace zv {
 
 class Interpretador;
+struct ModeloFuncao;
 
 // A variable as a statement names it ("x", "L(3)", "L(i)"), found.
 struct RefVariavel {
@@ -93,6 +94,7 @@ struct PlanoLinha {
   // whether it is the "F()" form, whose result goes to the variable as it is.
   Texto nomeFuncao, palavraResultado, direita;
   bool direto = false;
+  mutable ModeloFuncao* modelo = nullptr;  // found at the first call
   // The next statement, and where a jump goes (a Loop: back to its While), found once.
   Destino seguinte, desvio;
 };
@@ -129,6 +131,9 @@ struct ModeloFuncao {
   bool analisado = false, rapido = false;
   size_t totalParametros = 0;
   std::vector<Texto> locais, tipos;
+  std::vector<TipoVariavel> tiposLocais;
+  bool locaisDistintos = false;
+  char16_t inicialMaiuscula = 0;  // of the generated names
   Texto corpoSemVar;
   std::unique_ptr<CorpoPlanejado> plano;
   // Plans remade for calls that found their variables elsewhere; too many,

@@ -223,6 +223,7 @@ void Interpretador::AnalisaModelo(const Texto& nome, ModeloFuncao& m) {
   m.rapido = false;
   m.locais.clear();
   m.tipos.clear();
+  m.tiposLocais.clear();
   if (!NomeSimples(nome)) return;
   // A call's name is looked for in the body's texts: one with digits could
   // meet a generated name's counter, and then be found in one call's body and
@@ -255,6 +256,7 @@ void Interpretador::AnalisaModelo(const Texto& nome, ModeloFuncao& m) {
     if (nome.size() + 11 + local.size() > 50) return false;
     m.locais.push_back(local);
     m.tipos.push_back(tipo);
+    m.tiposLocais.push_back(t);
     return true;
   };
   for (const Texto& f : m.parametros) {
@@ -293,6 +295,11 @@ void Interpretador::AnalisaModelo(const Texto& nome, ModeloFuncao& m) {
     size_t segundo = primeiro == NPOS ? NPOS : m.corpo.find(u"&#", primeiro + 2);
     m.corpoSemVar = segundo == NPOS ? Texto() : m.corpo.substr(segundo);
   }
+  m.locaisDistintos = true;
+  for (size_t i = 0; i < m.locais.size(); ++i)
+    for (size_t j = 0; j < i; ++j)
+      if (m.locais[i] == m.locais[j]) m.locaisDistintos = false;
+  m.inicialMaiuscula = Maiusculas(TextoV(nome).substr(0, 1))[0];
   m.rapido = true;
 }
 
@@ -305,13 +312,19 @@ Texto Interpretador::CorpoRenomeado(const ModeloFuncao& m, const std::vector<Tex
 Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos, const PlanoLinha* plano) {
   std::vector<Texto> remover;
   try {
-    ModeloFuncao lido;
-    ModeloFuncao* modelo = ModeloDe(nome);
+    std::unique_ptr<ModeloFuncao> lido;
+    ModeloFuncao* modelo = plano && plano->modelo ? plano->modelo : ModeloDe(nome);
+    if (plano) plano->modelo = modelo;
     if (!modelo) {
-      LeFuncao(nome, lido, true);
-      modelo = &lido;
-    } else if (!modelo->analisado) {
-      AnalisaModelo(nome, *modelo);
+      lido = std::make_unique<ModeloFuncao>();
+      LeFuncao(nome, *lido, true);
+      modelo = lido.get();
+    } else {
+      if (!modelo->analisado) AnalisaModelo(nome, *modelo);
+      if (plano && modelo->rapido && !modoDepuracao && plano->partes.size() == modelo->totalParametros) {
+        Valor r;
+        if (ChamadaSemNomes(nome, *modelo, *plano, r)) return r;
+      }
     }
     Texto contador = InteiroParaTexto(contadorChamadas);
     std::vector<Texto> locais, gerados;
@@ -345,7 +358,7 @@ Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos, con
       reais = SeparaArgumentos(argumentos, 21);
       while (totalReais < reais.size() && !reais[totalReais].empty()) ++totalReais;
     }
-    const bool rapido = modelo->rapido && !modoDepuracao && totalReais == modelo->totalParametros;
+    const bool rapido = !lido && modelo->rapido && !modoDepuracao && totalReais == modelo->totalParametros;
     Texto corpo = rapido ? Texto() : modelo->corpo;
     for (size_t i = 0; i < totalReais; ++i) {
       if (!rapido)

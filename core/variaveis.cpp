@@ -52,7 +52,8 @@ size_t Variaveis::TamanhoValores(TipoVariavel t) const {
 
 int32_t Variaveis::Acha(const Texto& chave) {
   bool lembra = registra && std::find(semRegistro.begin(), semRegistro.end(), chave) == semRegistro.end();
-  if (lembra) consultados_.insert(chave);
+  if (lembra && consultados_.insert(chave).second && !chave.empty() && TemDigito(chave))
+    ++consultadosComDigito_[Forma(chave[0], chave.size())];
   auto it = indice_.find(chave);
   if (it == indice_.end()) return -1;
   const Local& l = it->second.first;
@@ -70,16 +71,18 @@ int32_t Variaveis::Posicao(TextoV nome) {
   return Acha(Maiusculas(nome));
 }
 
+bool Variaveis::TemDigito(const Texto& nome) {
+  for (char16_t c : nome)
+    if (EDigito(c)) return true;
+  return false;
+}
+
 bool Variaveis::Cria(TextoV nome, TextoV tipo, int32_t tamanho) {
   TipoVariavel t;
   if (!LeTipo(tipo, t)) return false;
   if (Posicao(nome) >= 0) return false;
   if (tamanho < 0) tamanho = 0;
-  auto& d = dir_[int(t)];
-  EntradaVariavel e;
-  e.nome = NomeGuardado(nome);
-  e.inicio = static_cast<int32_t>(TamanhoValores(t));
-  e.tamanho = tamanho;
+  int32_t inicio = static_cast<int32_t>(TamanhoValores(t));
   switch (t) {
     case TipoVariavel::String:
       textos.resize(textos.size() + tamanho);
@@ -91,9 +94,26 @@ bool Variaveis::Cria(TextoV nome, TextoV tipo, int32_t tamanho) {
       decimais.resize(decimais.size() + tamanho, 0.0);
       break;
   }
-  d.push_back(e);
-  if (Consultado(d.back().nome)) ++geracao;
-  auto [it, novo] = indice_.try_emplace(d.back().nome);
+  Acrescenta(t, NomeGuardado(nome), inicio, tamanho);
+  return true;
+}
+
+void Variaveis::Anota(TextoV nome, TipoVariavel tipo, int32_t inicio) {
+  if (Posicao(nome) >= 0) return;
+  Acrescenta(tipo, NomeGuardado(nome), inicio, 1);
+}
+
+void Variaveis::Acrescenta(TipoVariavel t, Texto nome, int32_t inicio, int32_t tamanho) {
+  auto& d = dir_[int(t)];
+  EntradaVariavel e;
+  e.nome = std::move(nome);
+  e.inicio = inicio;
+  e.tamanho = tamanho;
+  d.push_back(std::move(e));
+  const Texto& n = d.back().nome;
+  if (Consultado(n)) ++geracao;
+  if (!n.empty() && TemDigito(n)) ++guardadosComDigito_[Forma(n[0], n.size())];
+  auto [it, novo] = indice_.try_emplace(n);
   if (novo) {
     it->second = {Local{uint8_t(t), uint32_t(d.size() - 1)}, 1};
   } else {
@@ -102,7 +122,6 @@ bool Variaveis::Cria(TextoV nome, TextoV tipo, int32_t tamanho) {
     Local& l = it->second.first;
     if (uint8_t(t) < l.tipo) l = Local{uint8_t(t), uint32_t(d.size() - 1)};
   }
-  return true;
 }
 
 void Variaveis::Reindexa(const Texto& chave) {
@@ -130,6 +149,7 @@ bool Variaveis::Remove(TextoV nome) {
   for (size_t i = l.indice; i < d.size() && !muda; ++i) muda = d[i].consultado;
   if (muda) ++geracao;
   int32_t f = d[l.indice].inicio, s = d[l.indice].tamanho;
+  if (TemDigito(chave)) --guardadosComDigito_[Forma(chave[0], chave.size())];
   d.erase(d.begin() + l.indice);
   for (size_t i = l.indice; i < d.size(); ++i) {
     d[i].inicio -= s;
@@ -165,6 +185,8 @@ void Variaveis::Limpa() {
   decimais.clear();
   indice_.clear();
   consultados_.clear();
+  std::fill(guardadosComDigito_.begin(), guardadosComDigito_.end(), 0);
+  std::fill(consultadosComDigito_.begin(), consultadosComDigito_.end(), 0);
   entradaEncontrada = nullptr;
 }
 

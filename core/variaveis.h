@@ -40,6 +40,16 @@ class Variaveis {
   bool Cria(TextoV nome, TextoV tipo, int32_t tamanho = 1);
   // Removes by the whole upper-case name; false when there is none.
   bool Remove(TextoV nome);
+  // Whether a stored name, or one looked up while lookups were remembered,
+  // with a digit in it could be a name of this upper-case first character
+  // and length. False means surely not.
+  bool TalvezComDigito(char16_t inicialMaiuscula, size_t tamanho) const {
+    size_t k = Forma(inicialMaiuscula, tamanho);
+    return guardadosComDigito_[k] != 0 || consultadosComDigito_[k] != 0;
+  }
+  // Declares a variable of one value whose value already stands at
+  // `inicio`, as Cria would have declared it then.
+  void Anota(TextoV nome, TipoVariavel tipo, int32_t inicio);
   void Limpa();
 
   // Changes when a name comes or goes in a way that alters an earlier lookup
@@ -65,6 +75,9 @@ class Variaveis {
     uint32_t indice;  // in its directory
   };
   int32_t Acha(const Texto& chave);
+  void Acrescenta(TipoVariavel t, Texto nome, int32_t inicio, int32_t tamanho);
+  static size_t Forma(char16_t inicial, size_t tamanho) { return (inicial & 127u) * 51 + (tamanho > 50 ? 50 : tamanho); }
+  static bool TemDigito(const Texto& nome);
   bool Consultado(const Texto& chave) const { return consultados_.count(chave) != 0; }
   void Reindexa(const Texto& chave);
 
@@ -73,6 +86,10 @@ class Variaveis {
   // Decimal, each by declaration), and how many entries carry that name.
   std::unordered_map<Texto, std::pair<Local, uint32_t>> indice_;
   std::unordered_set<Texto> consultados_;
+  // Names with a digit, by first character and length: stored ones, and
+  // remembered lookups.
+  std::vector<uint32_t> guardadosComDigito_ = std::vector<uint32_t>(128 * 51);
+  std::vector<uint32_t> consultadosComDigito_ = std::vector<uint32_t>(128 * 51);
 };
 
 }  // namespace zv
