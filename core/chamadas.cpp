@@ -197,7 +197,7 @@ bool Interpretador::ChamadaSemNomes(const Texto& nome, ModeloFuncao& m, const Pl
       variaveis.Anota(gerados.back(), m.tiposLocais[i], cp->vagas[i].second);
     }
   };
-  {
+  try {
     Nivel nivel(profundidade);
     if (EntraCaminhada()) {
       CondicoesFalsas falsas{};
@@ -208,6 +208,10 @@ bool Interpretador::ChamadaSemNomes(const Texto& nome, ModeloFuncao& m, const Pl
         SegueCorpo(m, gerados, m.corpo, numero, falsas, s);
       }
     }
+  } catch (...) {
+    // A failure leaves the call's variables behind, named, as the long way does.
+    comNomes();
+    throw;
   }
   resultado = valorRetorno;
   // A run ended by a limit keeps the call's variables, as the long way does.
