@@ -131,8 +131,9 @@ bool Interpretador::ChamadaSemNomes(const Texto& nome, ModeloFuncao& m, const Pl
   if (!cp || cp->geracao != variaveis.geracao || plano.geracao != variaveis.geracao || !m.locaisDistintos ||
       contadorChamadas < 0)
     return false;
-  size_t digitos = 1;
-  for (int64_t dez = 10; dez <= contadorChamadas; dez *= 10) ++digitos;
+  const int32_t c = contadorChamadas;
+  size_t digitos = 1 + (c >= 10) + (c >= 100) + (c >= 1000) + (c >= 10000) + (c >= 100000) + (c >= 1000000) +
+                   (c >= 10000000) + (c >= 100000000) + (c >= 1000000000);
   const size_t n = m.locais.size();
   // Each variable goes where Cria would put it, and none of that name can
   // stand already or have been looked for.
@@ -281,6 +282,8 @@ void Interpretador::PreparaChamada(const Texto& nome, const Texto& dir, PlanoLin
   }
   if (!ResolveRef(nome, pl.alvo)) return;
   pl.palavraResultado = tiposFuncoes[static_cast<size_t>(k)];
+  pl.resultadoTexto = pl.palavraResultado == u"String";
+  pl.resultadoNumero = pl.palavraResultado == u"Numero";
   pl.direita = dir;
   pl.tipo = PlanoLinha::Tipo::Chamada;
 }
@@ -291,9 +294,25 @@ void Interpretador::ExecutaChamada(PlanoLinha& pl) {
     GravaRef(pl.alvo, pl.geracao, ChamaFuncao(pl.nomeFuncao, Texto(), &pl));
     return;
   }
-  Valor r = ChamaFuncao(pl.nomeFuncao, Texto(), &pl);
+  Valor r;
+  bool feito = false;
+  // Once the Function is known, a call that needs no names goes straight in.
+  if (ModeloFuncao* m = pl.modelo; m && m->rapido && !modoDepuracao && pl.partes.size() == m->totalParametros) {
+    try {
+      feito = ChamadaSemNomes(pl.nomeFuncao, *m, pl, r);
+    } catch (const FalhaHost&) {
+      FalhaFuncao();
+      r = Valor();
+      feito = true;
+    } catch (const std::exception&) {
+      FalhaFuncao();
+      r = Valor();
+      feito = true;
+    }
+  }
+  if (!feito) r = ChamaFuncao(pl.nomeFuncao, Texto(), &pl);
   // A whole number's text reads back as the number itself.
-  if (!forcaTexto && pl.palavraResultado != u"String") {
+  if (!forcaTexto && !pl.resultadoTexto) {
     double x = 0;
     bool inteiro = r.tipo == Valor::Tipo::Int32 || r.tipo == Valor::Tipo::Int16;
     if (inteiro) {
@@ -320,11 +339,11 @@ void Interpretador::ExecutaChamada(PlanoLinha& pl) {
     }
   }
   Texto t = r.ComoTexto();
-  if (pl.palavraResultado == u"Numero") {
+  if (pl.resultadoNumero) {
     size_t v = t.rfind(u',');
     if (v != NPOS) t[v] = u'.';
   }
-  if (pl.palavraResultado == u"String" && (t.empty() || t[0] != u'"')) t = u"\"" + t + u"\"";
+  if (pl.resultadoTexto && (t.empty() || t[0] != u'"')) t = u"\"" + t + u"\"";
   // A plain number holds no further call and reads back as a number.
   double x;
   if (!forcaTexto && !t.empty() && t.find_first_of(u"\"(),[] ") == NPOS && LeNumero(t, x)) {

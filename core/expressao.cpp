@@ -24,7 +24,12 @@ bool FuncaoNumerica(const Texto& nome) {
 }
 
 // The operand of a whole-number operator (%, &, |).
-int32_t Inteiro32DoCalculo(double v) {
+inline int32_t Inteiro32DoCalculo(double v) {
+  // Whole values in range, the usual operands, are themselves.
+  if (v >= -2147483648.0 && v <= 2147483647.0) {
+    int32_t w = static_cast<int32_t>(v);
+    if (w == v) return w;
+  }
   int32_t n;
   if (!ArredondaInt32(v, n)) throw FalhaHost(falha::Estouro);
   return n;
@@ -292,6 +297,7 @@ class Compilador {
 bool ArvoreCalculo::Compila(const std::vector<Texto>& pedacos) {
   passos_.clear();
   pilha_ = 0;
+  binaria_ = false;
   Texto t;
   for (size_t i = 0; i < pedacos.size(); ++i) {
     const Texto& p = pedacos[i];
@@ -319,11 +325,58 @@ bool ArvoreCalculo::Compila(const std::vector<Texto>& pedacos) {
     passos_.push_back({n.op, n.valor});
   };
   posordem(posordem, raiz);
+  auto valor = [](const Passo& p) { return p.op == u'n' || p.op == u'v'; };
+  binaria_ = passos_.size() == 3 && valor(passos_[0]) && valor(passos_[1]) && !valor(passos_[2]) &&
+             passos_[2].op != u'u';
   // A deeper calculation is left to the text's own way.
   return pilha_ <= kMaxPilha;
 }
 
+namespace {
+
+// One operator on the two values on top: e op d into e. False when a
+// division by nought fails the calculation.
+[[gnu::always_inline]] inline bool Aplica(char16_t op, double& e, double d) {
+  switch (op) {
+    case u'+':
+      e += d;
+      return true;
+    case u'-':
+      e -= d;
+      return true;
+    case u'*':
+      e *= d;
+      return true;
+    case u'/':
+      if (d == 0) return false;
+      e /= d;
+      return true;
+    case u'^':
+      e = std::pow(e, d);
+      return true;
+    default: {
+      int32_t a = Inteiro32DoCalculo(e), b = Inteiro32DoCalculo(d);
+      if (op == u'%') {
+        if (b == 0) throw FalhaHost(falha::DivisaoPorZero);
+        e = b == -1 ? 0 : a % b;
+      } else {
+        e = op == u'&' ? (a & b) : (a | b);
+      }
+      return true;
+    }
+  }
+}
+
+}  // namespace
+
 bool ArvoreCalculo::Calcula(const double* valores, double& r) const {
+  if (binaria_) {
+    const Passo& a = passos_[0];
+    const Passo& b = passos_[1];
+    r = a.op == u'v' ? valores[static_cast<int>(a.valor)] : a.valor;
+    if (!Aplica(passos_[2].op, r, b.op == u'v' ? valores[static_cast<int>(b.valor)] : b.valor)) return false;
+    return std::isfinite(r);
+  }
   if (passos_.empty()) return false;
   double p[kMaxPilha];
   size_t n = 0;  // values on the stack
@@ -342,35 +395,7 @@ bool ArvoreCalculo::Calcula(const double* valores, double& r) const {
         break;
     }
     double d = p[--n];
-    double& e = p[n - 1];
-    switch (s.op) {
-      case u'+':
-        e += d;
-        break;
-      case u'-':
-        e -= d;
-        break;
-      case u'*':
-        e *= d;
-        break;
-      case u'/':
-        if (d == 0) return false;
-        e /= d;
-        break;
-      case u'^':
-        e = std::pow(e, d);
-        break;
-      default: {
-        int32_t a = Inteiro32DoCalculo(e), b = Inteiro32DoCalculo(d);
-        if (s.op == u'%') {
-          if (b == 0) throw FalhaHost(falha::DivisaoPorZero);
-          e = b == -1 ? 0 : a % b;
-        } else {
-          e = s.op == u'&' ? (a & b) : (a | b);
-        }
-        break;
-      }
-    }
+    if (!Aplica(s.op, p[n - 1], d)) return false;
   }
   r = p[0];
   return std::isfinite(r);

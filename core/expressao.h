@@ -47,6 +47,8 @@ class ArvoreCalculo {
   static constexpr size_t kMaxPilha = 32;
   std::vector<Passo> passos_;
   size_t pilha_ = 0;  // the deepest the stack goes
+  // Two values and one operator, the commonest calculation, go without the stack.
+  bool binaria_ = false;
 };
 
 // True when a text is taken for arithmetic.

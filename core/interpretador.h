@@ -198,6 +198,8 @@ class Interpretador {
   // where Cria would put them, and the names are only made if the walk must
   // take over. False, with nothing changed, when the call isn't such a one.
   bool ChamadaSemNomes(const Texto& nome, ModeloFuncao& m, const PlanoLinha& plano, Valor& resultado);
+  // The box of a Function call that failed.
+  void FalhaFuncao();
   Seguimento CorreCorpo(CorpoPlanejado& cp, CondicoesFalsas& falsas, int32_t& numero);
   void SegueCorpo(const ModeloFuncao& m, const std::vector<Texto>& gerados, const Texto& exibicao, int32_t numero,
                   CondicoesFalsas& falsas, Seguimento s);

@@ -743,9 +743,12 @@ bool Interpretador::RetornoRapido(PlanoLinha& pl) {
   double x;
   Valor::Tipo t;
   if (NumeroRapido(pl.valor, x, t)) {
-    valorRetorno = t == Valor::Tipo::Int32    ? Valor::DeInt32(static_cast<int32_t>(x))
-                   : t == Valor::Tipo::Double ? Valor::DeDouble(x)
-                                              : Valor::DeDecimal(x);
+    // The value as DeInt32, DeDouble or DeDecimal makes it, in place.
+    Valor& v = valorRetorno;
+    v.tipo = t;
+    v.s.clear();
+    v.i = t == Valor::Tipo::Int32 ? static_cast<int32_t>(x) : 0;
+    v.d = t == Valor::Tipo::Int32 ? 0 : x;
     return true;
   }
   if (const Texto* s = TextoRapido(pl.valor)) {
@@ -891,7 +894,13 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     numero = d.numero;
     pos = d.pos;
     fim = d.fim;
-    pl = corpo ? corpo->Linha(numero, pos, fim, variaveis.geracao) : PlanoDe(texto, numero, pos, fim);
+    PlanoLinha* q = d.plano;
+    if (q && q->pos == pos && q->fim == fim && q->geracao == variaveis.geracao) {
+      pl = q;
+    } else {
+      pl = corpo ? corpo->Linha(numero, pos, fim, variaveis.geracao) : PlanoDe(texto, numero, pos, fim);
+      d.plano = pl;
+    }
     if (!pl || pl->tipo == T::Generico) return Seguimento::Proximo;
     // What the walk checks before every statement.
     if (!executando || janelaFechada || pararPrograma || abortado) return Seguimento::Fim;

@@ -21,6 +21,7 @@ namespace zv {
 
 class Interpretador;
 struct ModeloFuncao;
+struct PlanoLinha;
 
 // A variable as a statement names it ("x", "L(3)", "L(i)"), found.
 struct RefVariavel {
@@ -67,6 +68,9 @@ struct PlanoCondicao {
 struct Destino {
   int32_t numero = 0;
   size_t pos = NPOS, fim = 0;
+  // The plan last found there. Plans are kept until their text goes, so it
+  // is only trusted when it is still for that place and these variables.
+  mutable PlanoLinha* plano = nullptr;
 };
 
 struct PlanoLinha {
@@ -94,6 +98,7 @@ struct PlanoLinha {
   // whether it is the "F()" form, whose result goes to the variable as it is.
   Texto nomeFuncao, palavraResultado, direita;
   bool direto = false;
+  bool resultadoTexto = false, resultadoNumero = false;  // the word is "String", "Numero"
   mutable ModeloFuncao* modelo = nullptr;  // found at the first call
   // The next statement, and where a jump goes (a Loop: back to its While), found once.
   Destino seguinte, desvio;

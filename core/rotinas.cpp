@@ -405,9 +405,13 @@ Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos, con
   } catch (const FalhaHost&) {
   } catch (const std::exception&) {
   }
+  FalhaFuncao();
+  return Valor();
+}
+
+void Interpretador::FalhaFuncao() {
   ErroExecucao(
       u"Error executing the function, make sure you set the argument types and the return type of the function!");
-  return Valor();
 }
 
 bool Interpretador::AchaFuncaoUsuario(const Texto& texto, Texto par[2], Texto& palavraResultado) {
