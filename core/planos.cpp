@@ -411,7 +411,7 @@ bool Interpretador::SubStrRapido(PlanoLinha& pl) {
   // The result comes back quoted and is read again as a value: only a plain
   // one that no variable is named after reads back as itself.
   if (r.find_first_of(u"\",()[] ") != TextoV::npos) return false;
-  if (r.size() + 2 <= 50) {
+  if (r.size() + 2 <= 50 && variaveis.HaNomeComAspas()) {
     Texto aspas;
     aspas.reserve(r.size() + 2);
     aspas += u'"';

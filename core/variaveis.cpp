@@ -113,6 +113,7 @@ void Variaveis::Acrescenta(TipoVariavel t, Texto nome, int32_t inicio, int32_t t
   const Texto& n = d.back().nome;
   if (Consultado(n)) ++geracao;
   if (!n.empty() && TemDigito(n)) ++guardadosComDigito_[Forma(n[0], n.size())];
+  if (!n.empty() && n[0] == u'"') ++nomesComAspas_;
   auto [it, novo] = indice_.try_emplace(n);
   if (novo) {
     it->second = {Local{uint8_t(t), uint32_t(d.size() - 1)}, 1};
@@ -150,6 +151,7 @@ bool Variaveis::Remove(TextoV nome) {
   if (muda) ++geracao;
   int32_t f = d[l.indice].inicio, s = d[l.indice].tamanho;
   if (TemDigito(chave)) --guardadosComDigito_[Forma(chave[0], chave.size())];
+  if (chave[0] == u'"') --nomesComAspas_;
   d.erase(d.begin() + l.indice);
   for (size_t i = l.indice; i < d.size(); ++i) {
     d[i].inicio -= s;
@@ -187,6 +189,7 @@ void Variaveis::Limpa() {
   consultados_.clear();
   std::fill(guardadosComDigito_.begin(), guardadosComDigito_.end(), 0);
   std::fill(consultadosComDigito_.begin(), consultadosComDigito_.end(), 0);
+  nomesComAspas_ = 0;
   entradaEncontrada = nullptr;
 }
 

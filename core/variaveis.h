@@ -47,6 +47,8 @@ class Variaveis {
     size_t k = Forma(inicialMaiuscula, tamanho);
     return guardadosComDigito_[k] != 0 || consultadosComDigito_[k] != 0;
   }
+  // Whether any stored name begins with a double quote.
+  bool HaNomeComAspas() const { return nomesComAspas_ != 0; }
   // Declares a variable of one value whose value already stands at
   // `inicio`, as Cria would have declared it then.
   void Anota(TextoV nome, TipoVariavel tipo, int32_t inicio);
@@ -90,6 +92,7 @@ class Variaveis {
   // remembered lookups.
   std::vector<uint32_t> guardadosComDigito_ = std::vector<uint32_t>(128 * 51);
   std::vector<uint32_t> consultadosComDigito_ = std::vector<uint32_t>(128 * 51);
+  uint32_t nomesComAspas_ = 0;
 };
 
 }  // namespace zv
