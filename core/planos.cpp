@@ -274,10 +274,11 @@ void Interpretador::PreparaCondicao(const Texto& texto, PlanoCondicao& c) {
   size_t n = 0;
   while (n < partes.conectores.size() && !partes.conectores[n].empty()) ++n;
   if (n >= 21) return;
-  c.relacoes = partes.relacoes;
-  c.conectores = partes.conectores;
+  c.partes = std::make_unique<PlanoCondicao::Partes>();
+  c.partes->relacoes = partes.relacoes;
+  c.partes->conectores = partes.conectores;
   c.lento = false;
-  const Texto& rel = c.relacoes[0];
+  const Texto& rel = c.partes->relacoes[0];
   c.simples = c.operandos.size() == 2 && n == 0 && !rel.empty();
   c.relacao = LeRelacao(rel);
 }
@@ -312,18 +313,20 @@ Veredito Interpretador::Julga(const PlanoCondicao& c, uint64_t geracao) {
 
 Texto Interpretador::AvaliaCondicao(const PlanoCondicao& c, uint64_t geracao) {
   if (c.lento) return AvaliaCondicao(c.fonte);
-  if (c.operandos.size() == 2 && c.conectores[0].empty()) {
+  const auto& relacoes = c.partes->relacoes;
+  const auto& conectores = c.partes->conectores;
+  if (c.operandos.size() == 2 && conectores[0].empty()) {
     Valor esq = AvaliaValor(c.operandos[0], geracao);
     Valor dir = AvaliaValor(c.operandos[1], geracao);
-    return ComparaValores(c.relacoes, 0, std::move(esq), std::move(dir));
+    return ComparaValores(relacoes, 0, std::move(esq), std::move(dir));
   }
   std::array<Texto, 21> resultados;
   for (size_t k = 0; k + 1 < c.operandos.size(); k += 2) {
     Valor esq = AvaliaValor(c.operandos[k], geracao);
     Valor dir = AvaliaValor(c.operandos[k + 1], geracao);
-    resultados[k / 2] = ComparaValores(c.relacoes, k / 2, std::move(esq), std::move(dir));
+    resultados[k / 2] = ComparaValores(relacoes, k / 2, std::move(esq), std::move(dir));
   }
-  if (!c.conectores[0].empty()) return CombinaCondicoes(c.conectores, resultados);
+  if (!conectores[0].empty()) return CombinaCondicoes(conectores, resultados);
   return resultados[0];
 }
 

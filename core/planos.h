@@ -59,7 +59,12 @@ struct PlanoCondicao {
   bool simples = false;  // one comparison with a relation
   Relacao relacao = Relacao::Igual;
   Texto fonte;
-  std::array<Texto, 51> relacoes, conectores;
+  // The relations and connectors as the text's split found them; kept apart
+  // so that an empty plan is cheap to make.
+  struct Partes {
+    std::array<Texto, 51> relacoes, conectores;
+  };
+  std::unique_ptr<Partes> partes;
   std::vector<PlanoValor> operandos;  // in pairs
 };
 
