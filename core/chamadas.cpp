@@ -156,19 +156,7 @@ bool Interpretador::ChamadaSemNomes(const Texto& nome, ModeloFuncao& m, const Pl
       if (!textos[i] || textos[i]->size() > kMaxTexto) return false;
     }
   }
-  for (size_t i = 0; i < n; ++i) {
-    switch (m.tiposLocais[i]) {
-      case TipoVariavel::String:
-        variaveis.textos.emplace_back();
-        break;
-      case TipoVariavel::Integer:
-        variaveis.inteiros.push_back(0);
-        break;
-      case TipoVariavel::Decimal:
-        variaveis.decimais.push_back(0.0);
-        break;
-    }
-  }
+  for (size_t i = 0; i < n; ++i) variaveis.AcrescentaValor(m.tiposLocais[i]);
   for (size_t i = 0; i < m.totalParametros; ++i) {
     TipoVariavel t = m.tiposLocais[i];
     size_t k = static_cast<size_t>(cp->vagas[i].second);
@@ -223,19 +211,7 @@ bool Interpretador::ChamadaSemNomes(const Texto& nome, ModeloFuncao& m, const Pl
   if (!gerados.empty()) {
     for (const Texto& g : gerados) RemoveVariable(g);
   } else {
-    for (size_t i = 0; i < n; ++i) {
-      switch (m.tiposLocais[i]) {
-        case TipoVariavel::String:
-          variaveis.textos.pop_back();
-          break;
-        case TipoVariavel::Integer:
-          variaveis.inteiros.pop_back();
-          break;
-        case TipoVariavel::Decimal:
-          variaveis.decimais.pop_back();
-          break;
-      }
-    }
+    for (size_t i = 0; i < n; ++i) variaveis.RetiraValor(m.tiposLocais[i]);
   }
   ++contadorChamadas;
   return true;

@@ -35,6 +35,41 @@ inline int32_t Inteiro32DoCalculo(double v) {
   return n;
 }
 
+// One operator on the two values on top: e op d into e. False when a
+// division by nought fails the calculation.
+[[gnu::always_inline]] inline bool Aplica(char16_t op, double& e, double d) {
+  switch (op) {
+    case u'+':
+      e += d;
+      return true;
+    case u'-':
+      e -= d;
+      return true;
+    case u'*':
+      e *= d;
+      return true;
+    case u'/':
+      if (d == 0) return false;
+      e /= d;
+      return true;
+    case u'^':
+      e = std::pow(e, d);
+      return true;
+    default: {
+      int32_t a = Inteiro32DoCalculo(e), b = Inteiro32DoCalculo(d);
+      if (op == u'%') {
+        // A remainder by zero is a failure of the host, not of the sum.
+        if (b == 0) throw FalhaHost(falha::DivisaoPorZero);
+        e = b == -1 ? 0 : a % b;
+      } else {
+        e = op == u'&' ? (a & b) : (a | b);
+      }
+      return true;
+    }
+  }
+}
+
+
 // A precedence evaluator over the characters of a text of numbers and
 // operators. Any failure makes the result empty.
 class Calculo {
@@ -79,25 +114,7 @@ class Calculo {
       ++i_;
       double d;
       if (!Potencia(d)) return false;
-      switch (c) {
-        case u'*':
-          r *= d;
-          break;
-        case u'/':
-          if (d == 0) return false;
-          r /= d;
-          break;
-        default: {
-          int32_t a = Inteiro32DoCalculo(r), b = Inteiro32DoCalculo(d);
-          if (c == u'%') {
-            // A remainder by zero is a failure of the host, not of the sum.
-            if (b == 0) throw FalhaHost(falha::DivisaoPorZero);
-            r = b == -1 ? 0 : a % b;
-          } else {
-            r = c == u'&' ? (a & b) : (a | b);
-          }
-        }
-      }
+      if (!Aplica(c, r, d)) return false;
     }
   }
   // '^' groups from the left too.
@@ -332,42 +349,6 @@ bool ArvoreCalculo::Compila(const std::vector<Texto>& pedacos) {
   return pilha_ <= kMaxPilha;
 }
 
-namespace {
-
-// One operator on the two values on top: e op d into e. False when a
-// division by nought fails the calculation.
-[[gnu::always_inline]] inline bool Aplica(char16_t op, double& e, double d) {
-  switch (op) {
-    case u'+':
-      e += d;
-      return true;
-    case u'-':
-      e -= d;
-      return true;
-    case u'*':
-      e *= d;
-      return true;
-    case u'/':
-      if (d == 0) return false;
-      e /= d;
-      return true;
-    case u'^':
-      e = std::pow(e, d);
-      return true;
-    default: {
-      int32_t a = Inteiro32DoCalculo(e), b = Inteiro32DoCalculo(d);
-      if (op == u'%') {
-        if (b == 0) throw FalhaHost(falha::DivisaoPorZero);
-        e = b == -1 ? 0 : a % b;
-      } else {
-        e = op == u'&' ? (a & b) : (a | b);
-      }
-      return true;
-    }
-  }
-}
-
-}  // namespace
 
 bool ArvoreCalculo::Calcula(const double* valores, double& r) const {
   if (binaria_) {

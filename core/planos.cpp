@@ -813,29 +813,18 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     editorAtual = pl->editor;
     linhaAtual = pl->linha;
     bool desvia = false;
+    bool feito = true;  // false: a fast way gave the statement up
     switch (pl->tipo) {
       case T::Generico:
         return Seguimento::Generico;
       case T::Incremento:
-        if (!IncrementoRapido(*pl)) {
-          if (corpo) return Seguimento::Generico;
-          EmUso u(pl);
-          ExecutaPlanoGeral(*pl);
-        }
+        feito = IncrementoRapido(*pl);
         break;
       case T::Composto:
-        if (!CompostoRapido(*pl)) {
-          if (corpo) return Seguimento::Generico;
-          EmUso u(pl);
-          ExecutaPlanoGeral(*pl);
-        }
+        feito = CompostoRapido(*pl);
         break;
       case T::Atribuicao:
-        if (!AtribuicaoRapida(*pl)) {
-          if (corpo) return Seguimento::Generico;
-          EmUso u(pl);
-          ExecutaPlanoGeral(*pl);
-        }
+        feito = AtribuicaoRapida(*pl);
         break;
       case T::SubStr:
         if (!SubStrRapido(*pl)) return Seguimento::Generico;
@@ -878,11 +867,7 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
         }
         break;
       case T::Retorno:
-        if (!RetornoRapido(*pl)) {
-          if (corpo) return Seguimento::Generico;
-          EmUso u(pl);
-          ExecutaPlanoGeral(*pl);
-        }
+        feito = RetornoRapido(*pl);
         break;
       case T::FimFuncao:
         return Seguimento::Fim;
@@ -891,6 +876,11 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
         ExecutaChamada(*pl);
         break;
       }
+    }
+    if (!feito) [[unlikely]] {
+      if (corpo) return Seguimento::Generico;
+      EmUso u(pl);
+      ExecutaPlanoGeral(*pl);
     }
     const Destino& d = desvia ? pl->desvio : pl->seguinte;
     if (d.pos == NPOS) return Seguimento::Fim;

@@ -47,6 +47,24 @@ class Variaveis {
     size_t k = Forma(inicialMaiuscula, tamanho);
     return guardadosComDigito_[k] != 0 || consultadosComDigito_[k] != 0;
   }
+  // One more value of a type at the end of its table, empty; and the last
+  // one taken away again.
+  [[gnu::always_inline]] void AcrescentaValor(TipoVariavel t) {
+    if (t == TipoVariavel::String)
+      textos.emplace_back();
+    else if (t == TipoVariavel::Integer)
+      inteiros.push_back(0);
+    else
+      decimais.push_back(0.0);
+  }
+  [[gnu::always_inline]] void RetiraValor(TipoVariavel t) {
+    if (t == TipoVariavel::String)
+      textos.pop_back();
+    else if (t == TipoVariavel::Integer)
+      inteiros.pop_back();
+    else
+      decimais.pop_back();
+  }
   // Whether any stored name begins with a double quote.
   bool HaNomeComAspas() const { return nomesComAspas_ != 0; }
   // Declares a variable of one value whose value already stands at
