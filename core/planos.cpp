@@ -799,8 +799,8 @@ void Interpretador::ExecutaPlanoGeral(PlanoLinha& pl) {
   }
 }
 
-Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLinha* pl, int32_t& numero,
-                                                     size_t& pos, size_t& fim, CondicoesFalsas& falsas,
+Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLinha* pl, int32_t& numeroSaida,
+                                                     size_t& posSaida, size_t& fimSaida, CondicoesFalsas& falsas,
                                                      const CorpoPlanejado* corpo) {
   using T = PlanoLinha::Tipo;
   // Keeps a plan from being remade under this walk by a walk it starts.
@@ -809,6 +809,15 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     explicit EmUso(PlanoLinha* x) : p(x) { ++p->emUso; }
     ~EmUso() { --p->emUso; }
   };
+  // Where the walk stands, kept here and handed back on the way out.
+  int32_t numero = numeroSaida;
+  size_t pos = posSaida, fim = fimSaida;
+  auto sai = [&](Seguimento s) {
+    numeroSaida = numero;
+    posSaida = pos;
+    fimSaida = fim;
+    return s;
+  };
   for (;;) {
     editorAtual = pl->editor;
     linhaAtual = pl->linha;
@@ -816,7 +825,7 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     bool feito = true;  // false: a fast way gave the statement up
     switch (pl->tipo) {
       case T::Generico:
-        return Seguimento::Generico;
+        return sai(Seguimento::Generico);
       case T::Incremento:
         feito = IncrementoRapido(*pl);
         break;
@@ -827,12 +836,12 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
         feito = AtribuicaoRapida(*pl);
         break;
       case T::SubStr:
-        if (!SubStrRapido(*pl)) return Seguimento::Generico;
+        if (!SubStrRapido(*pl)) return sai(Seguimento::Generico);
         break;
       case T::While: {
         Veredito v;
         if (!JulgaRapido(pl->condicao, v)) {
-          if (corpo) return Seguimento::Generico;
+          if (corpo) return sai(Seguimento::Generico);
           EmUso u(pl);
           v = Julga(pl->condicao, pl->geracao);
         }
@@ -848,7 +857,7 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
       case T::If: {
         Veredito v;
         if (!JulgaRapido(pl->condicao, v)) {
-          if (corpo) return Seguimento::Generico;
+          if (corpo) return sai(Seguimento::Generico);
           EmUso u(pl);
           v = Julga(pl->condicao, pl->geracao);
         }
@@ -861,7 +870,7 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
       }
       case T::Else:
         if (!falsas[pl->profundidade]) {
-          if (pl->numeroSalto < 0) return Seguimento::Generico;
+          if (pl->numeroSalto < 0) return sai(Seguimento::Generico);
           desvia = true;
           falsas[pl->profundidade] = false;
         }
@@ -870,7 +879,7 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
         feito = RetornoRapido(*pl);
         break;
       case T::FimFuncao:
-        return Seguimento::Fim;
+        return sai(Seguimento::Fim);
       case T::Chamada: {
         EmUso u(pl);
         ExecutaChamada(*pl);
@@ -878,12 +887,12 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
       }
     }
     if (!feito) [[unlikely]] {
-      if (corpo) return Seguimento::Generico;
+      if (corpo) return sai(Seguimento::Generico);
       EmUso u(pl);
       ExecutaPlanoGeral(*pl);
     }
     const Destino& d = desvia ? pl->desvio : pl->seguinte;
-    if (d.pos == NPOS) return Seguimento::Fim;
+    if (d.pos == NPOS) return sai(Seguimento::Fim);
     numero = d.numero;
     pos = d.pos;
     fim = d.fim;
@@ -894,13 +903,13 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
       pl = corpo ? corpo->Linha(numero, pos, fim, variaveis.geracao) : PlanoDe(texto, numero, pos, fim);
       d.plano = pl;
     }
-    if (!pl || pl->tipo == T::Generico) return Seguimento::Proximo;
+    if (!pl || pl->tipo == T::Generico) return sai(Seguimento::Proximo);
     // What the walk checks before every statement.
-    if (!executando || janelaFechada || pararPrograma || abortado) return Seguimento::Fim;
+    if (!executando || janelaFechada || pararPrograma || abortado) return sai(Seguimento::Fim);
     if (limiteInstrucoes > 0 && ++instrucoesExecutadas > limiteInstrucoes) {
       limiteAtingido = true;
       abortado = true;
-      return Seguimento::Fim;
+      return sai(Seguimento::Fim);
     }
   }
 }
