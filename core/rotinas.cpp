@@ -229,22 +229,24 @@ void Interpretador::AnalisaModelo(const Texto& nome, ModeloFuncao& m) {
   // meet a generated name's counter, and then be found in one call's body and
   // not in another's. It can only when what comes before its first digit
   // ends this Function's name (or is nothing).
+  const Texto nomeM = Maiusculas(nome);
   bool digitos = std::any_of(nome.begin(), nome.end(), EDigito);
   auto colide = [&](TextoV chamada) {
     size_t d = 0;
     while (d < chamada.size() && !EDigito(chamada[d])) ++d;
     if (d == chamada.size()) return false;
-    return digitos || d == 0 || TerminaCom(Maiusculas(nome), Maiusculas(chamada.substr(0, d)));
+    return digitos || d == 0 || TerminaCom(nomeM, Maiusculas(chamada.substr(0, d)));
   };
   for (const Texto& f : nomesFuncoes)
     if (colide(f)) return;
   for (const char16_t* f : kPalavrasChave)
     if (colide(f)) return;
-  // A name in the body spelled like a generated one means another variable
-  // at each call.
-  for (size_t p = m.corpo.find(nome); p != NPOS; p = m.corpo.find(nome, p + 1)) {
-    size_t e = p + nome.size();
-    if (e < m.corpo.size() && EDigito(m.corpo[e])) return;
+  // A name in the body spelled like a generated one, in any case, means
+  // another variable at each call.
+  const Texto corpoM = Maiusculas(m.corpo);
+  for (size_t p = corpoM.find(nomeM); p != NPOS; p = corpoM.find(nomeM, p + 1)) {
+    size_t e = p + nomeM.size();
+    if (e < corpoM.size() && EDigito(corpoM[e])) return;
   }
   auto item = [&](const Texto& it) {
     size_t sp = it.find(u' ');
