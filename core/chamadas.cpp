@@ -70,17 +70,14 @@ std::unique_ptr<CorpoPlanejado> Interpretador::PlanejaCorpo(
 void Interpretador::ExecutaCorpo(ModeloFuncao& m, const std::vector<Texto>& gerados,
                                  const std::vector<std::pair<TipoVariavel, int32_t>>& feitas,
                                  const Texto& exibicao) {
-  // Where the routine's own variables stand: made now, or found standing.
-  std::vector<std::pair<TipoVariavel, int32_t>> vagas = feitas;
-  for (size_t i = 0; i < vagas.size(); ++i) {
-    if (vagas[i].second >= 0) continue;
-    int32_t p = variaveis.Posicao(gerados[i]);
-    vagas[i] = {variaveis.tipoEncontrado, p};
-  }
+  // A name that already stood (another call's, or a global's, of any size)
+  // leaves the call to the walk: plans only know variables made for them.
+  bool feitasAgora = true;
+  for (const auto& v : feitas) feitasAgora = feitasAgora && v.second >= 0;
   ++m.chamadas;
-  CorpoPlanejado* cp = m.plano.get();
-  if (!cp || cp->geracao != variaveis.geracao || cp->vagas != vagas) {
-    m.plano = PlanejaCorpo(m, gerados, vagas);
+  CorpoPlanejado* cp = feitasAgora ? m.plano.get() : nullptr;
+  if (feitasAgora && (!cp || cp->geracao != variaveis.geracao || cp->vagas != feitas)) {
+    m.plano = PlanejaCorpo(m, gerados, feitas);
     cp = m.plano.get();
     // Plans that last a call or two cost more than they save.
     if (!cp || (++m.replanos > 8 && m.replanos * 4 > m.chamadas)) {

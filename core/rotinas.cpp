@@ -330,8 +330,7 @@ Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos, con
     }
     Texto contador = InteiroParaTexto(contadorChamadas);
     std::vector<Texto> locais, gerados;
-    // Where each generated variable was made; type Integer with -1: it
-    // already stood somewhere (the plans look it up).
+    // Where each generated variable was made; -1: it already stood.
     std::vector<std::pair<TipoVariavel, int32_t>> vagas;
     // Each parameter and local gets a global of a generated name.
     auto declara = [&](const Texto& item) {
