@@ -29,11 +29,16 @@ void* Roda(void* arg) {
   host.mudo = true;
   zv::Interpretador zv(host);
   zv.limiteInstrucoes = 2000;
-  // Settings files go to a scratch folder, emptied for each input so that one
-  // input's SaveString can't change what the next one reads.
+  // Settings files go to a scratch folder, and the files a program makes
+  // (databases, text files) to a scratch working folder; both are emptied
+  // for each input, so that no input reads what an earlier one left, such
+  // as a database grown by thousands of runs.
   std::error_code erro;
-  std::filesystem::remove_all("/tmp/zv-fuzz-config", erro);
-  std::filesystem::create_directories("/tmp/zv-fuzz-config", erro);
+  for (const char* pasta : {"/tmp/zv-fuzz-config", "/tmp/zv-fuzz-work"}) {
+    std::filesystem::remove_all(pasta, erro);
+    std::filesystem::create_directories(pasta, erro);
+  }
+  std::filesystem::current_path("/tmp/zv-fuzz-work", erro);
   zv.dirConfig = zv::U("/tmp/zv-fuzz-config/");
   zv.fonte.textos[0] = zv::NormalizaFimDeLinha(zv::DeBytesArquivo(bytes));
   zv.Executa();
