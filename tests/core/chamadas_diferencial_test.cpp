@@ -1,0 +1,174 @@
+// Generated programs with Functions run with plans and without them: the
+// boxes, the statement count and every variable left behind must be the
+// same, whichever way each call went.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "core/interpretador.h"
+#include "runtime/headless_host.h"
+
+namespace zv {
+namespace {
+
+class Gerador {
+ public:
+  explicit Gerador(uint32_t semente) : s_(semente) {}
+
+  Texto Programa() {
+    std::vector<std::string> linhas = {"Var i Integer, n Integer, d Decimal, t String"};
+    struct Funcao {
+      std::string nome;
+      int parametros;
+      std::vector<std::string> texto;
+    };
+    std::vector<Funcao> funcoes;
+    int total = 1 + Um(3);
+    for (int k = 0; k < total; ++k) {
+      Funcao f;
+      f.nome = Escolhe({"Soma", "Calc", "F", "Dobro", "Tx"}) + std::string(1, static_cast<char>('A' + k));
+      f.parametros = Um(4);
+      std::vector<std::string> nomes;
+      std::string cabeca = "Function " + f.nome + "(";
+      for (int j = 0; j < f.parametros; ++j) {
+        nomes.push_back("p" + std::to_string(j));
+        cabeca += (j ? ", " : "") + nomes.back() + " " + Escolhe({"Integer", "Decimal", "String"});
+      }
+      cabeca += ") " + Escolhe({"Numero", "String", "Integer"});
+      f.texto.push_back(cabeca);
+      int locais = Um(3);
+      if (locais) {
+        std::string var = Escolhe({"Var", "Variable"}) + " ";
+        for (int j = 0; j < locais; ++j) {
+          nomes.push_back("l" + std::to_string(j));
+          var += (j ? ", " : "") + nomes.back() + " " + Escolhe({"Integer", "Decimal", "String"});
+        }
+        f.texto.push_back("  " + var);
+      }
+      Corpo(nomes, 0, "  ", f.texto);
+      f.texto.push_back("EndFunction");
+      funcoes.push_back(f);
+    }
+    linhas.push_back("i = 0");
+    linhas.push_back("While i < " + std::to_string(2 + Um(10)));
+    for (const Funcao& f : funcoes) {
+      std::string args;
+      int n = f.parametros + (Um(10) == 0 ? 1 : 0);
+      for (int j = 0; j < n; ++j) args += (j ? ", " : "") + Escolhe({"i", "n", "d", "t", "1", "-2", "2.5", "\"q\"", "i - 3"});
+      std::string alvo = Escolhe({"n", "d", "t"});
+      linhas.push_back("  " + alvo + " = " + f.nome + "(" + args + ")");
+      linhas.push_back("  Message \"" + f.nome + " \", i, \" \", " + alvo);
+    }
+    linhas.push_back("  i++");
+    linhas.push_back("Loop");
+    linhas.push_back("EndProgram");
+    for (const Funcao& f : funcoes) linhas.insert(linhas.end(), f.texto.begin(), f.texto.end());
+    std::string fonte;
+    for (const std::string& l : linhas) fonte += l + "\r\n";
+    return Texto(fonte.begin(), fonte.end());
+  }
+
+ private:
+  int Um(int n) {
+    s_ = s_ * 1103515245u + 12345u;
+    return static_cast<int>((s_ >> 8) % static_cast<uint32_t>(n));
+  }
+  std::string Escolhe(std::initializer_list<const char*> opcoes) {
+    return *(opcoes.begin() + Um(static_cast<int>(opcoes.size())));
+  }
+  std::string Expressao(const std::vector<std::string>& nomes) {
+    std::vector<std::string> n = nomes.empty() ? std::vector<std::string>{"1"} : nomes;
+    auto nome = [&] { return n[static_cast<size_t>(Um(static_cast<int>(n.size())))]; };
+    switch (Um(4)) {
+      case 0:
+        return nome();
+      case 1:
+        return Escolhe({"0", "1", "-1", "7", "2.5", "100000", "2147483647"});
+      case 2:
+        return Escolhe({"\"a\"", "\"x y\"", "\"1\"", "\"\""});
+      default:
+        return nome() + " " + Escolhe({"+", "-", "*", "/", "%"}) + " " + (Um(2) ? nome() : Escolhe({"2", "3", "1"}));
+    }
+  }
+  void Corpo(const std::vector<std::string>& nomes, int nivel, const std::string& recuo,
+             std::vector<std::string>& saida) {
+    int total = 1 + Um(5);
+    for (int k = 0; k < total; ++k) {
+      int c = Um(20);
+      std::string alvo = nomes.empty() ? "n" : nomes[static_cast<size_t>(Um(static_cast<int>(nomes.size())))];
+      if (c < 5) {
+        saida.push_back(recuo + "Return " + Expressao(nomes));
+      } else if (c < 9 && !nomes.empty()) {
+        saida.push_back(recuo + alvo + " = " + Expressao(nomes));
+      } else if (c < 11 && !nomes.empty()) {
+        saida.push_back(recuo + alvo + " += " + Escolhe({"1", "2", "p0"}));
+      } else if (c < 12 && !nomes.empty()) {
+        saida.push_back(recuo + alvo + "++");
+      } else if (c < 15 && nivel < 2 && !nomes.empty()) {
+        saida.push_back(recuo + "If " + alvo + " " + Escolhe({"<", ">", "=", "<>", "<=", ">="}) + " " +
+                        Expressao(nomes));
+        Corpo(nomes, nivel + 1, recuo + "  ", saida);
+        if (Um(2)) {
+          saida.push_back(recuo + "Else");
+          Corpo(nomes, nivel + 1, recuo + "  ", saida);
+        }
+        saida.push_back(recuo + "EndIf");
+      } else if (c < 16) {
+        saida.push_back(recuo + "Message \"in\", " + alvo);
+      } else {
+        saida.push_back(recuo + "Return " + alvo);
+      }
+    }
+  }
+  uint32_t s_;
+};
+
+// What a run shows: its boxes, how far it went and its variables.
+std::string Roda(const Texto& fonte, bool semPlanos) {
+  char* buffer = nullptr;
+  size_t tamanho = 0;
+  std::FILE* f = open_memstream(&buffer, &tamanho);
+  std::string r;
+  {
+    HostConsole host(f);
+    Interpretador zv(host);
+    zv.semPlanos = semPlanos;
+    zv.limiteInstrucoes = 5000;
+    zv.fonte.textos[0] = fonte;
+    zv.Executa();
+    std::fflush(f);
+    r.assign(buffer, tamanho);
+    r += "statements " + std::to_string(zv.instrucoesExecutadas) + "\n";
+    const Variaveis& v = zv.variaveis;
+    for (TipoVariavel t : {TipoVariavel::String, TipoVariavel::Integer, TipoVariavel::Decimal}) {
+      for (const EntradaVariavel& e : v.Diretorio(t)) {
+        r += Utf8(e.nome) + "@" + std::to_string(e.inicio) + ":";
+        for (int32_t i = 0; i < e.tamanho; ++i) {
+          size_t k = static_cast<size_t>(e.inicio + i);
+          r += t == TipoVariavel::String    ? Utf8(v.textos[k])
+               : t == TipoVariavel::Integer ? std::to_string(v.inteiros[k])
+                                            : Utf8(NumeroParaTexto(v.decimais[k]));
+          r += ";";
+        }
+        r += "\n";
+      }
+    }
+  }
+  std::fclose(f);
+  std::free(buffer);
+  return r;
+}
+
+TEST(ChamadasPlanejadas, GeneratedProgramsRunTheSameWithAndWithoutPlans) {
+  for (uint32_t semente = 1; semente <= 400; ++semente) {
+    Texto fonte = Gerador(semente).Programa();
+    std::string com = Roda(fonte, false), sem = Roda(fonte, true);
+    ASSERT_EQ(com, sem) << "program " << semente << ":\n" << Utf8(fonte);
+  }
+}
+
+}  // namespace
+}  // namespace zv
