@@ -8,32 +8,6 @@
 
 namespace zv {
 
-namespace {
-
-struct Nivel {
-  int& n;
-  explicit Nivel(int& p) : n(p) { ++n; }
-  ~Nivel() { --n; }
-};
-
-// While a body is planned, its own names aren't remembered as looked up:
-// each call checks where they stand instead, and their removal at the end
-// of every call mustn't stale the plans.
-struct RegistroCorpo {
-  Variaveis& v;
-  RegistroCorpo(Variaveis& x, const std::vector<Texto>& gerados) : v(x) {
-    v.semRegistro.clear();
-    for (const Texto& g : gerados) v.semRegistro.push_back(Maiusculas(g));
-    v.registra = true;
-  }
-  ~RegistroCorpo() {
-    v.registra = false;
-    v.semRegistro.clear();
-  }
-};
-
-}  // namespace
-
 std::unique_ptr<CorpoPlanejado> Interpretador::PlanejaCorpo(
     const ModeloFuncao& m, const std::vector<Texto>& gerados,
     const std::vector<std::pair<TipoVariavel, int32_t>>& vagas) {
@@ -55,7 +29,12 @@ std::unique_ptr<CorpoPlanejado> Interpretador::PlanejaCorpo(
   cp->linhas.resize(static_cast<size_t>(marcas.back().first - cp->primeiro) + 1);
   cp->vagas = vagas;
   cp->geracao = variaveis.geracao;
-  RegistroCorpo registro(variaveis, gerados);
+  // The body's own names aren't remembered as looked up: each call checks
+  // where they stand instead, and their removal at the end of every call
+  // mustn't stale the plans.
+  std::vector<Texto> proprios;
+  for (const Texto& g : gerados) proprios.push_back(Maiusculas(g));
+  Variaveis::Lembranca lembranca(variaveis, std::move(proprios));
   for (const auto& [n, p] : marcas) {
     auto pl = std::make_unique<PlanoLinha>();
     pl->pos = p;
@@ -68,8 +47,7 @@ std::unique_ptr<CorpoPlanejado> Interpretador::PlanejaCorpo(
 }
 
 void Interpretador::ExecutaCorpo(ModeloFuncao& m, const std::vector<Texto>& gerados,
-                                 const std::vector<std::pair<TipoVariavel, int32_t>>& feitas,
-                                 const Texto& exibicao) {
+                                 const std::vector<std::pair<TipoVariavel, int32_t>>& feitas) {
   // A name that already stood (another call's, or a global's, of any size)
   // leaves the call to the walk: plans only know variables made for them.
   bool feitasAgora = true;
@@ -87,7 +65,7 @@ void Interpretador::ExecutaCorpo(ModeloFuncao& m, const std::vector<Texto>& gera
     }
   }
   if (!cp) {
-    ExecutaTexto(CorpoRenomeado(m, gerados), exibicao, 0);
+    ExecutaTexto(CorpoRenomeado(m, gerados), m.corpo, 0);
     return;
   }
   Nivel nivel(profundidade);
@@ -95,7 +73,7 @@ void Interpretador::ExecutaCorpo(ModeloFuncao& m, const std::vector<Texto>& gera
   CondicoesFalsas falsas{};
   int32_t numero;
   Seguimento s = CorreCorpo(*cp, falsas, numero);
-  if (s != Seguimento::Fim) SegueCorpo(m, gerados, exibicao, numero, falsas, s);
+  if (s != Seguimento::Fim) SegueCorpo(m, gerados, numero, falsas, s);
 }
 
 Interpretador::Seguimento Interpretador::CorreCorpo(CorpoPlanejado& cp, CondicoesFalsas& falsas, int32_t& numero) {
@@ -114,12 +92,12 @@ Interpretador::Seguimento Interpretador::CorreCorpo(CorpoPlanejado& cp, Condicoe
 }
 
 // The walk goes on over this call's own body, from where the plans stopped.
-void Interpretador::SegueCorpo(const ModeloFuncao& m, const std::vector<Texto>& gerados, const Texto& exibicao,
-                               int32_t numero, CondicoesFalsas& falsas, Seguimento s) {
+void Interpretador::SegueCorpo(const ModeloFuncao& m, const std::vector<Texto>& gerados, int32_t numero,
+                               CondicoesFalsas& falsas, Seguimento s) {
   Texto corpo = CorpoRenomeado(m, gerados);
   size_t pos = corpo.find(MarcaComando(numero));
   if (pos == NPOS) return;
-  Caminha(corpo, exibicao, numero, pos, std::min(corpo.find(CRLF, pos), corpo.size()), falsas,
+  Caminha(corpo, m.corpo, numero, pos, std::min(corpo.find(CRLF, pos), corpo.size()), falsas,
           s == Seguimento::Generico);
 }
 
@@ -191,7 +169,7 @@ bool Interpretador::ChamadaSemNomes(const Texto& nome, ModeloFuncao& m, const Pl
       Seguimento s = CorreCorpo(*cp, falsas, numero);
       if (s != Seguimento::Fim) {
         comNomes();
-        SegueCorpo(m, gerados, m.corpo, numero, falsas, s);
+        SegueCorpo(m, gerados, numero, falsas, s);
       }
     }
   } catch (...) {
@@ -254,9 +232,9 @@ void Interpretador::PreparaChamada(const Texto& nome, const Texto& dir, PlanoLin
     }
   }
   if (!ResolveRef(nome, pl.alvo)) return;
-  pl.palavraResultado = tiposFuncoes[static_cast<size_t>(k)];
-  pl.resultadoTexto = pl.palavraResultado == u"String";
-  pl.resultadoNumero = pl.palavraResultado == u"Numero";
+  const Texto& palavra = tiposFuncoes[static_cast<size_t>(k)];
+  pl.resultadoTexto = palavra == u"String";
+  pl.resultadoNumero = palavra == u"Numero";
   pl.direita = dir;
   pl.tipo = PlanoLinha::Tipo::Chamada;
 }
@@ -273,11 +251,7 @@ void Interpretador::ExecutaChamada(PlanoLinha& pl) {
   if (ModeloFuncao* m = pl.modelo; m && m->rapido && !modoDepuracao && pl.partes.size() == m->totalParametros) {
     try {
       feito = ChamadaSemNomes(pl.nomeFuncao, *m, pl, r);
-    } catch (const FalhaHost&) {
-      FalhaFuncao();
-      r = Valor();
-      feito = true;
-    } catch (const std::exception&) {
+    } catch (const std::exception&) {  // FalhaHost among them
       FalhaFuncao();
       r = Valor();
       feito = true;

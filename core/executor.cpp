@@ -60,12 +60,6 @@ void Interpretador::Bombeia() { host_.Bombeia(); }
 
 namespace {
 
-struct Profundidade {
-  int& n;
-  explicit Profundidade(int& p) : n(p) { ++n; }
-  ~Profundidade() { --n; }
-};
-
 // The statement as the user wrote it, for the step box.
 Texto ComandoParaExibir(Texto l) {
   auto troca = [&l](TextoV de, TextoV para) {
@@ -100,7 +94,7 @@ bool Interpretador::EntraCaminhada() {
 }
 
 void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao, int32_t numeroInicial) {
-  Profundidade prof(profundidade);
+  Nivel nivel(profundidade);
   if (!EntraCaminhada()) return;
   CondicoesFalsas falsas{};  // ResultadoCondicao, of which only "FALSE" counts
 

@@ -173,6 +173,12 @@ class Interpretador {
   // Per If depth: whether the If's condition came out "FALSE" (its Else runs).
   using CondicoesFalsas = std::array<bool, 21>;
   enum class Seguimento { Proximo, Generico, Fim };
+  // One more walk nested while it lives.
+  struct Nivel {
+    int& n;
+    explicit Nivel(int& p) : n(p) { ++n; }
+    ~Nivel() { --n; }
+  };
   // The guard every walk passes first: false when calls nest too deep.
   bool EntraCaminhada();
   // The walk's loop from the statement at numero/pos/fim; `contado` when that
@@ -193,7 +199,7 @@ class Interpretador {
   // The body of a call whose own variables are made: by its plans while they
   // hold, else (or from where they stop) by the walk.
   void ExecutaCorpo(ModeloFuncao& m, const std::vector<Texto>& gerados,
-                    const std::vector<std::pair<TipoVariavel, int32_t>>& vagas, const Texto& exibicao);
+                    const std::vector<std::pair<TipoVariavel, int32_t>>& vagas);
   // A call whose own variables nobody looks up by name: their values stand
   // where Cria would put them, and the names are only made if the walk must
   // take over. False, with nothing changed, when the call isn't such a one.
@@ -201,8 +207,8 @@ class Interpretador {
   // The box of a Function call that failed.
   void FalhaFuncao();
   Seguimento CorreCorpo(CorpoPlanejado& cp, CondicoesFalsas& falsas, int32_t& numero);
-  void SegueCorpo(const ModeloFuncao& m, const std::vector<Texto>& gerados, const Texto& exibicao, int32_t numero,
-                  CondicoesFalsas& falsas, Seguimento s);
+  void SegueCorpo(const ModeloFuncao& m, const std::vector<Texto>& gerados, int32_t numero, CondicoesFalsas& falsas,
+                  Seguimento s);
   std::unique_ptr<CorpoPlanejado> PlanejaCorpo(const ModeloFuncao& m, const std::vector<Texto>& gerados,
                                                const std::vector<std::pair<TipoVariavel, int32_t>>& vagas);
   void PreparaChamada(const Texto& nome, const Texto& dir, PlanoLinha& pl);
@@ -211,7 +217,7 @@ class Interpretador {
   void AtribuiValor(const RefVariavel& alvo, uint64_t g, Valor v);
   bool ResolveRef(const Texto& nome, RefVariavel& r);
   // The element a reference names now; false when out of range.
-  bool IndiceRef(const RefVariavel& r, int64_t& i) const {
+  [[gnu::always_inline]] bool IndiceRef(const RefVariavel& r, int64_t& i) const {
     if (!r.indiceVariavel) {
       i = r.indice;
     } else if (r.tipoIndice == TipoVariavel::Integer) {
@@ -248,7 +254,7 @@ class Interpretador {
   Destino DestinoApos(const Texto& texto, int32_t alvo, size_t de);
   size_t FimDaLinha(const Texto& texto, int32_t numero, size_t pos);
   size_t AchaMarca(const Texto& texto, int32_t numero, size_t de);
-  bool NumeroRapido(const PlanoValor& p, double& x, Valor::Tipo& tipo);
+  [[gnu::always_inline]] bool NumeroRapido(const PlanoValor& p, double& x, Valor::Tipo& tipo);
   bool CalculoRapido(const PlanoValor& p, double& x);
   const Texto* TextoRapido(const PlanoValor& p);
   bool JulgaRapido(const PlanoCondicao& c, Veredito& v);
@@ -272,6 +278,32 @@ class Interpretador {
   std::vector<std::unique_ptr<void, void (*)(void*)>> estados_;
   std::unordered_map<const void*, size_t> indiceEstados_;
 };
+
+// The value of an operand as a number, without making a Valor, when the walk
+// would surely get a number; `tipo` is the kind of value the walk would get.
+inline bool Interpretador::NumeroRapido(const PlanoValor& p, double& x, Valor::Tipo& tipo) {
+  if (p.tipo == PlanoValor::Tipo::Variavel) {
+    int64_t i;
+    if (p.var.tipo == TipoVariavel::String || !IndiceRef(p.var, i)) return false;
+    size_t k = static_cast<size_t>(p.var.inicio + i);
+    if (p.var.tipo == TipoVariavel::Integer) {
+      x = variaveis.inteiros[k];
+      tipo = Valor::Tipo::Int32;
+    } else {
+      x = variaveis.decimais[k];
+      tipo = Valor::Tipo::Double;
+    }
+    return true;
+  }
+  if (p.tipo == PlanoValor::Tipo::Numero) {
+    x = p.numero;
+    tipo = Valor::Tipo::Double;
+    return true;
+  }
+  if (p.tipo != PlanoValor::Tipo::Aritmetica || !p.temArvore) return false;
+  tipo = Valor::Tipo::Decimal;
+  return CalculoRapido(p, x);
+}
 
 // Renames whole-word occurrences of a parameter in a function's body.
 void TrocaNome(Texto& texto, const Texto& velho, const Texto& novo);

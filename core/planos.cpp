@@ -99,32 +99,6 @@ void Interpretador::GravaRef(const RefVariavel& r, uint64_t geracao, const Valor
   }
 }
 
-// The value of an operand as a number, without making a Valor, when the walk
-// would surely get a number; `tipo` is the kind of value the walk would get.
-inline bool Interpretador::NumeroRapido(const PlanoValor& p, double& x, Valor::Tipo& tipo) {
-  if (p.tipo == PlanoValor::Tipo::Variavel) {
-    int64_t i;
-    if (p.var.tipo == TipoVariavel::String || !IndiceRef(p.var, i)) return false;
-    size_t k = static_cast<size_t>(p.var.inicio + i);
-    if (p.var.tipo == TipoVariavel::Integer) {
-      x = variaveis.inteiros[k];
-      tipo = Valor::Tipo::Int32;
-    } else {
-      x = variaveis.decimais[k];
-      tipo = Valor::Tipo::Double;
-    }
-    return true;
-  }
-  if (p.tipo == PlanoValor::Tipo::Numero) {
-    x = p.numero;
-    tipo = Valor::Tipo::Double;
-    return true;
-  }
-  if (p.tipo != PlanoValor::Tipo::Aritmetica || !p.temArvore) return false;
-  tipo = Valor::Tipo::Decimal;
-  return CalculoRapido(p, x);
-}
-
 bool Interpretador::CalculoRapido(const PlanoValor& p, double& x) {
   double valores[kMaxBuracos];
   for (size_t n = 0; n < p.refs.size(); ++n) {
@@ -620,13 +594,8 @@ PlanoLinha* Interpretador::PlanoNovo(const Texto& texto, int32_t numero, size_t 
     pl->fim = fim;
     // What the plan looks up by name now must be looked up again when a
     // variable of that name comes or goes.
-    struct Registro {
-      bool& r;
-      explicit Registro(bool& x) : r(x) { r = true; }
-      ~Registro() { r = false; }
-    };
     {
-      Registro registro(variaveis.registra);
+      Variaveis::Lembranca lembranca(variaveis);
       PreparaLinha(texto, *pl, false);
     }
     FixaDestinos(texto, *pl, numero);
@@ -838,14 +807,16 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
       case T::SubStr:
         if (!SubStrRapido(*pl)) return sai(Seguimento::Generico);
         break;
-      case T::While: {
+      case T::While:
+      case T::If: {
         Veredito v;
-        if (!JulgaRapido(pl->condicao, v)) {
+        if (!JulgaRapido(pl->condicao, v)) [[unlikely]] {
           if (corpo) return sai(Seguimento::Generico);
           EmUso u(pl);
           v = Julga(pl->condicao, pl->geracao);
         }
         desvia = v != Veredito::Verdadeiro;
+        if (pl->tipo == T::If) falsas[pl->profundidade] = v == Veredito::Falso && pl->numeroElse >= 0;
         break;
       }
       case T::Loop:
@@ -854,20 +825,6 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
       case T::EndIf:
         falsas[pl->profundidade] = false;
         break;
-      case T::If: {
-        Veredito v;
-        if (!JulgaRapido(pl->condicao, v)) {
-          if (corpo) return sai(Seguimento::Generico);
-          EmUso u(pl);
-          v = Julga(pl->condicao, pl->geracao);
-        }
-        falsas[pl->profundidade] = v == Veredito::Falso;
-        if (v != Veredito::Verdadeiro) {
-          desvia = true;
-          if (pl->numeroElse < 0) falsas[pl->profundidade] = false;
-        }
-        break;
-      }
       case T::Else:
         if (!falsas[pl->profundidade]) {
           if (pl->numeroSalto < 0) return sai(Seguimento::Generico);

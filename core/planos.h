@@ -101,9 +101,9 @@ struct PlanoLinha {
   int32_t numeroElse = -1, numeroEndIf = -1;  // If false
   // Chamada: the Function, its result word, the right side as written, and
   // whether it is the "F()" form, whose result goes to the variable as it is.
-  Texto nomeFuncao, palavraResultado, direita;
+  Texto nomeFuncao, direita;
   bool direto = false;
-  bool resultadoTexto = false, resultadoNumero = false;  // the word is "String", "Numero"
+  bool resultadoTexto = false, resultadoNumero = false;  // the result word is "String", "Numero"
   mutable ModeloFuncao* modelo = nullptr;  // found at the first call
   // The next statement, and where a jump goes (a Loop: back to its While), found once.
   Destino seguinte, desvio;

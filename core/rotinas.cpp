@@ -371,7 +371,7 @@ Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos, con
     if (rapido) {
       for (size_t i = modelo->totalParametros; i < modelo->locais.size(); ++i)
         declara(modelo->locais[i] + u' ' + modelo->tipos[i]);
-      ExecutaCorpo(*modelo, gerados, vagas, modelo->corpo);
+      ExecutaCorpo(*modelo, gerados, vagas);
     } else {
       Texto exibicao = modelo->corpo;
       // Locals: only a first statement "Var" or "Variable", spelled so.

@@ -82,6 +82,20 @@ class Variaveis {
   // body check at each call instead.
   bool registra = false;
   std::vector<Texto> semRegistro;
+  // Remembers lookups while it lives, except of `excluidos` (upper case).
+  struct Lembranca {
+    Variaveis& v;
+    explicit Lembranca(Variaveis& x, std::vector<Texto> excluidos = {}) : v(x) {
+      v.semRegistro = std::move(excluidos);
+      v.registra = true;
+    }
+    ~Lembranca() {
+      v.registra = false;
+      v.semRegistro.clear();
+    }
+    Lembranca(const Lembranca&) = delete;
+    Lembranca& operator=(const Lembranca&) = delete;
+  };
 
   const std::vector<EntradaVariavel>& Diretorio(TipoVariavel t) const { return dir_[int(t)]; }
   std::vector<Texto> textos;      // ValoresTexto

@@ -47,7 +47,9 @@ TEST(Variaveis, ShapeFilterNeverMissesAStoredOrLookedUpName) {
     for (const Texto& g : guardados) {
       Texto m = Maiusculas(g);
       bool digito = m.find_first_of(u"0123456789") != NPOS;
-      if (digito) ASSERT_TRUE(v.TalvezComDigito(m[0], m.size())) << std::string(m.begin(), m.end());
+      if (digito) {
+        ASSERT_TRUE(v.TalvezComDigito(m[0], m.size())) << std::string(m.begin(), m.end());
+      }
     }
   }
   // With nothing stored and nothing remembered, no shape can be there.
@@ -173,7 +175,9 @@ TEST(Calculo, TreeAgreesWithTheFilledText) {
     }
     ASSERT_EQ(lanca1, lanca2) << nome;
     ASSERT_EQ(ok1, ok2) << nome;
-    if (ok1) ASSERT_EQ(NumeroRelido(r1), NumeroRelido(r2)) << nome;
+    if (ok1) {
+      ASSERT_EQ(NumeroRelido(r1), NumeroRelido(r2)) << nome;
+    }
   }
   EXPECT_GT(arvores, 5000);
   // "a + b", a hole at each end, is one of them.
