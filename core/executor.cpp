@@ -81,10 +81,15 @@ Texto ComandoParaExibir(Texto l) {
 }  // namespace
 
 bool Interpretador::EntraCaminhada() {
-  if (profundidade > kMaxProfundidade) {
+  char aqui;
+  bool semPilha = fundoPilha && &aqui < fundoPilha;
+  if (profundidade > kMaxProfundidade || semPilha) {
     if (!abortado) {
-      CaixaCritica(LocalAtual() + CR + u"Too many nested calls: routines can't be nested more than " +
-                   InteiroParaTexto(kMaxProfundidade) + u" deep!");
+      CaixaCritica(LocalAtual() + CR +
+                   (semPilha ? u"Too many nested calls: the run's stack is used up by " +
+                                   InteiroParaTexto(profundidade) + u" nested routines!"
+                             : u"Too many nested calls: routines can't be nested more than " +
+                                   InteiroParaTexto(kMaxProfundidade) + u" deep!"));
     }
     abortado = true;
     return false;

@@ -87,7 +87,14 @@ class Interpretador {
   int profundidade = 0;       // walks nested now
   // Set when a limit (nesting depth, statement budget) ended the run; stops every walk.
   bool abortado = false;
-  static constexpr int kMaxProfundidade = 400;
+  // Routines a walk may nest. Deep enough for a user's recursive flood fill
+  // or tree walk; the run launcher gives the walk a stack for this many
+  // levels of the deepest frames measured, several times over.
+  static constexpr int kMaxProfundidade = 50000;
+  // The lowest stack address a walk may still start from, set by whoever
+  // gave the walk its stack; a walk below it stops the run as too deep
+  // rather than overflow, should frames ever be far larger than measured.
+  const char* fundoPilha = nullptr;
 
   // ---- Variables ---------------------------------------------------------
   Variaveis variaveis;

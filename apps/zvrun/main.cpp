@@ -1,7 +1,5 @@
 // zvrun: runs a Zarvolt program. With --headless it needs no window: boxes
 // are JSON lines on standard output and take their answers from --answers.
-#include <pthread.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -11,11 +9,9 @@
 #include <sstream>
 #include <string>
 
-#include "core/fonte.h"
 #include "core/interpretador.h"
-#include "data/data.h"
-#include "library/library.h"
 #include "runtime/headless_host.h"
+#include "runtime/lancador.h"
 
 namespace fs = std::filesystem;
 using namespace zv;
@@ -90,58 +86,24 @@ void DespejaVariaveis(const Interpretador& zv) {
 }
 
 struct Opcoes {
-  bool headless = false, dumpPrepared = false, dumpVars = false, passo = false, semPlanos = false;
-  long long maxInstrucoes = 0;
-  std::string arquivo, configDir, linhaComando;
+  bool headless = false, dumpPrepared = false, dumpVars = false;
   std::vector<Resposta> respostas;
+  PedidoExecucao pedido;
 };
 
-struct Execucao {
-  Opcoes* op;
-  FontePrograma fonte;
-  int status = 0;
-};
-
-// The run, on a thread of its own with a large stack, so that deep nesting
-// of calls ends at the interpreter's limit and not in a stack overflow.
-void* Roda(void* arg) {
-  auto* ex = static_cast<Execucao*>(arg);
-  Opcoes& op = *ex->op;
-  HostConsole host;
-  host.respostas = op.respostas;
-  Interpretador zv(host);
-  zv.fonte = ex->fonte;
-  fs::path p = fs::absolute(op.arquivo);
-  zv.nomeArquivoPrograma = U(p.filename().string());
-  zv.dirPrograma = U(p.parent_path().string() + "/");
-  zv.linhaDeComando = U(op.linhaComando);
-  zv.modoDepuracao = op.passo;
-  zv.semPlanos = op.semPlanos;
-  zv.limiteInstrucoes = op.maxInstrucoes;
-  if (!op.configDir.empty()) {
-    zv.dirConfig = U(op.configDir);
-  } else {
-    zv.dirConfig = host.DadosPlataforma().pastaExecutavel;
+// The prepared text alone: the predeclared variables and the preparation,
+// no walk. 1 when the preparation refused the program.
+int DespejaPreparado(Interpretador& zv) {
+  zv.DeclaraSistema();
+  Texto msg = zv.PreparaPrograma();
+  if (!msg.empty()) {
+    std::fprintf(stderr, "zvrun: %s\n", Utf8(msg).c_str());
+    return 1;
   }
-  if (op.dumpPrepared) {
-    host.mudo = true;
-    zv.DeclaraSistema();
-    Texto msg = zv.PreparaPrograma();
-    if (!msg.empty()) {
-      std::fprintf(stderr, "zvrun: %s\n", Utf8(msg).c_str());
-      ex->status = 1;
-      return nullptr;
-    }
-    std::string s = Utf8(zv.textoPrograma);
-    std::fwrite(s.data(), 1, s.size(), stdout);
-    std::fflush(stdout);
-    return nullptr;
-  }
-  zv.Executa();
-  if (zv.limiteAtingido)
-    std::fprintf(stderr, "zvrun: the run was ended after %lld statements (--max-statements)\n", op.maxInstrucoes);
-  if (op.dumpVars) DespejaVariaveis(zv);
-  return nullptr;
+  std::string s = Utf8(zv.textoPrograma);
+  std::fwrite(s.data(), 1, s.size(), stdout);
+  std::fflush(stdout);
+  return 0;
 }
 
 }  // namespace
@@ -161,9 +123,9 @@ int main(int argc, char** argv) {
     } else if (a == "--dump-vars") {
       op.dumpVars = true;
     } else if (a == "--no-plans") {
-      op.semPlanos = true;
+      op.pedido.semPlanos = true;
     } else if (a == "--step") {
-      op.passo = true;
+      op.pedido.passoAPasso = true;
     } else if (a == "--answers" || a == "--max-statements" || a == "--config-dir" ||
                a == "--locale") {
       if (i + 1 >= argc) return Uso(a + " needs a value");
@@ -177,60 +139,48 @@ int main(int argc, char** argv) {
         }
       } else if (a == "--max-statements") {
         char* fim;
-        op.maxInstrucoes = std::strtoll(v.c_str(), &fim, 10);
-        if (*fim || op.maxInstrucoes <= 0) return Uso("--max-statements needs a positive number");
+        op.pedido.maxInstrucoes = std::strtoll(v.c_str(), &fim, 10);
+        if (*fim || op.pedido.maxInstrucoes <= 0) return Uso("--max-statements needs a positive number");
       } else if (a == "--locale") {
         // Read by the date commands the first time they ask for the locale,
         // which is after this point.
         setenv("LC_ALL", v.c_str(), 1);
       } else {
-        op.configDir = v;
+        op.pedido.dirConfig = v;
       }
     } else if (a == "--") {
       ++i;
       break;
     } else if (a.size() > 1 && a[0] == '-') {
       return Uso("unknown option " + a);
-    } else if (op.arquivo.empty()) {
-      op.arquivo = a;
+    } else if (op.pedido.arquivo.empty()) {
+      op.pedido.arquivo = a;
     } else {
       return Uso("only one program file can be run");
     }
   }
   for (; i < argc; ++i) {
-    if (!op.linhaComando.empty()) op.linhaComando += ' ';
-    op.linhaComando += argv[i];
+    if (!op.pedido.linhaComando.empty()) op.pedido.linhaComando += ' ';
+    op.pedido.linhaComando += argv[i];
   }
-  if (op.arquivo.empty()) return Uso("no program file given");
+  if (op.pedido.arquivo.empty()) return Uso("no program file given");
   if (!op.headless && !op.dumpPrepared)
     return Uso("the run window isn't available in this build: use --headless");
 
-  std::ifstream f(op.arquivo, std::ios::binary);
-  if (!f) return Uso("can't read " + op.arquivo);
-  std::string bytes((std::istreambuf_iterator<char>(f)), std::istreambuf_iterator<char>());
-  if (f.bad()) return Uso("can't read " + op.arquivo);
+  FontePrograma fonte;
+  std::string erro;
+  if (!CarregaFonte(op.pedido.arquivo, fonte, erro)) return Uso(erro);
 
-  Execucao ex;
-  ex.op = &op;
-  Texto texto = NormalizaFimDeLinha(DeBytesArquivo(bytes));
-  if (ComecaCom(texto, kAssinaturaFonte)) {
-    if (!SeparaCodigos(texto, ex.fonte)) return Uso(op.arquivo + " is a damaged source file: a code has no end marker #%");
-  } else {
-    ex.fonte.textos[0] = texto;
-  }
-
-  RegistraBiblioteca();
-  RegistraDados();
-
-  pthread_attr_t attr;
-  pthread_attr_init(&attr);
-  pthread_attr_setstacksize(&attr, 512u * 1024 * 1024);
-  pthread_t t;
-  if (pthread_create(&t, &attr, Roda, &ex) != 0) {
-    Roda(&ex);
-  } else {
-    pthread_join(t, nullptr);
-  }
-  pthread_attr_destroy(&attr);
-  return ex.status;
+  HostConsole host;
+  host.respostas = op.respostas;
+  if (op.dumpPrepared) host.mudo = true;
+  Lancador lancador(host, op.pedido, fonte);
+  Interpretador& zv = lancador.interpretador();
+  if (op.dumpPrepared) return DespejaPreparado(zv);
+  lancador.Executa();
+  if (zv.limiteAtingido)
+    std::fprintf(stderr, "zvrun: the run was ended after %lld statements (--max-statements)\n",
+                 static_cast<long long>(op.pedido.maxInstrucoes));
+  if (op.dumpVars) DespejaVariaveis(zv);
+  return 0;
 }
