@@ -7,7 +7,7 @@
 
 #include "core/interpretador.h"
 #include "core/preparacao.h"
-#include "data/data.h"
+#include "data/dados.h"
 #include "data/registros_arquivo.h"
 
 // Qt last: its keyword macros would clash with the core's names.

@@ -13,7 +13,7 @@
 #include <thread>
 #include <utility>
 
-#include "data/scramble.h"
+#include "data/embaralhamento.h"
 
 namespace zv {
 

@@ -13,7 +13,7 @@
 #include "core/interpretador.h"
 #include "core/valor.h"
 #include "library/arquivos_interno.h"
-#include "library/library.h"
+#include "library/biblioteca.h"
 #include "library/textos.h"
 
 namespace zv {

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "library/library.h"
+#include "library/biblioteca.h"
 
 namespace zv {
 

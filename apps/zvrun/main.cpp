@@ -13,8 +13,8 @@
 
 #include "core/fonte.h"
 #include "core/interpretador.h"
-#include "data/data.h"
-#include "library/library.h"
+#include "data/dados.h"
+#include "library/biblioteca.h"
 #include "runtime/headless_host.h"
 
 namespace fs = std::filesystem;

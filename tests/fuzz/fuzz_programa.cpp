@@ -11,8 +11,8 @@
 
 #include "core/interpretador.h"
 #include "core/texto.h"
-#include "data/data.h"
-#include "library/library.h"
+#include "data/dados.h"
+#include "library/biblioteca.h"
 #include "runtime/headless_host.h"
 
 namespace {

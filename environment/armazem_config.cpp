@@ -1,4 +1,4 @@
-#include "environment/settings.h"
+#include "environment/armazem_config.h"
 
 #include <algorithm>
 #include <fstream>
@@ -6,7 +6,7 @@
 #include <system_error>
 #include <vector>
 
-#include "data/scramble.h"
+#include "data/embaralhamento.h"
 #include "environment/mensagens.h"
 
 namespace zv {
