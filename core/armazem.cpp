@@ -23,7 +23,7 @@ static int64_t IndiceDe(Interpretador& zv, TextoV nome) {
   double v;
   if (LeNumero(dentro, v)) return static_cast<int64_t>(ArredondaPar(v));
   if (zv.variaveis.Posicao(dentro) < 0) {
-    zv.CaixaCritica(u"Can't read " + Texto(dentro) + u": undeclared variable!");
+    zv.CaixaCritica(msg::Formata(msg::kNaoLeVariavel, dentro));
     return 0;
   }
   // Whatever the index variable's type, its value as a whole number counts.
@@ -37,7 +37,7 @@ static int64_t IndiceDe(Interpretador& zv, TextoV nome) {
 
 Valor Interpretador::LeVariavel(TextoV nome) {
   if (variaveis.Posicao(nome) < 0) {
-    CaixaCritica(LocalAtual() + CR + u"Can't read " + Texto(nome) + u": undeclared variable!");
+    CaixaCritica(msg::NoLocal(LocalAtual(), msg::Formata(msg::kNaoLeVariavel, nome)));
     return Valor();
   }
   TipoVariavel tipo = variaveis.tipoEncontrado;
@@ -45,7 +45,7 @@ Valor Interpretador::LeVariavel(TextoV nome) {
   int32_t tamanho = variaveis.entradaEncontrada->tamanho;
   int64_t i = IndiceDe(*this, nome);
   if (i < 0 || i >= tamanho) {
-    CaixaCritica(LocalAtual() + CR + u"Can't read " + Texto(nome) + u": index out of range!");
+    CaixaCritica(msg::NoLocal(LocalAtual(), msg::Formata(msg::kIndiceForaDosLimites, nome)));
     return Valor();
   }
   size_t k = static_cast<size_t>(inicio + i);
@@ -62,7 +62,7 @@ Valor Interpretador::LeVariavel(TextoV nome) {
 
 void Interpretador::GravaVariavel(TextoV nome, const Valor& valor, bool deveExistir) {
   if (variaveis.Posicao(nome) < 0) {
-    if (deveExistir) throw FalhaHost(u"Can't assign value to " + Texto(nome) + u": undeclared variable!");
+    if (deveExistir) throw FalhaHost(msg::Formata(msg::kNaoAtribui, nome));
     return;
   }
   TipoVariavel tipo = variaveis.tipoEncontrado;
@@ -76,8 +76,8 @@ void Interpretador::GravaVariavel(TextoV nome, const Valor& valor, bool deveExis
   // anything noticed; refuse it while the run can still say so.
   if (tipo == TipoVariavel::String && valor.tipo == Valor::Tipo::Texto && valor.s.size() > kMaxTexto) {
     if (!abortado)
-      CaixaCritica(LocalAtual() + CR + u"Out of memory: " + Texto(nome) + u" can't hold a text longer than " +
-                   InteiroParaTexto(static_cast<int64_t>(kMaxTexto)) + u" characters!");
+      CaixaCritica(msg::NoLocal(LocalAtual(), msg::Formata(msg::kTextoLongoDemais, nome,
+                                                           InteiroParaTexto(static_cast<int64_t>(kMaxTexto)))));
     abortado = true;
     throw FalhaHost(falha::SemMemoria);
   }
@@ -133,7 +133,7 @@ void Interpretador::CriaVetor(TextoV nome, TextoV tipo) {
 }
 
 void Interpretador::RemoveVariable(TextoV nome) {
-  if (!variaveis.Remove(nome)) CaixaCritica(u"RemoveVariable - undeclared variable: " + Texto(nome));
+  if (!variaveis.Remove(nome)) CaixaCritica(msg::Formata(msg::kRemoveVariable, nome));
 }
 
 void Interpretador::DeclaraSistema() {

@@ -53,7 +53,7 @@ Valor Write(Interpretador& zv, const Texto& argumentos) {
 void EsperaClique(Interpretador& zv, Texto& alvo, const char16_t* forma) {
   alvo.clear();
   if (!zv.host().Interativo()) {
-    zv.CaixaCritica(zv.LocalAtual() + CR + u"Wait " + forma + u": there is no window to click in this run!");
+    zv.CaixaCritica(msg::NoLocal(zv.LocalAtual(), msg::Formata(msg::kEsperaSemJanela, forma)));
     zv.pararPrograma = true;
     return;
   }

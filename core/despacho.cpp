@@ -146,11 +146,11 @@ Valor ChamaComTratador(Interpretador& zv, const DefinicaoComando& d, int indice,
   try {
     return d.rotina(zv, args);
   } catch (const FalhaHost& f) {
-    zv.ErroExecucao(Texto(d.prefixoErro) + kPalavrasChave[indice] + u": " + f.descricao);
+    zv.ErroExecucao(msg::FalhaDeComando(kPalavrasChave[indice], f.descricao, d.prefixoErro));
   } catch (const std::bad_alloc&) {
-    zv.ErroExecucao(Texto(d.prefixoErro) + kPalavrasChave[indice] + u": " + falha::SemMemoria);
+    zv.ErroExecucao(msg::FalhaDeComando(kPalavrasChave[indice], falha::SemMemoria, d.prefixoErro));
   } catch (const std::exception& e) {
-    zv.ErroExecucao(Texto(d.prefixoErro) + kPalavrasChave[indice] + u": " + U(e.what()));
+    zv.ErroExecucao(msg::FalhaDeComando(kPalavrasChave[indice], U(e.what()), d.prefixoErro));
   }
   return Valor();
 }
@@ -348,8 +348,7 @@ int AchaChamadaInterna(const Texto& texto, Texto& nome, Texto& argumentos) {
 bool Interpretador::AchaFuncaoInterna(const Texto& texto, Texto par[2]) {
   int r = AchaChamadaInterna(texto, par[0], par[1]);
   if (r < 0)
-    CaixaCritica(u"Error in command " + TextoDeChamada(texto) + CR + CR +
-                 u"Make sure you put the arguments in parentheses!");
+    CaixaCritica(msg::SemParenteses(msg::kErroEmComando, TextoDeChamada(texto)));
   return r > 0;
 }
 

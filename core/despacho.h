@@ -37,7 +37,7 @@ struct DefinicaoComando {
   // The routine takes no arguments (the argument text is not passed).
   bool semArgumentos = false;
   // Start of the handler's message; "Error in command " unless told.
-  const char16_t* prefixoErro = u"Error in command ";
+  const char16_t* prefixoErro = msg::kErroEmComando;
 };
 
 // Hook of the DB block: reads the block from the statement at `posicao`

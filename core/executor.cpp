@@ -28,7 +28,7 @@ Interpretador::~Interpretador() {
 
 Texto Interpretador::LocalAtual() const {
   if (linhaAtual == 0) return Texto();  // no statement has run yet
-  return u"Editor: " + InteiroParaTexto(editorAtual) + u" Line: " + InteiroParaTexto(linhaAtual);
+  return msg::Local(InteiroParaTexto(editorAtual), InteiroParaTexto(linhaAtual));
 }
 
 Texto Interpretador::TituloPrograma() const {
@@ -40,7 +40,7 @@ void Interpretador::CaixaCritica(const Texto& texto) {
   Caixa c;
   c.tipo = TipoCaixa::Critico;
   c.botoes = Botoes::OK;
-  c.titulo = kTituloSistema;
+  c.titulo = msg::kTituloSistema;
   c.texto = texto;
   host_.MostraCaixa(c);
 }
@@ -50,8 +50,8 @@ void Interpretador::ErroExecucao(const Texto& mensagem) {
   c.tipo = TipoCaixa::Erro;
   c.botoes = Botoes::OKCancel;
   c.padrao = Resposta::OK;
-  c.titulo = kTituloSistema;
-  c.texto = LocalAtual() + CR + mensagem;
+  c.titulo = msg::kTituloSistema;
+  c.texto = msg::NoLocal(LocalAtual(), mensagem);
   respostaErro = host_.MostraCaixa(c);
   if (respostaErro == Resposta::Cancel) pararPrograma = true;
 }
@@ -85,11 +85,9 @@ bool Interpretador::EntraCaminhada() {
   bool semPilha = fundoPilha && &aqui < fundoPilha;
   if (profundidade > kMaxProfundidade || semPilha) {
     if (!abortado) {
-      CaixaCritica(LocalAtual() + CR +
-                   (semPilha ? u"Too many nested calls: the run's stack is used up by " +
-                                   InteiroParaTexto(profundidade) + u" nested routines!"
-                             : u"Too many nested calls: routines can't be nested more than " +
-                                   InteiroParaTexto(kMaxProfundidade) + u" deep!"));
+      Texto motivo = semPilha ? msg::Formata(msg::kPilhaEsgotada, InteiroParaTexto(profundidade))
+                              : msg::Formata(msg::kChamadasFundasDemais, InteiroParaTexto(kMaxProfundidade));
+      CaixaCritica(msg::NoLocal(LocalAtual(), motivo));
     }
     abortado = true;
     return false;
@@ -158,8 +156,8 @@ void Interpretador::Caminha(const Texto& texto, const Texto& textoExibicao, int3
       Caixa c;
       c.tipo = TipoCaixa::Passo;
       c.botoes = Botoes::OKCancel;
-      c.titulo = kTituloSistema;
-      c.texto = u"Editor: " + e + CR + u"Line: " + n + CR + CR + ComandoParaExibir(l);
+      c.titulo = msg::kTituloSistema;
+      c.texto = msg::LocalPasso(e, n) + CR + CR + ComandoParaExibir(l);
       if (host_.MostraCaixa(c) == Resposta::Cancel) return;
     }
 
@@ -200,18 +198,16 @@ void Interpretador::Caminha(const Texto& texto, const Texto& textoExibicao, int3
     } else if ((p = linha.find(u"GoTo")) != NPOS) {
       Texto rotulo = Resto(linha, p + 5);
       if (TerminaCom(rotulo, u":")) {
-        CaixaCritica(u"Error in command GoTo (Ed.: " + InteiroParaTexto(editorAtual) + u" Line " +
-                     InteiroParaTexto(linhaAtual) +
-                     u"): Label can't have character : (colon)!");
+        CaixaCritica(msg::FalhaDeGoTo(InteiroParaTexto(editorAtual), InteiroParaTexto(linhaAtual),
+                                      msg::kRotuloComDoisPontos));
         return;
       }
       rotulo += u':';
       size_t h = texto.find(rotulo);
       size_t a = h == NPOS ? NPOS : texto.rfind(u"&#", h);
       if (a == NPOS) {
-        CaixaCritica(u"Error in command GoTo (Ed.: " + InteiroParaTexto(editorAtual) + u" Line " +
-                     InteiroParaTexto(linhaAtual) + u"): Label not found: " +
-                     rotulo);
+        CaixaCritica(msg::FalhaDeGoTo(InteiroParaTexto(editorAtual), InteiroParaTexto(linhaAtual),
+                                      msg::Formata(msg::kRotuloNaoEncontrado, rotulo)));
         return;
       }
       pos = a;
@@ -252,7 +248,7 @@ void Interpretador::Caminha(const Texto& texto, const Texto& textoExibicao, int3
       int d = -1;
       if (!ProfundidadeValida(tag, d)) {
         if (d > 20)
-          CaixaCritica(LocalAtual() + CR + u"If blocks can't be nested more than 21 levels deep!");
+          CaixaCritica(msg::NoLocal(LocalAtual(), msg::kIfFundoDemais));
         return;
       }
       Texto v = AvaliaCondicao(Resto(linha, p + 6));
@@ -333,7 +329,7 @@ void Interpretador::ExecutaComando(const Texto& linha) {
     DespachaComando(palavra, args);
     return;
   }
-  ErroExecucao(u"Error: variable undeclared: " + palavra);
+  ErroExecucao(msg::Formata(msg::kNaoDeclarada, palavra));
 }
 
 void Interpretador::Executa() {

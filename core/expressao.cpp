@@ -571,7 +571,7 @@ Texto Interpretador::AvaliaCondicao(const Texto& condicao) {
   Condicao c;
   std::array<Texto, 21> resultados;
   auto longaDemais = [this] {
-    CaixaCritica(LocalAtual() + CR + u"Condition too long: it can't have more than 21 comparisons!");
+    CaixaCritica(msg::NoLocal(LocalAtual(), msg::kCondicaoLongaDemais));
     throw FalhaHost(falha::ForaDoIndice);
   };
   try {

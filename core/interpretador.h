@@ -315,7 +315,4 @@ inline bool Interpretador::NumeroRapido(const PlanoValor& p, double& x, Valor::T
 // Renames whole-word occurrences of a parameter in a function's body.
 void TrocaNome(Texto& texto, const Texto& velho, const Texto& novo);
 
-// Title of the system's own boxes.
-inline const Texto kTituloSistema = u"Zarvolt";
-
 }  // namespace zv

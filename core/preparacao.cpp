@@ -219,9 +219,9 @@ Texto VerificaBlocos(TextoV texto) {
   Texto t = Maiusculas(texto);
   Texto msg;
   size_t fins = ContaEApaga(t, u"ENDIF[", u'X');
-  if (fins != ContaEApaga(t, u"IF[", 0)) msg = u"If statement without their EndIf!";
+  if (fins != ContaEApaga(t, u"IF[", 0)) msg = msg::kIfSemEndIf;
   size_t loops = ContaEApaga(t, u"LOOP[", u'X');
-  if (loops != ContaEApaga(t, u"WHILE[", 0)) msg = u"While statement without their Loop!";
+  if (loops != ContaEApaga(t, u"WHILE[", 0)) msg = msg::kWhileSemLoop;
   return msg;
 }
 
@@ -234,17 +234,17 @@ Texto Interpretador::PreparaPrograma() {
     return n;
   };
   if (contaLinhas(principal) > size_t(kMaxNumeroMarcador))
-    return u"Main code too long: a code text can't have more than 100,000 lines!";
+    return msg::kCodigoPrincipalLongo;
   for (int i = 1; i <= 6; ++i) {
     if (fonte.textos[i].empty()) continue;
     if (contaLinhas(fonte.textos[i]) > size_t(kMaxNumeroMarcador))
-      return u"Code " + InteiroParaTexto(i) + u" too long: a code text can't have more than 100,000 lines!";
+      return msg::Formata(msg::kCodigoLongo, InteiroParaTexto(i));
     t += CRLF;
     t += MarcaLinhas(fonte.textos[i], i);
   }
   t = LimpaTexto(t);
   t = NumeraComandos(t);
-  if (contaLinhas(t) > size_t(kMaxNumeroMarcador) + 1) return u"Program too long: it can't have more than 100,000 statements!";
+  if (contaLinhas(t) > size_t(kMaxNumeroMarcador) + 1) return msg::kProgramaLongo;
   t = NumeraIf(t);
   t = NumeraWhile(t);
   textoPrograma = std::move(t);

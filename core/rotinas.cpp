@@ -67,7 +67,7 @@ void Interpretador::RegistraRotinas(const Texto& texto) {
         s = h + 5;
       }
       if (erro) {
-        CaixaCritica(u"Function without its command EndFunction: " + nome);
+        CaixaCritica(msg::Formata(msg::kFunctionSemFim, nome));
         break;
       }
     }
@@ -99,7 +99,7 @@ void Interpretador::RegistraRotinas(const Texto& texto) {
         s = h + 2;
       }
       if (erro) {
-        CaixaCritica(u"Sub without its command EndSub: " + nome);
+        CaixaCritica(msg::Formata(msg::kSubSemFim, nome));
         break;
       }
     }
@@ -120,9 +120,7 @@ void Interpretador::RegistraRotinas(const Texto& texto) {
       de = a;
     }
   } catch (const FalhaHost&) {
-    CaixaCritica(Texto(u"Error creating function or subroutine!") + CR + CR +
-                 u"-You forgot to put parentheses to declare a function or subroutine?" + CR +
-                 u"-You put some ZV reserved word in the name of some function or subroutine?");
+    CaixaCritica(msg::kErroNasRotinas);
   }
 }
 
@@ -137,7 +135,7 @@ void Interpretador::ChamaSub(const Texto& nome) {
   try {
     size_t h = textoPrograma.find(u"Sub " + nome);
     if (h == NPOS) {
-      CaixaCritica(u"Subroutine not found: " + nome);
+      CaixaCritica(msg::Formata(msg::kSubNaoEncontrada, nome));
       return;
     }
     size_t e = AchaFimRotina(textoPrograma, u"EndSub", h);
@@ -185,7 +183,7 @@ void TrocaNome(Texto& texto, const Texto& velho, const Texto& novo) {
 void Interpretador::LeFuncao(const Texto& nome, ModeloFuncao& m, bool avisa) {
   size_t h = textoPrograma.find(u"Function " + nome);
   if (h == NPOS) {
-    if (avisa) CaixaCritica(u"Function not found: " + nome);
+    if (avisa) CaixaCritica(msg::Formata(msg::kFunctionNaoEncontrada, nome));
     throw FalhaHost(falha::ChamadaInvalida);
   }
   size_t e = AchaFimRotina(textoPrograma, u"EndFunction", h);
@@ -411,8 +409,7 @@ Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos, con
 }
 
 void Interpretador::FalhaFuncao() {
-  ErroExecucao(
-      u"Error executing the function, make sure you set the argument types and the return type of the function!");
+  ErroExecucao(msg::kFalhaDeFuncao);
 }
 
 bool Interpretador::AchaFuncaoUsuario(const Texto& texto, Texto par[2], Texto& palavraResultado) {
@@ -428,7 +425,7 @@ bool Interpretador::AchaFuncaoUsuario(const Texto& texto, Texto par[2], Texto& p
     while (w < m.size() && (ELetra(m[w]) || EDigito(m[w]) || m[w] == u'_')) ++w;
     size_t fim;
     if (q == NPOS || !ArgumentosMarcados(m, q, w - q, par[1], fim)) {
-      CaixaCritica(u"Error in function " + t + CR + CR + u"Make sure you put the arguments in parentheses!");
+      CaixaCritica(msg::SemParenteses(msg::kErroEmFuncao, t));
       return false;
     }
     par[0] = m.substr(q, w - q);

@@ -5,6 +5,7 @@
 #include <exception>
 #include <string>
 
+#include "core/mensagens.h"
 #include "core/texto.h"
 
 namespace zv {
@@ -14,19 +15,9 @@ namespace zv {
 struct FalhaHost : std::exception {
   Texto descricao;
   Texto origem;
-  explicit FalhaHost(Texto d, Texto o = u"Zarvolt") : descricao(std::move(d)), origem(std::move(o)) {}
+  explicit FalhaHost(Texto d, Texto o = msg::kTituloSistema) : descricao(std::move(d)), origem(std::move(o)) {}
   const char* what() const noexcept override { return "FalhaHost"; }
 };
-
-// The descriptions of the run-time's own failures.
-namespace falha {
-inline const char16_t* TipoIncompativel = u"Type mismatch";
-inline const char16_t* Estouro = u"Overflow";
-inline const char16_t* ForaDoIndice = u"Subscript out of range";
-inline const char16_t* ChamadaInvalida = u"Invalid procedure call or argument";
-inline const char16_t* DivisaoPorZero = u"Division by zero";
-inline const char16_t* SemMemoria = u"Out of memory";
-}  // namespace falha
 
 // The longest text a variable holds: 16 Mi characters (32 MB).
 inline constexpr size_t kMaxTexto = size_t{16} << 20;

@@ -7,7 +7,7 @@
 
 #include "core/interpretador.h"
 #include "core/preparacao.h"
-#include "data/data.h"
+#include "data/dados.h"
 #include "data/registros_arquivo.h"
 
 // Qt last: its keyword macros would clash with the core's names.
@@ -50,14 +50,11 @@ struct TabelaBases {
 fs::path ParaCaminho(const Texto& t) { return fs::path(Utf8(t)); }
 
 Texto MensagemTamanho(const Texto& nome) {
-  return u"Error (" + nome + u"): The size of the file fields have changed." + CRLF +
-         u"Return to the original structure of the fields, or delete the file" + CRLF +
-         u"so that the ZV create a new file with a new structure." + CRLF +
-         u"Warning! if the file is deleted, the records already" + CRLF + u"in the database can not be recovered!";
+  return msg::dados::NaBase(nome, msg::dados::kTamanhoMudou);
 }
 
 Texto MensagemDanificado(const Texto& caminho, const Texto& problema) {
-  return u"The database file " + caminho + u" is damaged: " + problema;
+  return msg::Formata(msg::dados::kArquivoDanificado, caminho, problema);
 }
 
 // The stamps of the header: the date and the time in the locale's short form.
@@ -76,7 +73,7 @@ int LocalizaDB(Interpretador& zv, const Texto& nome) {
   Texto m = Maiusculas(nome);
   for (size_t s = 0; s < kSlotsDB - 1; ++s)
     if (t.bases[s] && Maiusculas(t.bases[s]->nome) == m) return int(s);
-  zv.CaixaCritica(u"Error: Database descriptor '" + nome + u"' not found!");
+  zv.CaixaCritica(msg::Formata(msg::dados::kDescritorNaoEncontrado, nome));
   return -1;
 }
 
@@ -87,7 +84,7 @@ BaseDeclarada* BaseAberta(Interpretador& zv, const std::vector<Texto>& a) {
   if (s < 0) return nullptr;
   BaseDeclarada* b = Base(zv, s);
   if (!b->arqDB.Aberto())
-    throw FalhaHost(u"Bad file name or number: the database '" + b->nome + u"' is not open (OpenDB)");
+    throw FalhaHost(msg::Formata(msg::dados::kBaseFechada, b->nome));
   return b;
 }
 
@@ -103,8 +100,7 @@ BaseDeclarada* ComandoDeRegistro(Interpretador& zv, const Texto& args, std::vect
 int32_t Posicao(Interpretador& zv, const Texto& arg) { return zv.ValorNumerico(arg).ComoInt32(); }
 
 Texto MensagemPosicao(int32_t posicao) {
-  return u"Invalid position:" + InteiroParaTexto(posicao) + CRLF +
-         u"Positions range from 0 to the total records in the file minus 1.";
+  return msg::Formata(msg::dados::kPosicaoInvalida, InteiroParaTexto(posicao));
 }
 
 // The field variables' values.
@@ -139,8 +135,7 @@ std::string MontaRegistro(Interpretador& zv, const BaseDeclarada& b, const Texto
   std::vector<size_t> longos;
   std::string bytes = b.arqDB.Monta(r, autoInc, &longos);
   for (size_t i : longos) {
-    zv.ErroExecucao(comando + u": The size of the field '" + b.campoDB[i] + u"'" + CRLF +
-                    u"is smaller than the data size allocated to the field!");
+    zv.ErroExecucao(msg::Formata(msg::dados::kCampoPequeno, comando, b.campoDB[i]));
     r[i].texto.clear();
   }
   for (size_t i = 0; i < r.size(); ++i)
@@ -165,8 +160,7 @@ void LinhaCampo(Interpretador& zv, const Texto& comando, Declaracao& d) {
   TipoCampo tipo;
   if (!LeTipoCampo(palavra, tipo)) {
     if (d.problema.empty())
-      d.problema = u"the field '" + campo + u"' has the type '" + palavra +
-                   u"'; the types are String, AutoInc, Integer and Decimal";
+      d.problema = msg::Formata(msg::dados::kTipoDeCampo, campo, palavra);
     return;
   }
   int32_t comprimento = (tipo == TipoCampo::String && !a[2].empty()) ? zv.ValorNumerico(a[2]).ComoInt32() : 0;
@@ -178,10 +172,10 @@ void LinhaCampo(Interpretador& zv, const Texto& comando, Declaracao& d) {
 
 // Creates or checks the file and takes a slot.
 void Declara(Interpretador& zv, Declaracao& d) {
-  const Texto titulo = u"Error (" + d.nome + u"): ";
+  const Texto titulo = msg::Formata(msg::dados::kNaBase, d.nome);
   if (d.problema.empty()) d.problema = d.estrutura.Problema();
   if (d.problema.empty() && d.senha.size() > size_t(kMaxNome))
-    d.problema = u"the password can't be longer than " + InteiroParaTexto(kMaxNome) + u" characters";
+    d.problema = msg::Formata(msg::dados::kSenhaLonga, InteiroParaTexto(kMaxNome));
   if (!d.problema.empty()) {
     zv.CaixaCritica(titulo + d.problema + u"!");
     return;
@@ -194,7 +188,7 @@ void Declara(Interpretador& zv, Declaracao& d) {
         tab.bases[size_t(s)]->pasta == d.pasta)
       slot = s;
   if (slot < 0 && tab.qtdDB > kUltimaBase) {
-    zv.CaixaCritica(titulo + u"a program can't declare more than " + InteiroParaTexto(kUltimaBase) + u" databases!");
+    zv.CaixaCritica(titulo + msg::Formata(msg::dados::kBasesDemais, InteiroParaTexto(kUltimaBase)));
     return;
   }
   std::error_code ec;
@@ -207,7 +201,7 @@ void Declara(Interpretador& zv, Declaracao& d) {
     return;
   }
   if (r == ArquivoRegistros::Declaracao::Danificada) {
-    zv.CaixaCritica(titulo + MensagemDanificado(caminho, problema) + u"." + CRLF + u"The file was left as it is.");
+    zv.CaixaCritica(titulo + MensagemDanificado(caminho, problema) + msg::dados::kDeixadoComoEsta);
     return;
   }
   if (slot >= 0) return;
@@ -265,15 +259,15 @@ int32_t BlocoDB(Interpretador& zv, const Texto& texto, size_t posicao, size_t fi
       if (c == u'\\') c = u'/';
     if (!d.pasta.empty() && d.pasta.back() != u'/') d.pasta += u'/';
     if (!fechado) {
-      zv.CaixaCritica(u"Error (" + d.nome + u"): the DB block has no EndDB!");
+      zv.CaixaCritica(msg::dados::NaBase(d.nome, msg::dados::kSemEndDB));
       return ultimo;
     }
     for (size_t i = 1; i < linhas.size(); ++i) LinhaCampo(zv, linhas[i], d);
     Declara(zv, d);
   } catch (const FalhaHost& f) {
-    zv.ErroExecucao(u"Error in command DB: " + f.descricao);
+    zv.ErroExecucao(msg::FalhaDeComando(u"DB", f.descricao));
   } catch (const FalhaRegistros& f) {
-    zv.ErroExecucao(u"Error in command DB: " + f.descricao);
+    zv.ErroExecucao(msg::FalhaDeComando(u"DB", f.descricao));
   }
   return ultimo;
 }
@@ -304,10 +298,10 @@ Valor OpenDB(Interpretador& zv, const Texto& args) {
   switch (b.arqDB.Abre(ParaCaminho(b.Caminho()), &b.estrutura, &senha, false, problema)) {
     case ArquivoRegistros::Abertura::Aberta: break;
     case ArquivoRegistros::Abertura::NaoEncontrada:
-      zv.ErroExecucao(u"Error in function OpenDB - File not found: " + b.Caminho());
+      zv.ErroExecucao(msg::Formata(msg::dados::kOpenDBSemArquivo, b.Caminho()));
       break;
     case ArquivoRegistros::Abertura::SenhaInvalida:
-      zv.ErroExecucao(u"Error connecting do database '" + b.nome + u"': Invalid password!");
+      zv.ErroExecucao(msg::Formata(msg::dados::kSenhaInvalida, b.nome));
       break;
     case ArquivoRegistros::Abertura::TamanhoDiferente: zv.CaixaCritica(MensagemTamanho(b.nome)); break;
     case ArquivoRegistros::Abertura::Danificada: throw FalhaHost(MensagemDanificado(b.Caminho(), problema));
@@ -372,7 +366,7 @@ Valor UpdateRecord(Interpretador& zv, const Texto& args) {
   Registro r = LeCampos(zv, *b);
   // An AutoInc field takes the position as it was given.
   std::string bytes = MontaRegistro(zv, *b, u"UpdateRecord", r, posicao);
-  RegravaRegistro(zv, *b, posicao, bytes, &r, u"Can't update record: invalid position!");
+  RegravaRegistro(zv, *b, posicao, bytes, &r, msg::dados::kNaoAtualiza);
   return {};
 }
 
@@ -381,7 +375,7 @@ Valor DeleteRecord(Interpretador& zv, const Texto& args) {
   BaseDeclarada* b = ComandoDeRegistro(zv, args, a);
   if (!b) return {};
   int32_t posicao = Posicao(zv, a[1]);
-  RegravaRegistro(zv, *b, posicao, b->arqDB.RegistroApagado(), nullptr, u"Can't delete record: invalid position!");
+  RegravaRegistro(zv, *b, posicao, b->arqDB.RegistroApagado(), nullptr, msg::dados::kNaoApaga);
   return {};
 }
 
@@ -392,7 +386,7 @@ Valor ReadRecord(Interpretador& zv, const Texto& args) {
   int32_t posicao = Posicao(zv, a[1]);
   int32_t total = b->arqDB.Total();
   if (posicao < 0 || posicao >= total) {
-    zv.ErroExecucao(u"Can't read record: invalid position!");
+    zv.ErroExecucao(msg::dados::kNaoLe);
     return Valor::TextoComAspas(u"");
   }
   int32_t n = NumeroRegistro(zv, *b, posicao);
@@ -438,7 +432,7 @@ Valor OrderDB(Interpretador& zv, const Texto& args) {
     int f = b.estrutura.IndiceCampo(c);
     if (f < 0) {
       b.indices.clear();
-      zv.ErroExecucao(u"Index field not found in database: " + c);
+      zv.ErroExecucao(msg::Formata(msg::dados::kCampoIndiceNaoEncontrado, c));
       return {};
     }
     b.indices.push_back(f);
@@ -465,8 +459,7 @@ Valor FindDB(Interpretador& zv, const Texto& args) {
   for (size_t i = 2; i < a.size() && !a[i].empty(); ++i) valores.push_back(zv.ValorTexto(a[i]).ComoTexto());
   Texto chave;
   if (!ChaveBusca(b.estrutura, b.indices, valores, chave)) {
-    zv.ErroExecucao(u"Error in command FindDB!" + CRLF +
-                    u"Make sure you set the order of the database with the command OrderDB!");
+    zv.ErroExecucao(msg::dados::FindDBSemOrdem());
     return Valor::DeInt32(0);
   }
   return Valor::DeInt32(b.lstOrdem.Busca(chave, modo));
@@ -481,7 +474,7 @@ Valor CompactDB(Interpretador& zv, const Texto& args) {
     // Compaction leaves the file open, as if OpenDB had run.
     Texto problema;
     auto r = b.arqDB.Abre(ParaCaminho(b.Caminho()), &b.estrutura, nullptr, false, problema);
-    if (r == ArquivoRegistros::Abertura::NaoEncontrada) throw FalhaHost(u"File not found: " + b.Caminho());
+    if (r == ArquivoRegistros::Abertura::NaoEncontrada) throw FalhaHost(msg::Formata(msg::biblioteca::kArquivoNaoEncontradoEm, b.Caminho()));
     if (r == ArquivoRegistros::Abertura::TamanhoDiferente) {
       zv.CaixaCritica(MensagemTamanho(b.nome));
       return Valor::TextoComAspas(u"");
@@ -491,9 +484,7 @@ Valor CompactDB(Interpretador& zv, const Texto& args) {
   fs::path trabalho;
   int32_t total = 0;
   if (b.arqDB.Compacta(trabalho, total) == ArquivoRegistros::Compactacao::TrabalhoExiste) {
-    zv.CaixaCritica(u"Another user is clearing the database!" + CRLF +
-                    u"If you are sure that no user's performing this routine," + CRLF + u"delete the file " +
-                    U(trabalho.string()));
+    zv.CaixaCritica(msg::Formata(msg::dados::kOutroCompacta, U(trabalho.string())));
   }
   return Valor::TextoComAspas(u"");
 }

@@ -13,7 +13,7 @@
 #include <thread>
 #include <utility>
 
-#include "data/scramble.h"
+#include "data/embaralhamento.h"
 
 namespace zv {
 
@@ -50,7 +50,7 @@ bool EmBranco(std::string_view s) {
 // it fits.
 void PoeEmFatia(std::string& bytes, Fatia f, std::string_view texto) {
   std::string a = Embaralha(texto);
-  if (a.size() > f.largura) throw FalhaRegistros(u"a header value doesn't fit its slot: " + DeCp1252(texto));
+  if (a.size() > f.largura) throw FalhaRegistros(msg::Formata(msg::dados::kValorNaoCabe, DeCp1252(texto)));
   bytes.replace(f.inicio, f.largura, a + std::string(f.largura - a.size(), ' '));
 }
 
@@ -127,21 +127,20 @@ int Estrutura::IndiceCampo(TextoV nome) const {
 
 Texto Estrutura::Problema() const {
   const Texto limite = InteiroParaTexto(kMaxNome);
-  if (descritor.empty()) return u"the database has no name";
+  if (descritor.empty()) return msg::dados::kSemNome;
   if (descritor.size() > size_t(kMaxNome))
-    return u"the name of a database can't be longer than " + limite + u" characters";
-  if (campos.empty()) return u"the database has no fields";
+    return msg::Formata(msg::dados::kNomeLongo, limite);
+  if (campos.empty()) return msg::dados::kSemCampos;
   if (campos.size() > size_t(kMaxCampos))
-    return u"a database can't have more than " + InteiroParaTexto(kMaxCampos) + u" fields";
+    return msg::Formata(msg::dados::kCamposDemais, InteiroParaTexto(kMaxCampos));
   for (const Campo& c : campos) {
-    if (c.nome.empty()) return u"a field has no name";
+    if (c.nome.empty()) return msg::dados::kCampoSemNome;
     if (c.nome.size() > size_t(kMaxNome))
-      return u"the name of the field '" + c.nome + u"' is longer than " + limite + u" characters";
-    if (c.comprimento < 0) return u"the field '" + c.nome + u"' has a negative length";
+      return msg::Formata(msg::dados::kNomeDeCampoLongo, c.nome, limite);
+    if (c.comprimento < 0) return msg::Formata(msg::dados::kComprimentoNegativo, c.nome);
   }
   if (tamanhoRegistro > kMaxTamanhoRegistro)
-    return u"a record can't be longer than " + InteiroParaTexto(kMaxTamanhoRegistro) + u" bytes (this one has " +
-           InteiroParaTexto(tamanhoRegistro) + u")";
+    return msg::Formata(msg::dados::kRegistroLongo, InteiroParaTexto(kMaxTamanhoRegistro), InteiroParaTexto(tamanhoRegistro));
   return {};
 }
 
@@ -180,8 +179,8 @@ void PoeContagem(std::string& trava, int32_t total) { PoeEmFatia(trava, kContage
 
 bool LeCabecalho(std::string_view bytes, Cabecalho& c, Texto& problema) {
   if (bytes.size() < size_t(kTamanhoCabecalho)) {
-    problema = u"it is shorter than its header (" + InteiroParaTexto(int64_t(bytes.size())) + u" of " +
-               InteiroParaTexto(kTamanhoCabecalho) + u" bytes)";
+    problema = msg::Formata(msg::dados::kCurtoDemaisBytes, InteiroParaTexto(int64_t(bytes.size())),
+                            InteiroParaTexto(kTamanhoCabecalho));
     return false;
   }
   auto falha = [&problema](Texto p) {
@@ -190,41 +189,40 @@ bool LeCabecalho(std::string_view bytes, Cabecalho& c, Texto& problema) {
   };
   c = Cabecalho{};
   c.trava = bytes[0];
-  if (c.trava != kLivre && c.trava != kOcupado) return falha(u"its lock byte is neither \"0\" nor \"1\"");
+  if (c.trava != kLivre && c.trava != kOcupado) return falha(msg::dados::kTravaInvalida);
   std::string t;
-  if (!LeContagem(bytes, c.total)) return falha(u"its record count can't be read");
-  if (!LeFatia(bytes, kDescritor, t)) return falha(u"its database name can't be read");
+  if (!LeContagem(bytes, c.total)) return falha(msg::dados::kContagemIlegivel);
+  if (!LeFatia(bytes, kDescritor, t)) return falha(msg::dados::kNomeIlegivel);
   c.estrutura.descritor = DeCp1252(t);
   if (!LeFatia(bytes, kTamanho, t) || !SoDigitos(t, 5) || std::stoi(t) == 0 || std::stoi(t) > kMaxTamanhoRegistro)
-    return falha(u"its record size can't be read");
+    return falha(msg::dados::kTamanhoIlegivel);
   int32_t tamanho = std::stoi(t);
-  if (!LeFatia(bytes, kCriacao, t)) return falha(u"its creation stamp can't be read");
+  if (!LeFatia(bytes, kCriacao, t)) return falha(msg::dados::kCriacaoIlegivel);
   c.criacao = DeCp1252(t);
-  if (!LeFatia(bytes, kDeclaracao, t)) return falha(u"its declaration stamp can't be read");
+  if (!LeFatia(bytes, kDeclaracao, t)) return falha(msg::dados::kDeclaracaoIlegivel);
   c.declaracao = DeCp1252(t);
-  if (!LeFatia(bytes, kSenha, t)) return falha(u"its password can't be read");
+  if (!LeFatia(bytes, kSenha, t)) return falha(msg::dados::kSenhaIlegivel);
   c.senha = DeCp1252(t);
   size_t p = kPrimeiroCampo;
   for (int i = 0;; ++i, p += kPassoCampo) {
     const Texto n = InteiroParaTexto(i + 1);
-    if (!LeFatia(bytes, {p, kNomeCampo}, t)) return falha(u"the name of its field " + n + u" can't be read");
+    if (!LeFatia(bytes, {p, kNomeCampo}, t)) return falha(msg::Formata(msg::dados::kNomeDeCampoIlegivel, n));
     if (t == kMarcaFim) break;
-    if (i == kMaxCampos) return falha(u"its field table has no end mark");
+    if (i == kMaxCampos) return falha(msg::dados::kSemMarcaFim);
     Texto nome = DeCp1252(t);
     std::string comp, tipo;
     if (!LeFatia(bytes, {p + kNomeCampo, kComprimentoCampo}, comp) || !SoDigitos(comp, 5))
-      return falha(u"the length of its field '" + nome + u"' can't be read");
+      return falha(msg::Formata(msg::dados::kComprimentoIlegivel, nome));
     TipoCampo tc;
     if (!LeFatia(bytes, {p + kNomeCampo + kComprimentoCampo, kTipoCampo}, tipo) || !LeTipoCampo(DeCp1252(tipo), tc))
-      return falha(u"the type of its field '" + nome + u"' can't be read");
+      return falha(msg::Formata(msg::dados::kTipoIlegivel, nome));
     c.estrutura.Acrescenta(nome, tc, std::stoi(comp));
     if (c.estrutura.campos.back().comprimento != std::stoi(comp))
-      return falha(u"its field '" + nome + u"' has a length that doesn't fit its type");
+      return falha(msg::Formata(msg::dados::kComprimentoErrado, nome));
   }
-  if (c.estrutura.campos.empty()) return falha(u"it has no fields");
+  if (c.estrutura.campos.empty()) return falha(msg::dados::kNenhumCampo);
   if (c.estrutura.tamanhoRegistro != tamanho)
-    return falha(u"its fields add up to " + InteiroParaTexto(c.estrutura.tamanhoRegistro) +
-                 u" bytes, but its record size says " + InteiroParaTexto(tamanho));
+    return falha(msg::Formata(msg::dados::kSomaDiferente, InteiroParaTexto(c.estrutura.tamanhoRegistro), InteiroParaTexto(tamanho)));
   return true;
 }
 
@@ -337,7 +335,7 @@ void ArquivoRegistros::EscreveEm(int64_t posicao, std::string_view bytes) {
     ssize_t n = ::pwrite(fd_, bytes.data() + feito, bytes.size() - feito, off_t(posicao + int64_t(feito)));
     if (n < 0) {
       if (errno == EINTR) continue;
-      Falha("Can't write to");
+      Falha(msg::dados::kNaoEscreve);
     }
     feito += size_t(n);
   }
@@ -349,7 +347,7 @@ size_t ArquivoRegistros::LeEm(int64_t posicao, char* destino, size_t tamanho) {
     ssize_t n = ::pread(fd_, destino + feito, tamanho - feito, off_t(posicao + int64_t(feito)));
     if (n < 0) {
       if (errno == EINTR) continue;
-      Falha("Can't read");
+      Falha(msg::dados::kNaoLeArquivo);
     }
     if (n == 0) break;
     feito += size_t(n);
@@ -359,11 +357,11 @@ size_t ArquivoRegistros::LeEm(int64_t posicao, char* destino, size_t tamanho) {
 
 bool ArquivoRegistros::Reabre() {
   struct stat st;
-  if (::fstat(fd_, &st) != 0) Falha("Can't examine");
+  if (::fstat(fd_, &st) != 0) Falha(msg::dados::kNaoExamina);
   if (st.st_nlink > 0) return false;
   // Compaction by another program put a new file in this one's place.
   int novo = ::open(caminho_.c_str(), (somenteLeitura_ ? O_RDONLY : O_RDWR) | O_CLOEXEC);
-  if (novo < 0) Falha("Can't open again");
+  if (novo < 0) Falha(msg::dados::kNaoReabre);
   Desmapeia();
   ::close(fd_);
   fd_ = novo;
@@ -384,7 +382,7 @@ bool ArquivoRegistros::InteresseDeOutro() {
 }
 
 void ArquivoRegistros::Prende(Trinco& l, bool paraAdicionar) {
-  if (fd_ < 0) throw FalhaRegistros(u"the database file is not open");
+  if (fd_ < 0) throw FalhaRegistros(msg::dados::kArquivoFechado);
   auto pausa = std::chrono::microseconds(50);
   bool interessado = false;
   Ao desmarca{[&] {
@@ -400,7 +398,7 @@ void ArquivoRegistros::Prende(Trinco& l, bool paraAdicionar) {
       if (!Reabre()) return;
       continue;  // closing the old file let its lock go
     }
-    if (errno != EAGAIN && errno != EACCES && errno != EINTR) Falha("Can't lock");
+    if (errno != EAGAIN && errno != EACCES && errno != EINTR) Falha(msg::dados::kNaoTrava);
     if (!interessado) {
       MarcaInteresse(true);
       interessado = true;
@@ -411,7 +409,7 @@ void ArquivoRegistros::Prende(Trinco& l, bool paraAdicionar) {
     if (segue) std::this_thread::sleep_for(pausa);
     l.lock();
     if (!segue) throw EsperaInterrompida();
-    if (fd_ < 0) throw FalhaRegistros(u"the database file was closed while waiting for its lock");
+    if (fd_ < 0) throw FalhaRegistros(msg::dados::kFechadoNaEspera);
     pausa = std::min(pausa * 2, std::chrono::microseconds(2000));
   }
 }
@@ -426,7 +424,7 @@ void ArquivoRegistros::CedeAVez(Trinco& l) {
     l.unlock();
     std::this_thread::sleep_for(std::chrono::microseconds(50));
     l.lock();
-    if (fd_ < 0) throw FalhaRegistros(u"the database file is not open");
+    if (fd_ < 0) throw FalhaRegistros(msg::dados::kArquivoFechado);
   }
 }
 
@@ -459,18 +457,16 @@ void ArquivoRegistros::LacoSoltador() {
 std::string ArquivoRegistros::LeTrava() {
   std::string t(kTamanhoTrava, ' ');
   if (LeEm(0, t.data(), t.size()) != t.size())
-    throw FalhaRegistros(u"The database file " + U(NomeArquivo(caminho_)) + u" is damaged: it is shorter than its header");
+    throw FalhaRegistros(msg::Formata(msg::dados::kArquivoDanificado, U(NomeArquivo(caminho_)), msg::dados::kCurtoDemais));
   if (t[0] != kLivre && t[0] != kOcupado)
-    throw FalhaRegistros(u"The database file " + U(NomeArquivo(caminho_)) +
-                         u" is damaged: its lock byte is neither \"0\" nor \"1\"");
+    throw FalhaRegistros(msg::Formata(msg::dados::kArquivoDanificado, U(NomeArquivo(caminho_)), msg::dados::kTravaInvalida));
   return t;
 }
 
 int32_t ArquivoRegistros::Contagem(std::string_view trava) const {
   int32_t n = 0;
   if (!LeContagem(trava, n))
-    throw FalhaRegistros(u"The database file " + U(NomeArquivo(caminho_)) +
-                         u" is damaged: its record count can't be read");
+    throw FalhaRegistros(msg::Formata(msg::dados::kArquivoDanificado, U(NomeArquivo(caminho_)), msg::dados::kContagemIlegivel));
   return n;
 }
 
@@ -487,7 +483,7 @@ int32_t ArquivoRegistros::Total() {
 }
 
 int32_t ArquivoRegistros::Adiciona(std::string registro) {
-  if (somenteLeitura_) throw FalhaRegistros(u"the database file is open for reading only");
+  if (somenteLeitura_) throw FalhaRegistros(msg::dados::kSomenteLeitura);
   Trinco l(m_);
   if (!retida_) {
     CedeAVez(l);
@@ -512,8 +508,7 @@ int32_t ArquivoRegistros::Adiciona(std::string registro) {
     }
   }
   if (contagem_ >= kMaxRegistros)
-    throw FalhaRegistros(u"The database file " + U(NomeArquivo(caminho_)) + u" is full: it holds " +
-                         InteiroParaTexto(kMaxRegistros) + u" records, the most a file can");
+    throw FalhaRegistros(msg::Formata(msg::dados::kArquivoCheio, U(NomeArquivo(caminho_)), InteiroParaTexto(kMaxRegistros)));
   const int32_t n = contagem_;
   for (const Campo& c : estrutura_.campos)
     if (c.tipo == TipoCampo::AutoInc) registro.replace(size_t(c.posicao - 1), 9, Embaralha(QuatroBytes(n)));
@@ -531,8 +526,8 @@ int32_t ArquivoRegistros::Adiciona(std::string registro) {
 void ArquivoRegistros::Grava(int32_t numero, std::string_view registro) {
   Trinco l(m_);
   Libera(l);
-  if (fd_ < 0) throw FalhaRegistros(u"the database file is not open");
-  if (somenteLeitura_) throw FalhaRegistros(u"the database file is open for reading only");
+  if (fd_ < 0) throw FalhaRegistros(msg::dados::kArquivoFechado);
+  if (somenteLeitura_) throw FalhaRegistros(msg::dados::kSomenteLeitura);
   EscreveEm(kInicioRegistros + int64_t(numero) * estrutura_.tamanhoRegistro, registro);
 }
 
@@ -543,20 +538,20 @@ std::string ArquivoRegistros::LeBruto(int32_t numero, int32_t quantos) {
 }
 
 std::string ArquivoRegistros::LeRegistros(int32_t numero, int32_t quantos) {
-  if (fd_ < 0) throw FalhaRegistros(u"the database file is not open");
+  if (fd_ < 0) throw FalhaRegistros(msg::dados::kArquivoFechado);
   std::string r(size_t(quantos) * size_t(estrutura_.tamanhoRegistro), ' ');
   size_t n = LeEm(kInicioRegistros + int64_t(numero) * estrutura_.tamanhoRegistro, r.data(), r.size());
   if (n != r.size()) {
     int32_t falta = numero + int32_t(n / size_t(estrutura_.tamanhoRegistro));
-    throw FalhaRegistros(u"The database file " + U(NomeArquivo(caminho_)) + u" is damaged: its record " +
-                         InteiroParaTexto(falta) + u" lies beyond the end of the file");
+    throw FalhaRegistros(msg::Formata(msg::dados::kArquivoDanificado, U(NomeArquivo(caminho_)),
+                                      msg::Formata(msg::dados::kRegistroAlemDoFim, InteiroParaTexto(falta))));
   }
   return r;
 }
 
 int64_t ArquivoRegistros::TamanhoArquivo() {
   struct stat st;
-  if (::fstat(fd_, &st) != 0) Falha("Can't examine");
+  if (::fstat(fd_, &st) != 0) Falha(msg::dados::kNaoExamina);
   return int64_t(st.st_size);
 }
 
@@ -580,7 +575,7 @@ bool ArquivoRegistros::TravaComOutro() {
   fl.l_whence = SEEK_SET;
   fl.l_start = 0;
   fl.l_len = kTamanhoTrava;
-  if (::fcntl(fd_, F_OFD_GETLK, &fl) != 0) Falha("Can't examine the lock of");
+  if (::fcntl(fd_, F_OFD_GETLK, &fl) != 0) Falha(msg::dados::kNaoExaminaTrava);
   return fl.l_type != F_UNLCK;
 }
 
@@ -615,8 +610,7 @@ std::string ArquivoRegistros::Monta(const Registro& valores, int32_t autoInc, st
 std::string ArquivoRegistros::RegistroApagado() const {
   std::string marca = Embaralha(kMarcaApagado);
   if (size_t(estrutura_.tamanhoRegistro) < marca.size())
-    throw FalhaRegistros(u"the records of this database are too short (" +
-                         InteiroParaTexto(estrutura_.tamanhoRegistro) + u" bytes) to carry the deleted mark");
+    throw FalhaRegistros(msg::Formata(msg::dados::kMarcaNaoCabe, InteiroParaTexto(estrutura_.tamanhoRegistro)));
   std::string r(size_t(estrutura_.tamanhoRegistro), ' ');
   r.replace(0, marca.size(), marca);
   return r;
@@ -644,8 +638,8 @@ void ArquivoRegistros::DecodificaCampo(std::string_view bruto, int32_t numero, s
   } else if (ok && c.tipo == TipoCampo::Decimal && t.size() >= 8) {
     std::memcpy(&v.decimal, t.data(), 8);
   } else {
-    throw FalhaRegistros(u"The database file " + U(NomeArquivo(caminho_)) + u" is damaged: the field '" + c.nome +
-                         u"' of its record " + InteiroParaTexto(numero) + u" can't be read");
+    throw FalhaRegistros(msg::Formata(msg::dados::kArquivoDanificado, U(NomeArquivo(caminho_)),
+                                      msg::Formata(msg::dados::kCampoIlegivel, c.nome, InteiroParaTexto(numero))));
   }
 }
 
@@ -665,7 +659,7 @@ ArquivoRegistros::Declaracao ArquivoRegistros::Declara(const fs::path& arquivo, 
   ArquivoRegistros a;
   a.caminho_ = arquivo;
   a.fd_ = ::open(arquivo.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-  if (a.fd_ < 0) a.Falha("Can't open or create");
+  if (a.fd_ < 0) a.Falha(msg::dados::kNaoAbreNemCria);
   Trinco l(a.m_);
   a.Prende(l, false);
   Ao g{[&a] { a.SoltaTrava(); }};
@@ -699,7 +693,7 @@ ArquivoRegistros::Abertura ArquivoRegistros::Abre(const fs::path& arquivo, const
   caminho_ = arquivo;
   somenteLeitura_ = somenteLeitura;
   fd_ = ::open(arquivo.c_str(), (somenteLeitura ? O_RDONLY : O_RDWR) | O_CLOEXEC);
-  if (fd_ < 0) Falha("Can't open");
+  if (fd_ < 0) Falha(msg::dados::kNaoAbre);
   Abertura r = Abertura::Aberta;
   {
     Prende(l, false);
@@ -717,8 +711,8 @@ ArquivoRegistros::Abertura ArquivoRegistros::Abre(const fs::path& arquivo, const
       estrutura_ = estrutura ? *estrutura : cabecalho_.estrutura;
       int64_t cabem = (TamanhoArquivo() - kInicioRegistros) / estrutura_.tamanhoRegistro;
       if (cabem < cabecalho_.total) {
-        problema = u"its count says " + InteiroParaTexto(cabecalho_.total) + u" records, but the file holds only " +
-                   InteiroParaTexto(std::max<int64_t>(cabem, 0));
+        problema = msg::Formata(msg::dados::kContagemAlemDoFim, InteiroParaTexto(cabecalho_.total),
+                                InteiroParaTexto(std::max<int64_t>(cabem, 0)));
         r = Abertura::Danificada;
       }
     }
@@ -731,20 +725,20 @@ ArquivoRegistros::Abertura ArquivoRegistros::Abre(const fs::path& arquivo, const
 }
 
 ArquivoRegistros::Compactacao ArquivoRegistros::Compacta(fs::path& trabalho, int32_t& novoTotal) {
-  if (somenteLeitura_) throw FalhaRegistros(u"the database file is open for reading only");
+  if (somenteLeitura_) throw FalhaRegistros(msg::dados::kSomenteLeitura);
   Trinco l(m_);
   Libera(l);
   trabalho = CaminhoTrabalho(caminho_);
   Prende(l, false);
   Ao g{[this] { SoltaTrava(); }};
   struct stat st;
-  if (::fstat(fd_, &st) != 0) Falha("Can't examine");
+  if (::fstat(fd_, &st) != 0) Falha(msg::dados::kNaoExamina);
   // Creating it exclusively makes the presence test and the claim one step.
   int w = ::open(trabalho.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, st.st_mode & 07777);
   if (w < 0) {
     if (errno == EEXIST) return Compactacao::TrabalhoExiste;
     int e = errno;
-    throw FalhaRegistros(U("Can't create " + trabalho.string() + ": " + std::strerror(e)));
+    throw FalhaRegistros(U(std::string(msg::dados::kNaoCria) + " " + trabalho.string() + ": " + std::strerror(e)));
   }
   ArquivoRegistros saida;
   saida.fd_ = w;
@@ -762,7 +756,7 @@ ArquivoRegistros::Compactacao ArquivoRegistros::Compacta(fs::path& trabalho, int
   Cabecalho c;
   Texto problema;
   if (!LeCabecalho(cab, c, problema))
-    throw FalhaRegistros(u"The database file " + U(NomeArquivo(caminho_)) + u" is damaged: " + problema);
+    throw FalhaRegistros(msg::Formata(msg::dados::kArquivoDanificado, U(NomeArquivo(caminho_)), problema));
   saida.EscreveEm(0, cab);
   const int32_t total = c.total;
   const size_t tam = size_t(c.estrutura.tamanhoRegistro);
@@ -794,14 +788,14 @@ ArquivoRegistros::Compactacao ArquivoRegistros::Compacta(fs::path& trabalho, int
   cab[0] = kLivre;
   PoeContagem(cab, escritos);
   saida.EscreveEm(0, std::string_view(cab).substr(0, kInicioRegistros));
-  if (::fsync(w) != 0) saida.Falha("Can't write to");
-  if (::rename(trabalho.c_str(), caminho_.c_str()) != 0) saida.Falha("Can't put in place of the database");
+  if (::fsync(w) != 0) saida.Falha(msg::dados::kNaoEscreve);
+  if (::rename(trabalho.c_str(), caminho_.c_str()) != 0) saida.Falha(msg::dados::kNaoSubstitui);
   pronto = true;
   ::close(std::exchange(saida.fd_, -1));
   // Closing the old file lets its lock go; programs waiting on it find it
   // replaced and open the new one.
   int novo = ::open(caminho_.c_str(), O_RDWR | O_CLOEXEC);
-  if (novo < 0) Falha("Can't open again");
+  if (novo < 0) Falha(msg::dados::kNaoReabre);
   Desmapeia();
   ::close(fd_);
   fd_ = novo;

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "core/texto.h"
+#include "data/mensagens.h"
 
 namespace zv {
 
@@ -110,7 +111,7 @@ struct FalhaRegistros : std::runtime_error {
 };
 // The wait for the lock was given up by the waiter.
 struct EsperaInterrompida : std::runtime_error {
-  EsperaInterrompida() : std::runtime_error("the wait for the database lock was given up") {}
+  EsperaInterrompida() : std::runtime_error(msg::dados::kEsperaDesistida) {}
 };
 
 // ---- The file ---------------------------------------------------------------

@@ -13,7 +13,7 @@
 #include "core/interpretador.h"
 #include "core/valor.h"
 #include "library/arquivos_interno.h"
-#include "library/library.h"
+#include "library/biblioteca.h"
 #include "library/textos.h"
 
 namespace zv {
@@ -114,12 +114,12 @@ Valor OpenFile(Interpretador& zv, const Texto& argumentos) {
 int SlotDoAlias(Interpretador& zv, const std::vector<Texto>& a, const char16_t* comando) {
   Texto alias = Maiusculas(ArgTexto(zv, a, 0));
   int i = zv.Estado<TabelaArquivos>().Procura(alias);
-  if (i < 0) zv.ErroExecucao(Texto(comando) + u" - Alias file not found: " + alias);
+  if (i < 0) zv.ErroExecucao(msg::Formata(msg::biblioteca::kAliasNaoEncontrado, comando, alias));
   return i;
 }
 
 std::FILE* Aberto(TabelaArquivos& t, int i) {
-  if (!t.handleArquivo[i]) throw FalhaHost(u"Bad file name or number");
+  if (!t.handleArquivo[i]) throw FalhaHost(falha::NomeOuNumeroInvalido);
   return t.handleArquivo[i];
 }
 
@@ -134,7 +134,7 @@ int64_t TamanhoAberto(TabelaArquivos& t, int i) {
 // The 1-based position of a binary read or write.
 int64_t Posicao(Interpretador& zv, const std::vector<Texto>& a) {
   double p = ArgDouble(zv, a, 1);
-  if (!(p >= 1 && p <= 9.0e15)) throw FalhaHost(u"Bad record number");
+  if (!(p >= 1 && p <= 9.0e15)) throw FalhaHost(falha::RegistroInvalido);
   return static_cast<int64_t>(ArredondaPar(p));
 }
 

@@ -50,33 +50,33 @@ ErroArquivo TraduzErro(int erro, const fs::path& caminho) {
     case ENOENT: {
       std::error_code ec;
       fs::path pasta = caminho.parent_path();
-      if (!pasta.empty() && !fs::is_directory(pasta, ec)) return {76, u"Path not found"};
-      return {53, u"File not found"};
+      if (!pasta.empty() && !fs::is_directory(pasta, ec)) return {76, falha::CaminhoNaoEncontrado};
+      return {53, falha::ArquivoNaoEncontrado};
     }
     case ENOTDIR:
     case ENAMETOOLONG:
     case ELOOP:
-      return {76, u"Path not found"};
+      return {76, falha::CaminhoNaoEncontrado};
     case EACCES:
     case EPERM:
     case ETXTBSY:
     case EBUSY:
-      return {70, u"Permission denied"};
+      return {70, falha::PermissaoNegada};
     case EEXIST:
-      return {58, u"File already exists"};
+      return {58, falha::ArquivoJaExiste};
     case ENOSPC:
     case EDQUOT:
     case EFBIG:
-      return {61, u"Disk full"};
+      return {61, falha::DiscoCheio};
     case EMFILE:
     case ENFILE:
-      return {67, u"Too many files"};
+      return {67, falha::ArquivosDemais};
     case EISDIR:
     case EROFS:
     case ENOTEMPTY:
-      return {75, u"Path/File access error"};
+      return {75, falha::AcessoArquivo};
     default:
-      return {57, u"Device I/O error"};
+      return {57, falha::ErroES};
   }
 }
 

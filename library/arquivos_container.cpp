@@ -19,12 +19,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-Texto Danificado(const fs::path& container) { return u"The container is damaged: " + U(container.string()); }
+Texto Danificado(const fs::path& container) { return msg::Formata(msg::biblioteca::kContainerDanificado, U(container.string())); }
 
 // Left-justified, blank-filled; a value too wide for its field can't be
 // stored without breaking the neighbouring field.
 void AnexaCampo(std::string& slot, std::string texto, size_t largura) {
-  if (texto.size() > largura) throw FalhaHost(u"The entry is too large for the container");
+  if (texto.size() > largura) throw FalhaHost(msg::biblioteca::kEntradaGrandeDemais);
   texto.resize(largura, ' ');
   slot += texto;
 }
@@ -97,7 +97,7 @@ std::vector<EntradaContainer> LeDiretorio(std::string_view diretorio, int64_t ta
 void InsereNoContainer(const fs::path& container, TextoV nome, std::string_view dados) {
   // A name that is empty or starts with a blank would read as a free slot
   // and the next entry would be written over this one.
-  if (nome.empty() || nome[0] == u' ') throw FalhaHost(u"An entry's name can't be empty or begin with a blank");
+  if (nome.empty() || nome[0] == u' ') throw FalhaHost(msg::biblioteca::kNomeDeEntradaInvalido);
 
   Descritor antigo(::open(container.c_str(), O_RDONLY | O_CLOEXEC));
   if (antigo.fd < 0 && errno != ENOENT) FalhaArquivo(errno, container);
@@ -110,7 +110,7 @@ void InsereNoContainer(const fs::path& container, TextoV nome, std::string_view 
     diretorio = LeTrechoInteiro(antigo.fd, 0, std::min(tamanhoAntigo, kTamanhoDiretorio), container);
     std::vector<EntradaContainer> entradas = LeDiretorio(diretorio, tamanhoAntigo, container);
     if (entradas.size() >= static_cast<size_t>(kSlotsDiretorio))
-      throw FalhaHost(u"The container is full: it holds " + InteiroParaTexto(kSlotsDiretorio) + u" entries");
+      throw FalhaHost(msg::Formata(msg::biblioteca::kContainerCheio, InteiroParaTexto(kSlotsDiretorio)));
     livre = static_cast<int>(entradas.size());
     if (!entradas.empty()) posicao = entradas.back().posicao + entradas.back().tamanho + 1;
   } else {
@@ -167,7 +167,7 @@ std::array<Texto, 3> TresTextos(Interpretador& zv, const Texto& argumentos) {
 Valor InsertFile(Interpretador& zv, const Texto& argumentos) {
   auto [nome, origem, container] = TresTextos(zv, argumentos);
   Texto caminho = ResolveArquivo(zv, origem);
-  if (caminho.empty()) throw FalhaHost(u"File not found: " + origem);
+  if (caminho.empty()) throw FalhaHost(msg::Formata(msg::biblioteca::kArquivoNaoEncontradoEm, origem));
   InsereNoContainer(CaminhoSistema(container), nome, LeArquivoInteiro(CaminhoSistema(caminho)));
   return Valor::TextoComAspas(u"");
 }
@@ -175,9 +175,9 @@ Valor InsertFile(Interpretador& zv, const Texto& argumentos) {
 Valor ExtractFile(Interpretador& zv, const Texto& argumentos) {
   auto [nome, alvo, container] = TresTextos(zv, argumentos);
   Texto caminho = ResolveArquivo(zv, container);
-  if (caminho.empty()) throw FalhaHost(u"File not found: " + container);
+  if (caminho.empty()) throw FalhaHost(msg::Formata(msg::biblioteca::kArquivoNaoEncontradoEm, container));
   if (!ExtraiDoContainer(CaminhoSistema(caminho), nome, CaminhoSistema(alvo)))
-    zv.CaixaCritica(u"Arquivo não encontrado!");
+    zv.CaixaCritica(msg::biblioteca::kEntradaNaoEncontrada);
   return Valor::TextoComAspas(u"");
 }
 

@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "core/texto.h"
+#include "library/mensagens.h"
 
 namespace zv {
 

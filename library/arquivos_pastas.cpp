@@ -152,7 +152,7 @@ Valor Copy(Interpretador& zv, const Texto& argumentos) {
     novo.Confirma();
   } catch (const FalhaDeArquivo& f) {
     ErroArquivo e = TraduzErro(f.erro, f.caminho);
-    return Valor::TextoComAspas(TextoDeErro(u"Error ", e.numero, e.descricao));
+    return Valor::TextoComAspas(TextoDeErro(msg::biblioteca::kErroDeCopy, e.numero, e.descricao));
   }
   return Valor::TextoComAspas(u"");
 }
@@ -181,10 +181,10 @@ Valor ResultadoPasta(int resultado) {
     default:
       numero = TraduzErro(errno).numero;
   }
-  const char16_t* texto = numero == 75   ? u"Directory already exists or access denied!"
-                          : numero == 76 ? u"Path not found!"
+  const char16_t* texto = numero == 75   ? msg::biblioteca::kPastaExisteOuNegada
+                          : numero == 76 ? msg::biblioteca::kPastaNaoEncontrada
                                          : u"";
-  return Valor::TextoComAspas(TextoDeErro(u"Erro ", numero, texto));
+  return Valor::TextoComAspas(TextoDeErro(msg::biblioteca::kErroDePasta, numero, texto));
 }
 
 Valor MkDir(Interpretador& zv, const Texto& argumentos) {

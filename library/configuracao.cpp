@@ -1,8 +1,8 @@
 // GetString and SaveString: a program's own small settings, kept in the
 // ZV.File that the environment uses too.
 #include "core/interpretador.h"
-#include "environment/settings.h"
-#include "library/library.h"
+#include "environment/armazem_config.h"
+#include "library/biblioteca.h"
 
 namespace zv {
 

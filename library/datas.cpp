@@ -7,7 +7,7 @@
 
 #include <QRegularExpression>
 
-#include "library/library.h"
+#include "library/biblioteca.h"
 #include "library/textos.h"
 
 namespace zv {

@@ -192,7 +192,7 @@ void RegistraNumeros() {
   c.Define(u"Fix", Funcao<Trunca>);
   c.Define(u"Tan", FuncaoDireta<Tangente>, {.semTratador = true});
   c.Define(u"Atn", FuncaoDireta<ArcoTangente>, {.semTratador = true});
-  c.Define(u"Int", Int, {.prefixoErro = u"Error in function "});
+  c.Define(u"Int", Int, {.prefixoErro = msg::kErroEmFuncao});
   c.Define(u"Round", Round);
   c.Define(u"Random", Random);
   c.Define(u"BinToDec", BinToDec);

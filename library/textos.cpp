@@ -3,12 +3,12 @@
 
 #include <algorithm>
 
-#include "library/library.h"
+#include "library/biblioteca.h"
 
 namespace zv {
 
 const Texto& Obrigatorio(const std::vector<Texto>& args, size_t i) {
-  if (!Presente(args, i)) throw FalhaHost(kArgumentoObrigatorio);
+  if (!Presente(args, i)) throw FalhaHost(falha::ArgumentoObrigatorio);
   return args[i];
 }
 
@@ -123,7 +123,7 @@ Valor RepStr(Interpretador& zv, const Texto& argumentos) {
   auto a = zv.SeparaArgumentos(argumentos, 4);
   const Texto& nome = Obrigatorio(a, 0);
   if (zv.PosicaoVariavel(nome) < 0)
-    throw FalhaHost(u"Can't assign value to " + nome + u": undeclared variable!");
+    throw FalhaHost(msg::Formata(msg::kNaoAtribui, nome));
   Texto velho = ArgTexto(zv, a, 0);
   Texto novo = ArgTexto(zv, a, 1);
   int64_t inicio = ArgInt32(zv, a, 2);

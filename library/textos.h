@@ -11,9 +11,6 @@
 
 namespace zv {
 
-// Description of a required argument left out.
-inline const char16_t* kArgumentoObrigatorio = u"Argument not optional";
-
 // Reading one slot of a split argument list. An empty slot is an absent
 // argument: these throw "Argument not optional" for it.
 const Texto& Obrigatorio(const std::vector<Texto>& args, size_t i);

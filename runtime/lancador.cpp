@@ -12,8 +12,9 @@
 #include <mutex>
 
 #include "core/fonte.h"
-#include "data/data.h"
-#include "library/library.h"
+#include "data/dados.h"
+#include "library/biblioteca.h"
+#include "runtime/mensagens.h"
 
 // Sanitizers must be told that the stack changes under them, or they take
 // the deep stack's frames for an overflow of the thread's own.
@@ -35,17 +36,17 @@ namespace zv {
 bool CarregaFonte(const std::string& caminho, FontePrograma& fonte, std::string& erro) {
   std::error_code ec;
   if (fs::is_directory(caminho, ec)) {
-    erro = caminho + " is a folder, not a program file";
+    erro = caminho + msg::execucao::kEPasta;
     return false;
   }
   std::ifstream f(caminho, std::ios::binary);
   if (!f) {
-    erro = "can't read " + caminho;
+    erro = msg::execucao::kNaoLe + caminho;
     return false;
   }
   std::string bytes((std::istreambuf_iterator<char>(f)), std::istreambuf_iterator<char>());
   if (f.bad()) {
-    erro = "can't read " + caminho;
+    erro = msg::execucao::kNaoLe + caminho;
     return false;
   }
   fonte = FontePrograma();
@@ -55,7 +56,7 @@ bool CarregaFonte(const std::string& caminho, FontePrograma& fonte, std::string&
     return true;
   }
   if (!SeparaCodigos(texto, fonte)) {
-    erro = caminho + " is a damaged source file: a code has no end marker #%";
+    erro = caminho + msg::execucao::kFonteDanificada;
     return false;
   }
   return true;

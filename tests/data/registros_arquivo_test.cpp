@@ -14,7 +14,7 @@
 #include <set>
 
 #include "data/registros_arquivo.h"
-#include "data/scramble.h"
+#include "data/embaralhamento.h"
 
 namespace zv {
 namespace {

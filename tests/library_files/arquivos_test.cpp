@@ -10,7 +10,7 @@
 #include "core/interpretador.h"
 #include "library/arquivos.h"
 #include "library/arquivos_interno.h"
-#include "library/library.h"
+#include "library/biblioteca.h"
 #include "runtime/headless_host.h"
 
 namespace zv {

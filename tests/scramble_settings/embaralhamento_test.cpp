@@ -4,7 +4,7 @@
 #include <cstring>
 #include <string>
 
-#include "data/scramble.h"
+#include "data/embaralhamento.h"
 
 namespace zv {
 namespace {

@@ -1,4 +1,4 @@
-#include "environment/settings.h"
+#include "environment/armazem_config.h"
 
 #include <algorithm>
 #include <fstream>
@@ -6,7 +6,8 @@
 #include <system_error>
 #include <vector>
 
-#include "data/scramble.h"
+#include "data/embaralhamento.h"
+#include "environment/mensagens.h"
 
 namespace zv {
 
@@ -167,11 +168,11 @@ Texto DescreveResultadoConfig(ResultadoConfig resultado) {
     case ResultadoConfig::Gravado:
       return {};
     case ResultadoConfig::ArmazemCheio:
-      return u"The settings file ZV.File is full (32767 bytes); nothing was saved";
+      return msg::ambiente::kConfigCheio;
     case ResultadoConfig::TemMarcador:
-      return u"The key or value holds a pair of characters that ZV.File can't store; nothing was saved";
+      return msg::ambiente::kConfigComMarcador;
     case ResultadoConfig::ErroArquivo:
-      return u"Path/File access error";
+      return falha::AcessoArquivo;
   }
   return {};
 }

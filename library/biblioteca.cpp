@@ -1,4 +1,4 @@
-#include "library/library.h"
+#include "library/biblioteca.h"
 
 namespace zv {
 

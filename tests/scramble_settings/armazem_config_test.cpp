@@ -6,7 +6,7 @@
 #include <iterator>
 #include <string>
 
-#include "environment/settings.h"
+#include "environment/armazem_config.h"
 
 namespace zv {
 namespace {

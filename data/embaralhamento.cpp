@@ -1,4 +1,4 @@
-#include "data/scramble.h"
+#include "data/embaralhamento.h"
 
 #include <chrono>
 #include <cstdint>
