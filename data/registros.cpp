@@ -3,6 +3,7 @@
 // commands, which move whole records between those variables and the file.
 #include <array>
 #include <filesystem>
+#include <map>
 #include <memory>
 
 #include "core/interpretador.h"
@@ -45,9 +46,31 @@ struct BaseDeclarada {
 struct TabelaBases {
   std::array<std::unique_ptr<BaseDeclarada>, kSlotsDB> bases;
   int16_t qtdDB = 1;  // QtdDB
+  // Files this run has found damaged, by ChaveArquivo, with what is wrong:
+  // nothing of the run writes to them again.
+  std::map<std::string, Texto> danificados;
 };
 
 fs::path ParaCaminho(const Texto& t) { return fs::path(Utf8(t)); }
+
+// One key per file however a program names it (two descriptors, or two
+// spellings of a folder, may reach one file).
+std::string ChaveArquivo(const Texto& caminho) {
+  std::error_code ec;
+  fs::path p = fs::weakly_canonical(ParaCaminho(caminho), ec);
+  return ec ? fs::absolute(ParaCaminho(caminho), ec).lexically_normal().string() : p.string();
+}
+
+// What this run found wrong with a file, or null.
+const Texto* DanoConhecido(Interpretador& zv, const Texto& caminho) {
+  auto& d = zv.Estado<TabelaBases>().danificados;
+  auto i = d.find(ChaveArquivo(caminho));
+  return i == d.end() ? nullptr : &i->second;
+}
+
+void NotaDano(Interpretador& zv, const Texto& caminho, const Texto& problema) {
+  zv.Estado<TabelaBases>().danificados.emplace(ChaveArquivo(caminho), problema);
+}
 
 Texto MensagemTamanho(const Texto& nome) {
   return u"Error (" + nome + u"): The size of the file fields have changed." + CRLF +
@@ -56,9 +79,7 @@ Texto MensagemTamanho(const Texto& nome) {
          u"Warning! if the file is deleted, the records already" + CRLF + u"in the database can not be recovered!";
 }
 
-Texto MensagemDanificado(const Texto& caminho, const Texto& problema) {
-  return u"The database file " + caminho + u" is damaged: " + problema;
-}
+Texto MensagemDanificado(const Texto& caminho, const Texto& problema) { return MensagemDano(caminho, problema); }
 
 // The stamps of the header: the date and the time in the locale's short form.
 Texto Carimbo() {
@@ -98,6 +119,16 @@ BaseDeclarada* ComandoDeRegistro(Interpretador& zv, const Texto& args, std::vect
   zv.Bombeia();
   a = zv.SeparaArgumentos(args, 4);
   return BaseAberta(zv, a);
+}
+
+// Before a command writes: a file this run found damaged is refused, and the
+// open file learns of it (another descriptor of the same file may have
+// found it).
+void RecusaDanificada(Interpretador& zv, BaseDeclarada& b) {
+  if (const Texto* p = DanoConhecido(zv, b.Caminho())) {
+    b.arqDB.MarcaDano(*p);
+    throw FalhaHost(MensagemEscritaRecusada(b.Caminho(), *p));
+  }
 }
 
 int32_t Posicao(Interpretador& zv, const Texto& arg) { return zv.ValorNumerico(arg).ComoInt32(); }
@@ -201,14 +232,21 @@ void Declara(Interpretador& zv, Declaracao& d) {
   if (!d.pasta.empty()) fs::create_directories(ParaCaminho(d.pasta), ec);  // a failure shows at the open
   Texto caminho = d.pasta + d.nome + u".Zvf";
   Texto problema;
-  auto r = ArquivoRegistros::Declara(ParaCaminho(caminho), d.estrutura, d.senha, Carimbo(), problema);
+  // A file this run found damaged isn't touched again, not even for the stamp.
+  auto r = ArquivoRegistros::Declaracao::Danificada;
+  if (const Texto* p = DanoConhecido(zv, caminho))
+    problema = *p;
+  else
+    r = ArquivoRegistros::Declara(ParaCaminho(caminho), d.estrutura, d.senha, Carimbo(), problema);
   if (r == ArquivoRegistros::Declaracao::TamanhoDiferente) {
     zv.CaixaCritica(MensagemTamanho(d.nome));
     return;
   }
   if (r == ArquivoRegistros::Declaracao::Danificada) {
+    // The slot is still taken, so that the commands on it say what is wrong
+    // rather than that the database isn't declared.
+    NotaDano(zv, caminho, problema);
     zv.CaixaCritica(titulo + MensagemDanificado(caminho, problema) + u"." + CRLF + u"The file was left as it is.");
-    return;
   }
   if (slot >= 0) return;
   auto b = std::make_unique<BaseDeclarada>();
@@ -287,6 +325,7 @@ Valor Protegido(Interpretador& zv, const Texto& args) {
   try {
     return R(zv, args);
   } catch (const FalhaRegistros& f) {
+    if (f.dano) NotaDano(zv, f.arquivo, f.problema);
     throw FalhaHost(f.descricao);
   } catch (const EsperaInterrompida&) {
     return Valor();
@@ -301,8 +340,13 @@ Valor OpenDB(Interpretador& zv, const Texto& args) {
   Texto senha = a[1].empty() ? Texto() : zv.ValorTexto(a[1]).ComoTexto();
   senha = DeCp1252(ParaCp1252(senha));  // as the header holds it
   Texto problema;
-  switch (b.arqDB.Abre(ParaCaminho(b.Caminho()), &b.estrutura, &senha, false, problema)) {
-    case ArquivoRegistros::Abertura::Aberta: break;
+  // A file known to be damaged is opened for reading only: what can be read
+  // of it still can, and nothing is written.
+  const Texto* dano = DanoConhecido(zv, b.Caminho());
+  switch (b.arqDB.Abre(ParaCaminho(b.Caminho()), &b.estrutura, &senha, dano != nullptr, problema)) {
+    case ArquivoRegistros::Abertura::Aberta:
+      if (dano) b.arqDB.MarcaDano(*dano);
+      break;
     case ArquivoRegistros::Abertura::NaoEncontrada:
       zv.ErroExecucao(u"Error in function OpenDB - File not found: " + b.Caminho());
       break;
@@ -310,7 +354,9 @@ Valor OpenDB(Interpretador& zv, const Texto& args) {
       zv.ErroExecucao(u"Error connecting do database '" + b.nome + u"': Invalid password!");
       break;
     case ArquivoRegistros::Abertura::TamanhoDiferente: zv.CaixaCritica(MensagemTamanho(b.nome)); break;
-    case ArquivoRegistros::Abertura::Danificada: throw FalhaHost(MensagemDanificado(b.Caminho(), problema));
+    case ArquivoRegistros::Abertura::Danificada:
+      NotaDano(zv, b.Caminho(), problema);
+      throw FalhaHost(MensagemDanificado(b.Caminho(), problema));
   }
   return {};
 }
@@ -326,6 +372,7 @@ Valor AddRecord(Interpretador& zv, const Texto& args) {
   std::vector<Texto> a;
   BaseDeclarada* b = ComandoDeRegistro(zv, args, a);
   if (!b) return {};
+  RecusaDanificada(zv, *b);
   Registro r = LeCampos(zv, *b);
   std::string bytes = MontaRegistro(zv, *b, u"AddRecord", r, -1);
   int32_t n = b->arqDB.Adiciona(std::move(bytes));
@@ -357,17 +404,19 @@ void RegravaRegistro(Interpretador& zv, BaseDeclarada& b, int32_t posicao, const
   }
   int32_t n = NumeroRegistro(zv, b, posicao);
   if (n < 0) return;
+  // The write checks what it replaces; the list follows only a done write.
+  b.arqDB.Grava(n, bytes);
   if (b.modoOrdem == kIndice) {
     b.lstOrdem.RemoveEm(posicao);
     b.lstOrdem.Insere(ChaveIndice(b.estrutura, valores, b.indices, n), n);
   }
-  b.arqDB.Grava(n, bytes);
 }
 
 Valor UpdateRecord(Interpretador& zv, const Texto& args) {
   std::vector<Texto> a;
   BaseDeclarada* b = ComandoDeRegistro(zv, args, a);
   if (!b) return {};
+  RecusaDanificada(zv, *b);
   int32_t posicao = Posicao(zv, a[1]);
   Registro r = LeCampos(zv, *b);
   // An AutoInc field takes the position as it was given.
@@ -380,6 +429,7 @@ Valor DeleteRecord(Interpretador& zv, const Texto& args) {
   std::vector<Texto> a;
   BaseDeclarada* b = ComandoDeRegistro(zv, args, a);
   if (!b) return {};
+  RecusaDanificada(zv, *b);
   int32_t posicao = Posicao(zv, a[1]);
   RegravaRegistro(zv, *b, posicao, b->arqDB.RegistroApagado(), nullptr, u"Can't delete record: invalid position!");
   return {};
@@ -477,6 +527,7 @@ Valor CompactDB(Interpretador& zv, const Texto& args) {
   int s = LocalizaDB(zv, zv.ValorTexto(a[0]).ComoTexto());
   if (s < 0) return Valor::TextoComAspas(u"");
   BaseDeclarada& b = *Base(zv, s);
+  RecusaDanificada(zv, b);
   if (!b.arqDB.Aberto()) {
     // Compaction leaves the file open, as if OpenDB had run.
     Texto problema;
@@ -486,7 +537,10 @@ Valor CompactDB(Interpretador& zv, const Texto& args) {
       zv.CaixaCritica(MensagemTamanho(b.nome));
       return Valor::TextoComAspas(u"");
     }
-    if (r != ArquivoRegistros::Abertura::Aberta) throw FalhaHost(MensagemDanificado(b.Caminho(), problema));
+    if (r != ArquivoRegistros::Abertura::Aberta) {
+      NotaDano(zv, b.Caminho(), problema);
+      throw FalhaHost(MensagemDanificado(b.Caminho(), problema));
+    }
   }
   fs::path trabalho;
   int32_t total = 0;

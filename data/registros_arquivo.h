@@ -106,8 +106,23 @@ Texto LinhaRegistro(const Estrutura& e, const Registro& r);
 // `descricao` the same text.
 struct FalhaRegistros : std::runtime_error {
   Texto descricao;
+  // Damage found in the file: which file, and what is wrong with it. A run
+  // that sees one writes nothing more to that file.
+  bool dano = false;
+  Texto arquivo, problema;
   explicit FalhaRegistros(Texto d) : std::runtime_error(Utf8(d)), descricao(std::move(d)) {}
 };
+
+// "The database file … is damaged: …", and the refusal of a write to it.
+Texto MensagemDano(const Texto& arquivo, const Texto& problema);
+Texto MensagemEscritaRecusada(const Texto& arquivo, const Texto& problema);
+FalhaRegistros FalhaDano(const Texto& arquivo, const Texto& problema, bool escrita = false);
+
+// What is wrong with the length of a file whose header counts `total`
+// records of `tamanho` bytes, or empty. Whole records behind the last counted
+// one are not damage: UpdateRecord may write one there, and a program that
+// died while adding leaves one.
+Texto ProblemaComprimento(int64_t comprimento, int32_t total, int32_t tamanho);
 // The wait for the lock was given up by the waiter.
 struct EsperaInterrompida : std::runtime_error {
   EsperaInterrompida() : std::runtime_error("the wait for the database lock was given up") {}
@@ -147,7 +162,8 @@ class ArquivoRegistros {
   // Opens an existing file. With a structure, records are read and written
   // through it (it must have the file's record size); without one, through
   // the file's own field table. With a password, it must match the header's.
-  // Read-only opening never writes, not even to clear a dead lock.
+  // Read-only opening never writes, not even to clear a dead lock. A file
+  // whose length doesn't fit its count is damaged.
   Abertura Abre(const std::filesystem::path& arquivo, const Estrutura* estrutura, const Texto* senha,
                 bool somenteLeitura, Texto& problema);
   // Gives back a lock kept by the last adds.
@@ -169,7 +185,9 @@ class ArquivoRegistros {
   // Appends a record (see Monta); its AutoInc fields get the record's number,
   // taken under the lock with the count. Returns that number.
   int32_t Adiciona(std::string registro);
-  // Writes a record at a record number, with no check of the count.
+  // Writes a record at a record number, up to the count (the slot behind
+  // the last record too). It first checks what it touches: the lock byte,
+  // the count, the file's length and the record it replaces.
   void Grava(int32_t numero, std::string_view registro);
   // The bytes of `quantos` records from `numero` on; a record past the end
   // of the file is an error.
@@ -187,6 +205,16 @@ class ArquivoRegistros {
   bool Decodifica(std::string_view bruto, int32_t numero, Registro& valores) const;
   // One field only (the others stay as they are).
   void DecodificaCampo(std::string_view bruto, int32_t numero, size_t campo, ValorCampo& v) const;
+  // Why a record can't be read whole ("the field 'Nome' of its record 3
+  // can't be read"), or empty. Deleted records always read.
+  Texto ProblemaRegistro(std::string_view bruto, int32_t numero) const;
+  // The first record of 0 to total - 1 that can't be read, as above.
+  Texto ProcuraDano(int32_t total);
+
+  // Damage found in this file while it is open (or told by the caller):
+  // from then on every write is refused and the file keeps its bytes.
+  const Texto& Dano() const { return dano_; }
+  void MarcaDano(const Texto& problema) { if (dano_.empty()) dano_ = problema; }
 
   enum class Compactacao { Feita, TrabalhoExiste };
   // Copies the live records into the work file of the folder, renumbering a
@@ -235,6 +263,10 @@ class ArquivoRegistros {
   void EscreveEm(int64_t posicao, std::string_view bytes);
   size_t LeEm(int64_t posicao, char* destino, size_t tamanho);
   void Falha(const char* acao) const;
+  // Notes the damage and throws it.
+  [[noreturn]] void Danificado(const Texto& problema) const;
+  // Before any write: a file found damaged is refused.
+  void RecusaSeDanificado() const;
   int32_t Contagem(std::string_view trava) const;
 
   int fd_ = -1;
@@ -243,6 +275,7 @@ class ArquivoRegistros {
   std::filesystem::path caminho_;
   Cabecalho cabecalho_;
   Estrutura estrutura_;
+  mutable Texto dano_;
 
   // The kept lock, shared with the thread.
   std::mutex m_;
