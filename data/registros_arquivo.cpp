@@ -178,54 +178,87 @@ bool LeContagem(std::string_view trava, int32_t& total) {
 
 void PoeContagem(std::string& trava, int32_t total) { PoeEmFatia(trava, kContagem, std::to_string(total)); }
 
-bool LeCabecalho(std::string_view bytes, Cabecalho& c, Texto& problema) {
+void LeCabecalhoParcial(std::string_view bytes, CabecalhoParcial& h) {
+  h = CabecalhoParcial{};
+  Cabecalho& c = h.c;
+  auto falha = [&h](Texto p) { h.problemas.push_back(std::move(p)); };
   if (bytes.size() < size_t(kTamanhoCabecalho)) {
-    problema = u"it is shorter than its header (" + InteiroParaTexto(int64_t(bytes.size())) + u" of " +
-               InteiroParaTexto(kTamanhoCabecalho) + u" bytes)";
-    return false;
+    falha(u"it is shorter than its header (" + InteiroParaTexto(int64_t(bytes.size())) + u" of " +
+          InteiroParaTexto(kTamanhoCabecalho) + u" bytes)");
+    return;
   }
-  auto falha = [&problema](Texto p) {
-    problema = std::move(p);
-    return false;
-  };
-  c = Cabecalho{};
   c.trava = bytes[0];
-  if (c.trava != kLivre && c.trava != kOcupado) return falha(u"its lock byte is neither \"0\" nor \"1\"");
+  if (c.trava != kLivre && c.trava != kOcupado) falha(u"its lock byte is neither \"0\" nor \"1\"");
   std::string t;
-  if (!LeContagem(bytes, c.total)) return falha(u"its record count can't be read");
-  if (!LeFatia(bytes, kDescritor, t)) return falha(u"its database name can't be read");
-  c.estrutura.descritor = DeCp1252(t);
-  if (!LeFatia(bytes, kTamanho, t) || !SoDigitos(t, 5) || std::stoi(t) == 0 || std::stoi(t) > kMaxTamanhoRegistro)
-    return falha(u"its record size can't be read");
-  int32_t tamanho = std::stoi(t);
-  if (!LeFatia(bytes, kCriacao, t)) return falha(u"its creation stamp can't be read");
-  c.criacao = DeCp1252(t);
-  if (!LeFatia(bytes, kDeclaracao, t)) return falha(u"its declaration stamp can't be read");
-  c.declaracao = DeCp1252(t);
-  if (!LeFatia(bytes, kSenha, t)) return falha(u"its password can't be read");
-  c.senha = DeCp1252(t);
+  h.total = LeContagem(bytes, c.total);
+  if (!h.total) falha(u"its record count can't be read");
+  h.descritor = LeFatia(bytes, kDescritor, t);
+  if (h.descritor) c.estrutura.descritor = DeCp1252(t);
+  else falha(u"its database name can't be read");
+  h.tamanho = LeFatia(bytes, kTamanho, t) && SoDigitos(t, 5) && std::stoi(t) != 0 && std::stoi(t) <= kMaxTamanhoRegistro;
+  if (h.tamanho) h.tamanhoDeclarado = std::stoi(t);
+  else falha(u"its record size can't be read");
+  h.criacao = LeFatia(bytes, kCriacao, t);
+  if (h.criacao) c.criacao = DeCp1252(t);
+  else falha(u"its creation stamp can't be read");
+  h.declaracao = LeFatia(bytes, kDeclaracao, t);
+  if (h.declaracao) c.declaracao = DeCp1252(t);
+  else falha(u"its declaration stamp can't be read");
+  h.senha = LeFatia(bytes, kSenha, t);
+  if (h.senha) c.senha = DeCp1252(t);
+  else falha(u"its password can't be read");
+  // The field table is taken whole or not at all.
+  Estrutura e;
+  e.descritor = c.estrutura.descritor;
   size_t p = kPrimeiroCampo;
+  Texto erroCampos;
   for (int i = 0;; ++i, p += kPassoCampo) {
     const Texto n = InteiroParaTexto(i + 1);
-    if (!LeFatia(bytes, {p, kNomeCampo}, t)) return falha(u"the name of its field " + n + u" can't be read");
+    if (!LeFatia(bytes, {p, kNomeCampo}, t)) {
+      erroCampos = u"the name of its field " + n + u" can't be read";
+      break;
+    }
     if (t == kMarcaFim) break;
-    if (i == kMaxCampos) return falha(u"its field table has no end mark");
+    if (i == kMaxCampos) {
+      erroCampos = u"its field table has no end mark";
+      break;
+    }
     Texto nome = DeCp1252(t);
     std::string comp, tipo;
-    if (!LeFatia(bytes, {p + kNomeCampo, kComprimentoCampo}, comp) || !SoDigitos(comp, 5))
-      return falha(u"the length of its field '" + nome + u"' can't be read");
+    if (!LeFatia(bytes, {p + kNomeCampo, kComprimentoCampo}, comp) || !SoDigitos(comp, 5)) {
+      erroCampos = u"the length of its field '" + nome + u"' can't be read";
+      break;
+    }
     TipoCampo tc;
-    if (!LeFatia(bytes, {p + kNomeCampo + kComprimentoCampo, kTipoCampo}, tipo) || !LeTipoCampo(DeCp1252(tipo), tc))
-      return falha(u"the type of its field '" + nome + u"' can't be read");
-    c.estrutura.Acrescenta(nome, tc, std::stoi(comp));
-    if (c.estrutura.campos.back().comprimento != std::stoi(comp))
-      return falha(u"its field '" + nome + u"' has a length that doesn't fit its type");
+    if (!LeFatia(bytes, {p + kNomeCampo + kComprimentoCampo, kTipoCampo}, tipo) || !LeTipoCampo(DeCp1252(tipo), tc)) {
+      erroCampos = u"the type of its field '" + nome + u"' can't be read";
+      break;
+    }
+    e.Acrescenta(nome, tc, std::stoi(comp));
+    if (e.campos.back().comprimento != std::stoi(comp)) {
+      erroCampos = u"its field '" + nome + u"' has a length that doesn't fit its type";
+      break;
+    }
   }
-  if (c.estrutura.campos.empty()) return falha(u"it has no fields");
-  if (c.estrutura.tamanhoRegistro != tamanho)
-    return falha(u"its fields add up to " + InteiroParaTexto(c.estrutura.tamanhoRegistro) +
-                 u" bytes, but its record size says " + InteiroParaTexto(tamanho));
-  return true;
+  if (erroCampos.empty() && e.campos.empty()) erroCampos = u"it has no fields";
+  h.campos = erroCampos.empty();
+  if (h.campos) {
+    c.estrutura = std::move(e);
+    if (h.tamanho && c.estrutura.tamanhoRegistro != h.tamanhoDeclarado)
+      falha(u"its fields add up to " + InteiroParaTexto(c.estrutura.tamanhoRegistro) +
+            u" bytes, but its record size says " + InteiroParaTexto(h.tamanhoDeclarado));
+  } else {
+    falha(erroCampos);
+  }
+}
+
+bool LeCabecalho(std::string_view bytes, Cabecalho& c, Texto& problema) {
+  CabecalhoParcial h;
+  LeCabecalhoParcial(bytes, h);
+  c = std::move(h.c);
+  if (h.problemas.empty()) return true;
+  problema = h.problemas.front();
+  return false;
 }
 
 // ---- Values -----------------------------------------------------------------
@@ -732,12 +765,16 @@ void ArquivoRegistros::DecodificaCampo(std::string_view bruto, int32_t numero, s
   }
 }
 
-Texto ArquivoRegistros::ProblemaRegistro(std::string_view bruto, int32_t numero) const {
-  if (EApagado(bruto)) return {};
-  for (const Campo& c : estrutura_.campos)
+Texto ProblemaRegistro(const Estrutura& e, std::string_view bruto, int32_t numero) {
+  if (ArquivoRegistros::EApagado(bruto)) return {};
+  for (const Campo& c : e.campos)
     if (!CampoLegivel(bruto.substr(size_t(c.posicao - 1), size_t(c.largura)), c.tipo))
       return u"the field '" + c.nome + u"' of its record " + InteiroParaTexto(numero) + u" can't be read";
   return {};
+}
+
+Texto ArquivoRegistros::ProblemaRegistro(std::string_view bruto, int32_t numero) const {
+  return zv::ProblemaRegistro(estrutura_, bruto, numero);
 }
 
 Texto ArquivoRegistros::ProcuraDano(int32_t total) {

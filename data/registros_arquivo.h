@@ -82,6 +82,18 @@ std::string MontaCabecalho(const Cabecalho& c);
 // Reads a header; false, with the reason, when it can't be trusted.
 bool LeCabecalho(std::string_view bytes, Cabecalho& c, Texto& problema);
 
+// What can be read of a header, slot by slot, for mending a damaged one:
+// each flag says whether its slot was read, and `problemas` lists the others
+// in the header's order. The field table is read whole or not at all.
+struct CabecalhoParcial {
+  Cabecalho c;
+  bool total = false, descritor = false, tamanho = false, criacao = false, declaracao = false, senha = false,
+       campos = false;
+  int32_t tamanhoDeclarado = 0;
+  std::vector<Texto> problemas;
+};
+void LeCabecalhoParcial(std::string_view bytes, CabecalhoParcial& h);
+
 // ---- Values -----------------------------------------------------------------
 
 // The value of one field: `texto` for String, `inteiro` for Integer and
@@ -292,6 +304,32 @@ class ArquivoRegistros {
 bool LeContagem(std::string_view trava, int32_t& total);
 // Puts a count into those 20 bytes (the bytes behind its slot stay).
 void PoeContagem(std::string& trava, int32_t total);
+
+// Why a record can't be read whole through a structure ("the field 'Nome'
+// of its record 3 can't be read"), or empty. Deleted records always read.
+Texto ProblemaRegistro(const Estrutura& e, std::string_view bruto, int32_t numero);
+
+// ---- Repair -----------------------------------------------------------------
+
+struct Reparo {
+  std::vector<Texto> relato;     // what was mended or dropped, a line each
+  int32_t mantidos = 0;          // records in the mended file, deleted ones too
+  int32_t marcados = 0;          // of them, damaged ones that now stand deleted
+  std::filesystem::path copia;   // where the file as it was is kept
+};
+enum class ResultadoReparo { Sao, Reparado, Impossivel };
+
+// Mends a damaged file. Every record that reads whole keeps its place; one
+// that doesn't is marked deleted, so that the records behind it keep their
+// numbers (and AutoInc values); what lies behind the last whole record is
+// dropped; header slots that can't be read are rebuilt (the name from the
+// file's name, the size from the fields, the count from the records). The
+// field table comes from the header or, when that can't be read, from
+// `declarada`. The mended file is written beside the old one and renamed over
+// it, and the old one stays as FILE.damaged (FILE.damaged.2, ...). A sound
+// file is left alone. Nothing is done while a program holds the file's lock.
+ResultadoReparo ReparaArquivo(const std::filesystem::path& arquivo, const Estrutura* declarada, Reparo& r,
+                              Texto& problema);
 
 // ---- Order list -------------------------------------------------------------
 
