@@ -69,7 +69,7 @@ const Texto* DanoConhecido(Interpretador& zv, const Texto& caminho) {
 }
 
 void NotaDano(Interpretador& zv, const Texto& caminho, const Texto& problema) {
-  zv.Estado<TabelaBases>().danificados.emplace(ChaveArquivo(caminho), problema);
+  zv.Estado<TabelaBases>().danificados.insert_or_assign(ChaveArquivo(caminho), problema);
 }
 
 Texto MensagemTamanho(const Texto& nome) {
@@ -107,8 +107,11 @@ BaseDeclarada* BaseAberta(Interpretador& zv, const std::vector<Texto>& a) {
   int s = LocalizaDB(zv, zv.ValorTexto(a[0]).ComoTexto());
   if (s < 0) return nullptr;
   BaseDeclarada* b = Base(zv, s);
-  if (!b->arqDB.Aberto())
+  if (!b->arqDB.Aberto()) {
+    // A file OpenDB refused as damaged: say that, not only that it is closed.
+    if (const Texto* p = DanoConhecido(zv, b->Caminho())) throw FalhaHost(MensagemDanificado(b->Caminho(), *p));
     throw FalhaHost(u"Bad file name or number: the database '" + b->nome + u"' is not open (OpenDB)");
+  }
   return b;
 }
 
