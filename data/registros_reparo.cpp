@@ -111,8 +111,11 @@ ResultadoReparo ReparaArquivo(const fs::path& arquivo, const Estrutura* declarad
       c.estrutura = *declarada;
       c.estrutura.descritor = nome;
     }
+    // Each slot rebuilt below says so itself.
     for (const Texto& p : h.problemas)
-      if (p.find(u"field") == Texto::npos || h.campos) r.relato.push_back(p);
+      if ((p.find(u"field") == Texto::npos || h.campos) && p.find(u"password") == Texto::npos &&
+          p.find(u"database name") == Texto::npos && p.find(u"record count") == Texto::npos)
+        r.relato.push_back(p);
   }
   // We hold the lock: a busy byte is a dead program's, and the mended file
   // starts free. A busy byte alone is no reason to mend a file.
@@ -144,8 +147,11 @@ ResultadoReparo ReparaArquivo(const fs::path& arquivo, const Estrutura* declarad
   }
   const int64_t fim = total == 0 ? kTamanhoCabecalho : kInicioRegistros + total * tam;
   if (comprimento > fim) {
+    // Whole records behind the count alone are no damage (UpdateRecord at
+    // the count leaves one); they go only with a file mended for another
+    // reason.
+    if ((comprimento - fim) % tam != 0) mexido = true;
     r.relato.push_back(InteiroParaTexto(comprimento - fim) + u" bytes behind the last record are dropped");
-    mexido = true;
   }
   std::string apagado = Embaralha(kMarcaApagado);
   apagado.resize(size_t(tam), ' ');
@@ -169,7 +175,10 @@ ResultadoReparo ReparaArquivo(const fs::path& arquivo, const Estrutura* declarad
     registros.append(apagado);
     ++r.marcados;
   }
-  if (!mexido) return ResultadoReparo::Sao;
+  if (!mexido) {
+    r.relato.clear();
+    return ResultadoReparo::Sao;
+  }
 
   r.mantidos = int32_t(registros.size() / size_t(tam));
   c.total = r.mantidos;

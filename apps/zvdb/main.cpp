@@ -94,6 +94,10 @@ std::string NumeroJson(const Campo& c, const ValorCampo& v) {
   return Utf8(TextoValor(c, v));
 }
 
+void Sugere(const fs::path& p) {
+  std::printf("%s: 'zvdb repair %s' keeps every record that reads and tells what it drops\n", p.c_str(), p.c_str());
+}
+
 // Opens for reading; prints the reason and gives the exit status on failure.
 int Abre(ArquivoRegistros& a, const fs::path& p) {
   Texto problema;
@@ -111,6 +115,7 @@ int Abre(ArquivoRegistros& a, const fs::path& p) {
       return 2;
     default:
       std::printf("%s: damaged: %s\n", p.c_str(), Utf8(problema).c_str());
+      Sugere(p);
       return 1;
   }
 }
@@ -414,6 +419,7 @@ int Check(const fs::path& p, const Declarado* declarado) {
                     "CompactDB refuses to run until it is removed");
   for (const auto& n : notas) std::printf("%s: note: %s\n", p.c_str(), n.c_str());
   for (const auto& d : danos) std::printf("%s: damaged: %s\n", p.c_str(), d.c_str());
+  if (!danos.empty()) Sugere(p);
   for (const auto& d : diferencas) std::printf("%s: differs: %s\n", p.c_str(), d.c_str());
   if (!danos.empty() || !diferencas.empty()) return 1;
   std::printf("%s: sound (%d records, %d deleted)\n", p.c_str(), total, apagados);
