@@ -806,8 +806,13 @@ ArquivoRegistros::Declaracao ArquivoRegistros::Declara(const fs::path& arquivo, 
                                                         const Texto& senha, const Texto& carimbo, Texto& problema) {
   ArquivoRegistros a;
   a.caminho_ = arquivo;
-  a.fd_ = ::open(arquivo.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+  // Not waiting on opening: a pipe in the file's place would stop the run.
+  a.fd_ = ::open(arquivo.c_str(), O_RDWR | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0666);
+  if (a.fd_ < 0 && errno == EISDIR) throw FalhaRegistros(U(NomeArquivo(arquivo)) + u" is a folder, not a database file");
   if (a.fd_ < 0) a.Falha("Can't open or create");
+  struct stat st;
+  if (::fstat(a.fd_, &st) != 0) a.Falha("Can't examine");
+  if (!S_ISREG(st.st_mode)) throw FalhaRegistros(U(NomeArquivo(arquivo)) + u" is not a plain file, not a database file");
   Trinco l(a.m_);
   a.Prende(l, false);
   Ao g{[&a] { a.SoltaTrava(); }};

@@ -84,23 +84,24 @@ ResultadoReparo ReparaArquivo(const fs::path& arquivo, const Estrutura* declarad
   }
 
   CabecalhoParcial h;
+  bool curto = bytes.size() < size_t(kTamanhoCabecalho);
+  if (curto) {
+    // What there is of the header is read as if blanks followed: a file cut
+    // inside its header may still hold its field table.
+    r.relato.push_back(u"it is shorter than its header (" + InteiroParaTexto(int64_t(bytes.size())) + u" of " +
+                       InteiroParaTexto(kTamanhoCabecalho) + u" bytes)");
+    bytes.resize(size_t(kTamanhoCabecalho), ' ');
+  }
   LeCabecalhoParcial(bytes, h);
   Cabecalho c = h.c;
-  bool mexido = !h.problemas.empty();
-  if (bytes.size() < size_t(kTamanhoCabecalho)) {
-    // Too short for a header: only a declaration can say what it held.
-    if (!declarada) {
-      problema = h.problemas.front() + u"; give the DB block's fields (--declared) to rebuild it";
-      return ResultadoReparo::Impossivel;
-    }
-    r.relato.push_back(h.problemas.front() + u": the header is rebuilt from the declared fields");
-    c = Cabecalho{};
-    c.estrutura = *declarada;
-    h = CabecalhoParcial{};
-    h.campos = true;
-    bytes.resize(size_t(kTamanhoCabecalho), ' ');
+  bool mexido = curto || !h.problemas.empty();
+  if (curto) {
+    // No record survives a cut inside the header; the blanks added stand
+    // for the header's last byte.
     bytes.resize(size_t(kInicioRegistros));
-  } else {
+    h.total = false;
+  }
+  {
     if (!h.campos) {
       if (!declarada) {
         problema = u"its field table can't be read; give the DB block's fields (--declared) to rebuild it";
