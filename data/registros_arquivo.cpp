@@ -846,7 +846,8 @@ ArquivoRegistros::Declaracao ArquivoRegistros::Declara(const fs::path& arquivo, 
 }
 
 ArquivoRegistros::Abertura ArquivoRegistros::Abre(const fs::path& arquivo, const Estrutura* estrutura,
-                                                   const Texto* senha, bool somenteLeitura, Texto& problema) {
+                                                   const Texto* senha, bool somenteLeitura, Texto& problema,
+                                                   bool aindaQueCurto) {
   Fecha();
   dano_.clear();
   std::error_code ec;
@@ -872,7 +873,8 @@ ArquivoRegistros::Abertura ArquivoRegistros::Abre(const fs::path& arquivo, const
     } else {
       estrutura_ = estrutura ? *estrutura : cabecalho_.estrutura;
       problema = ProblemaComprimento(TamanhoArquivo(), cabecalho_.total, estrutura_.tamanhoRegistro);
-      if (!problema.empty()) r = Abertura::Danificada;
+      if (!problema.empty() && aindaQueCurto && somenteLeitura) dano_ = problema;
+      else if (!problema.empty()) r = Abertura::Danificada;
     }
   }
   if (r != Abertura::Aberta) {

@@ -175,9 +175,11 @@ class ArquivoRegistros {
   // through it (it must have the file's record size); without one, through
   // the file's own field table. With a password, it must match the header's.
   // Read-only opening never writes, not even to clear a dead lock. A file
-  // whose length doesn't fit its count is damaged.
+  // whose length doesn't fit its count is damaged; with `aindaQueCurto` a
+  // read-only opening takes it all the same (for looking into it), with the
+  // damage in Dano().
   Abertura Abre(const std::filesystem::path& arquivo, const Estrutura* estrutura, const Texto* senha,
-                bool somenteLeitura, Texto& problema);
+                bool somenteLeitura, Texto& problema, bool aindaQueCurto = false);
   // Gives back a lock kept by the last adds.
   void SoltaRetida();
   void Fecha();

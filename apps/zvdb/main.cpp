@@ -103,7 +103,8 @@ int Abre(ArquivoRegistros& a, const fs::path& p) {
   Texto problema;
   ArquivoRegistros::Abertura r;
   try {
-    r = a.Abre(p, nullptr, nullptr, true, problema);
+    // A file whose length is wrong is still looked into: what is there reads.
+    r = a.Abre(p, nullptr, nullptr, true, problema, true);
   } catch (const FalhaRegistros& f) {
     std::fprintf(stderr, "zvdb: %s\n", Utf8(f.descricao).c_str());
     return 2;
@@ -124,6 +125,8 @@ int Abre(ArquivoRegistros& a, const fs::path& p) {
 // with the description of a record that can't be read.
 template <class Cada, class Dano>
 void PercorreRegistros(ArquivoRegistros& a, int32_t total, Cada cada, Dano dano) {
+  // A file cut short has said so at opening: the records it has are read.
+  if (!a.Dano().empty()) total = std::min(total, a.RegistrosNoComprimento());
   const size_t tam = size_t(a.estrutura().tamanhoRegistro);
   const int32_t porVez = int32_t(std::max<size_t>(1, (1 << 20) / tam));
   Registro r;
@@ -140,7 +143,7 @@ void PercorreRegistros(ArquivoRegistros& a, int32_t total, Cada cada, Dano dano)
           bool vivo = a.Decodifica(um, i, r);
           cada(i, r, vivo);
         } catch (const FalhaRegistros& g) {
-          dano(i, g.descricao);
+          dano(i, g.dano ? g.problema : g.descricao);
         }
       }
       continue;
@@ -151,7 +154,7 @@ void PercorreRegistros(ArquivoRegistros& a, int32_t total, Cada cada, Dano dano)
         bool vivo = a.Decodifica(reg, n + i, r);
         cada(n + i, r, vivo);
       } catch (const FalhaRegistros& g) {
-        dano(n + i, g.descricao);
+        dano(n + i, g.dano ? g.problema : g.descricao);
       }
     }
   }
@@ -333,6 +336,7 @@ int Info(const fs::path& p) {
   std::printf("Records:       %d (%d deleted", total, apagados);
   if (danificados) std::printf(", %d damaged", danificados);
   std::printf(")\n");
+  if (!a.Dano().empty()) std::printf("Damaged:       %s\n", Utf8(a.Dano()).c_str());
   std::printf("Fields:        %zu\n", e.campos.size());
   std::printf("  %-4s %-20s %-8s %7s %9s %6s\n", "#", "Name", "Type", "Length", "Position", "Width");
   for (size_t i = 0; i < e.campos.size(); ++i) {
@@ -340,7 +344,7 @@ int Info(const fs::path& p) {
     std::printf("  %-4zu %-20s %-8s %7d %9d %6d\n", i + 1, Utf8(f.nome).c_str(), Utf8(PalavraTipo(f.tipo)).c_str(),
                 f.comprimento, f.posicao, f.largura);
   }
-  return danificados ? 1 : 0;
+  return danificados || !a.Dano().empty() ? 1 : 0;
 }
 
 enum class Formato { Texto, Json, Csv };
@@ -350,7 +354,8 @@ int Dump(const fs::path& p, Formato formato) {
   if (int r = Abre(a, p)) return r;
   const Estrutura& e = a.estrutura();
   int32_t total = a.Total();
-  bool dano = false;
+  bool dano = !a.Dano().empty();
+  if (dano) std::fprintf(stderr, "zvdb: %s\n", Utf8(MensagemDano(U(p.string()), a.Dano())).c_str());
   if (formato != Formato::Json) {
     std::string h = formato == Formato::Csv ? "record" : "#";
     for (const Campo& c : e.campos) h += (formato == Formato::Csv ? "," + Csv(c.nome) : "\t" + Utf8(c.nome));
@@ -396,12 +401,13 @@ int Check(const fs::path& p, const Declarado* declarado) {
   const Estrutura& e = a.estrutura();
   int32_t total = a.Total(), apagados = 0;
   std::vector<std::string> danos, notas;
+  if (!a.Dano().empty()) danos.push_back(Utf8(a.Dano()));
   PercorreRegistros(
       a, total, [&](int32_t, const Registro&, bool vivo) { apagados += !vivo; },
       [&](int32_t, const Texto& d) { danos.push_back(Utf8(d)); });
   int64_t usado = total == 0 ? kTamanhoCabecalho : kInicioRegistros + int64_t(total) * e.tamanhoRegistro;
   int64_t comprimento = a.Comprimento();
-  if (comprimento > usado)
+  if (comprimento > usado && (comprimento - usado) % e.tamanhoRegistro == 0)
     notas.push_back(std::to_string(comprimento - usado) + " bytes (" +
                     std::to_string((comprimento - usado) / e.tamanhoRegistro) +
                     " whole records) lie behind the last counted record; the next AddRecord writes over them");
