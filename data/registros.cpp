@@ -1,6 +1,8 @@
 // The language's side of the record database: the DB ... EndDB block, which
 // declares a database and binds its fields to variables, and the record
 // commands, which move whole records between those variables and the file.
+#include <sys/stat.h>
+
 #include <array>
 #include <filesystem>
 #include <map>
@@ -43,12 +45,22 @@ struct BaseDeclarada {
   Texto Caminho() const { return pasta + nome + u".Zvf"; }
 };
 
+// A damaged file: what is wrong, and which file it was. Another file put in
+// its place (deleted and made anew, or mended) is not that file.
+struct DanoArquivo {
+  Texto problema;
+  dev_t dispositivo = 0;
+  ino_t inode = 0;
+};
+
+bool Identidade(const Texto& caminho, dev_t& dispositivo, ino_t& inode);
+
 struct TabelaBases {
   std::array<std::unique_ptr<BaseDeclarada>, kSlotsDB> bases;
   int16_t qtdDB = 1;  // QtdDB
   // Files this run has found damaged, by ChaveArquivo, with what is wrong:
   // nothing of the run writes to them again.
-  std::map<std::string, Texto> danificados;
+  std::map<std::string, DanoArquivo> danificados;
 };
 
 fs::path ParaCaminho(const Texto& t) { return fs::path(Utf8(t)); }
@@ -61,15 +73,32 @@ std::string ChaveArquivo(const Texto& caminho) {
   return ec ? fs::absolute(ParaCaminho(caminho), ec).lexically_normal().string() : p.string();
 }
 
-// What this run found wrong with a file, or null.
+bool Identidade(const Texto& caminho, dev_t& dispositivo, ino_t& inode) {
+  struct stat st;
+  if (::stat(ParaCaminho(caminho).c_str(), &st) != 0) return false;
+  dispositivo = st.st_dev;
+  inode = st.st_ino;
+  return true;
+}
+
+// What this run found wrong with the file at a path, or null.
 const Texto* DanoConhecido(Interpretador& zv, const Texto& caminho) {
   auto& d = zv.Estado<TabelaBases>().danificados;
   auto i = d.find(ChaveArquivo(caminho));
-  return i == d.end() ? nullptr : &i->second;
+  if (i == d.end()) return nullptr;
+  dev_t dispositivo;
+  ino_t inode;
+  if (!Identidade(caminho, dispositivo, inode) || dispositivo != i->second.dispositivo || inode != i->second.inode) {
+    d.erase(i);
+    return nullptr;
+  }
+  return &i->second.problema;
 }
 
 void NotaDano(Interpretador& zv, const Texto& caminho, const Texto& problema) {
-  zv.Estado<TabelaBases>().danificados.insert_or_assign(ChaveArquivo(caminho), problema);
+  DanoArquivo d{problema};
+  Identidade(caminho, d.dispositivo, d.inode);
+  zv.Estado<TabelaBases>().danificados.insert_or_assign(ChaveArquivo(caminho), d);
 }
 
 Texto MensagemTamanho(const Texto& nome) {

@@ -83,6 +83,7 @@ ResultadoReparo ReparaArquivo(const fs::path& arquivo, const Estrutura* declarad
     }
   }
 
+  const std::string original = bytes;
   CabecalhoParcial h;
   bool curto = bytes.size() < size_t(kTamanhoCabecalho);
   if (curto) {
@@ -212,11 +213,18 @@ ResultadoReparo ReparaArquivo(const fs::path& arquivo, const Estrutura* declarad
     fs::remove(novo, ec);
     return ResultadoReparo::Impossivel;
   }
+  // The copy is a file of its own, not a second name: the damaged file then
+  // loses its last name at the rename, and a program that has it open sees
+  // that it was replaced, as after a compaction.
   r.copia = NomeCopia(arquivo);
-  if (::link(arquivo.c_str(), r.copia.c_str()) != 0) {
-    problema = Erro("Can't keep the file as it was in", r.copia);
-    fs::remove(novo, ec);
-    return ResultadoReparo::Impossivel;
+  {
+    Ao copia{::open(r.copia.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, st.st_mode & 07777)};
+    if (copia.fd < 0 || !EscreveTudo(copia.fd, original) || ::fsync(copia.fd) != 0) {
+      problema = Erro("Can't keep the file as it was in", r.copia);
+      fs::remove(novo, ec);
+      if (copia.fd >= 0) fs::remove(r.copia, ec);
+      return ResultadoReparo::Impossivel;
+    }
   }
   if (::rename(novo.c_str(), arquivo.c_str()) != 0) {
     problema = Erro("Can't put the mended file in place of", arquivo);
