@@ -595,7 +595,9 @@ int32_t ArquivoRegistros::Adiciona(std::string registro) {
         trava_ = LeTrava();
         contagem_ = Contagem(trava_);
         // Once per burst: the file must end where its count says, or the
-        // record would go where it doesn't belong.
+        // record would go where it doesn't belong. Within the burst nobody
+        // who keeps to the lock can change the length, and a look at it for
+        // every add would cost a fifth of the add.
         Texto p = ProblemaComprimento(TamanhoArquivo(), contagem_, estrutura_.tamanhoRegistro);
         if (!p.empty()) {
           dano_ = p;

@@ -199,9 +199,9 @@ class ArquivoRegistros {
   // Appends a record (see Monta); its AutoInc fields get the record's number,
   // taken under the lock with the count. Returns that number.
   int32_t Adiciona(std::string registro);
-  // Writes a record at a record number, up to the count (the slot behind
-  // the last record too). It first checks what it touches: the lock byte,
-  // the count, the file's length and the record it replaces.
+  // Writes a record at a record number (the caller has checked it against
+  // the count). It first checks what it touches: the lock byte, the count,
+  // the file's length and the record it replaces, if any.
   void Grava(int32_t numero, std::string_view registro);
   // The bytes of `quantos` records from `numero` on; a record past the end
   // of the file is an error.
