@@ -1,8 +1,11 @@
 // The language's side of the record database: the DB ... EndDB block, which
 // declares a database and binds its fields to variables, and the record
 // commands, which move whole records between those variables and the file.
+#include <sys/stat.h>
+
 #include <array>
 #include <filesystem>
+#include <map>
 #include <memory>
 
 #include "core/interpretador.h"
@@ -42,20 +45,67 @@ struct BaseDeclarada {
   Texto Caminho() const { return pasta + nome + u".Zvf"; }
 };
 
+// A damaged file: what is wrong, and which file it was. Another file put in
+// its place (deleted and made anew, or mended) is not that file.
+struct DanoArquivo {
+  Texto problema;
+  dev_t dispositivo = 0;
+  ino_t inode = 0;
+};
+
+bool Identidade(const Texto& caminho, dev_t& dispositivo, ino_t& inode);
+
 struct TabelaBases {
   std::array<std::unique_ptr<BaseDeclarada>, kSlotsDB> bases;
   int16_t qtdDB = 1;  // QtdDB
+  // Files this run has found damaged, by ChaveArquivo, with what is wrong:
+  // nothing of the run writes to them again.
+  std::map<std::string, DanoArquivo> danificados;
 };
 
 fs::path ParaCaminho(const Texto& t) { return fs::path(Utf8(t)); }
+
+// One key per file however a program names it (two descriptors, or two
+// spellings of a folder, may reach one file).
+std::string ChaveArquivo(const Texto& caminho) {
+  std::error_code ec;
+  fs::path p = fs::weakly_canonical(ParaCaminho(caminho), ec);
+  return ec ? fs::absolute(ParaCaminho(caminho), ec).lexically_normal().string() : p.string();
+}
+
+bool Identidade(const Texto& caminho, dev_t& dispositivo, ino_t& inode) {
+  struct stat st;
+  if (::stat(ParaCaminho(caminho).c_str(), &st) != 0) return false;
+  dispositivo = st.st_dev;
+  inode = st.st_ino;
+  return true;
+}
+
+// What this run found wrong with the file at a path, or null.
+const Texto* DanoConhecido(Interpretador& zv, const Texto& caminho) {
+  auto& d = zv.Estado<TabelaBases>().danificados;
+  auto i = d.find(ChaveArquivo(caminho));
+  if (i == d.end()) return nullptr;
+  dev_t dispositivo;
+  ino_t inode;
+  if (!Identidade(caminho, dispositivo, inode) || dispositivo != i->second.dispositivo || inode != i->second.inode) {
+    d.erase(i);
+    return nullptr;
+  }
+  return &i->second.problema;
+}
+
+void NotaDano(Interpretador& zv, const Texto& caminho, const Texto& problema) {
+  DanoArquivo d{problema};
+  Identidade(caminho, d.dispositivo, d.inode);
+  zv.Estado<TabelaBases>().danificados.insert_or_assign(ChaveArquivo(caminho), d);
+}
 
 Texto MensagemTamanho(const Texto& nome) {
   return msg::dados::NaBase(nome, msg::dados::kTamanhoMudou);
 }
 
-Texto MensagemDanificado(const Texto& caminho, const Texto& problema) {
-  return msg::Formata(msg::dados::kArquivoDanificado, caminho, problema);
-}
+Texto MensagemDanificado(const Texto& caminho, const Texto& problema) { return MensagemDano(caminho, problema); }
 
 // The stamps of the header: the date and the time in the locale's short form.
 Texto Carimbo() {
@@ -83,8 +133,11 @@ BaseDeclarada* BaseAberta(Interpretador& zv, const std::vector<Texto>& a) {
   int s = LocalizaDB(zv, zv.ValorTexto(a[0]).ComoTexto());
   if (s < 0) return nullptr;
   BaseDeclarada* b = Base(zv, s);
-  if (!b->arqDB.Aberto())
+  if (!b->arqDB.Aberto()) {
+    // A file OpenDB refused as damaged: say that, not only that it is closed.
+    if (const Texto* p = DanoConhecido(zv, b->Caminho())) throw FalhaHost(MensagemDanificado(b->Caminho(), *p));
     throw FalhaHost(msg::Formata(msg::dados::kBaseFechada, b->nome));
+  }
   return b;
 }
 
@@ -95,6 +148,16 @@ BaseDeclarada* ComandoDeRegistro(Interpretador& zv, const Texto& args, std::vect
   zv.Bombeia();
   a = zv.SeparaArgumentos(args, 4);
   return BaseAberta(zv, a);
+}
+
+// Before a command writes: a file this run found damaged is refused, and the
+// open file learns of it (another descriptor of the same file may have
+// found it).
+void RecusaDanificada(Interpretador& zv, BaseDeclarada& b) {
+  if (const Texto* p = DanoConhecido(zv, b.Caminho())) {
+    b.arqDB.MarcaDano(*p);
+    throw FalhaHost(MensagemEscritaRecusada(b.Caminho(), *p));
+  }
 }
 
 int32_t Posicao(Interpretador& zv, const Texto& arg) { return zv.ValorNumerico(arg).ComoInt32(); }
@@ -195,14 +258,21 @@ void Declara(Interpretador& zv, Declaracao& d) {
   if (!d.pasta.empty()) fs::create_directories(ParaCaminho(d.pasta), ec);  // a failure shows at the open
   Texto caminho = d.pasta + d.nome + u".Zvf";
   Texto problema;
-  auto r = ArquivoRegistros::Declara(ParaCaminho(caminho), d.estrutura, d.senha, Carimbo(), problema);
+  // A file this run found damaged isn't touched again, not even for the stamp.
+  auto r = ArquivoRegistros::Declaracao::Danificada;
+  if (const Texto* p = DanoConhecido(zv, caminho))
+    problema = *p;
+  else
+    r = ArquivoRegistros::Declara(ParaCaminho(caminho), d.estrutura, d.senha, Carimbo(), problema);
   if (r == ArquivoRegistros::Declaracao::TamanhoDiferente) {
     zv.CaixaCritica(MensagemTamanho(d.nome));
     return;
   }
   if (r == ArquivoRegistros::Declaracao::Danificada) {
+    // The slot is still taken, so that the commands on it say what is wrong
+    // rather than that the database isn't declared.
+    NotaDano(zv, caminho, problema);
     zv.CaixaCritica(titulo + MensagemDanificado(caminho, problema) + msg::dados::kDeixadoComoEsta);
-    return;
   }
   if (slot >= 0) return;
   auto b = std::make_unique<BaseDeclarada>();
@@ -281,6 +351,7 @@ Valor Protegido(Interpretador& zv, const Texto& args) {
   try {
     return R(zv, args);
   } catch (const FalhaRegistros& f) {
+    if (f.dano) NotaDano(zv, f.arquivo, f.problema);
     throw FalhaHost(f.descricao);
   } catch (const EsperaInterrompida&) {
     return Valor();
@@ -295,8 +366,13 @@ Valor OpenDB(Interpretador& zv, const Texto& args) {
   Texto senha = a[1].empty() ? Texto() : zv.ValorTexto(a[1]).ComoTexto();
   senha = DeCp1252(ParaCp1252(senha));  // as the header holds it
   Texto problema;
-  switch (b.arqDB.Abre(ParaCaminho(b.Caminho()), &b.estrutura, &senha, false, problema)) {
-    case ArquivoRegistros::Abertura::Aberta: break;
+  // A file known to be damaged is opened for reading only: what can be read
+  // of it still can, and nothing is written.
+  const Texto* dano = DanoConhecido(zv, b.Caminho());
+  switch (b.arqDB.Abre(ParaCaminho(b.Caminho()), &b.estrutura, &senha, dano != nullptr, problema)) {
+    case ArquivoRegistros::Abertura::Aberta:
+      if (dano) b.arqDB.MarcaDano(*dano);
+      break;
     case ArquivoRegistros::Abertura::NaoEncontrada:
       zv.ErroExecucao(msg::Formata(msg::dados::kOpenDBSemArquivo, b.Caminho()));
       break;
@@ -304,7 +380,9 @@ Valor OpenDB(Interpretador& zv, const Texto& args) {
       zv.ErroExecucao(msg::Formata(msg::dados::kSenhaInvalida, b.nome));
       break;
     case ArquivoRegistros::Abertura::TamanhoDiferente: zv.CaixaCritica(MensagemTamanho(b.nome)); break;
-    case ArquivoRegistros::Abertura::Danificada: throw FalhaHost(MensagemDanificado(b.Caminho(), problema));
+    case ArquivoRegistros::Abertura::Danificada:
+      NotaDano(zv, b.Caminho(), problema);
+      throw FalhaHost(MensagemDanificado(b.Caminho(), problema));
   }
   return {};
 }
@@ -320,6 +398,7 @@ Valor AddRecord(Interpretador& zv, const Texto& args) {
   std::vector<Texto> a;
   BaseDeclarada* b = ComandoDeRegistro(zv, args, a);
   if (!b) return {};
+  RecusaDanificada(zv, *b);
   Registro r = LeCampos(zv, *b);
   std::string bytes = MontaRegistro(zv, *b, u"AddRecord", r, -1);
   int32_t n = b->arqDB.Adiciona(std::move(bytes));
@@ -351,17 +430,19 @@ void RegravaRegistro(Interpretador& zv, BaseDeclarada& b, int32_t posicao, const
   }
   int32_t n = NumeroRegistro(zv, b, posicao);
   if (n < 0) return;
+  // The write checks what it replaces; the list follows only a done write.
+  b.arqDB.Grava(n, bytes);
   if (b.modoOrdem == kIndice) {
     b.lstOrdem.RemoveEm(posicao);
     b.lstOrdem.Insere(ChaveIndice(b.estrutura, valores, b.indices, n), n);
   }
-  b.arqDB.Grava(n, bytes);
 }
 
 Valor UpdateRecord(Interpretador& zv, const Texto& args) {
   std::vector<Texto> a;
   BaseDeclarada* b = ComandoDeRegistro(zv, args, a);
   if (!b) return {};
+  RecusaDanificada(zv, *b);
   int32_t posicao = Posicao(zv, a[1]);
   Registro r = LeCampos(zv, *b);
   // An AutoInc field takes the position as it was given.
@@ -374,6 +455,7 @@ Valor DeleteRecord(Interpretador& zv, const Texto& args) {
   std::vector<Texto> a;
   BaseDeclarada* b = ComandoDeRegistro(zv, args, a);
   if (!b) return {};
+  RecusaDanificada(zv, *b);
   int32_t posicao = Posicao(zv, a[1]);
   RegravaRegistro(zv, *b, posicao, b->arqDB.RegistroApagado(), nullptr, msg::dados::kNaoApaga);
   return {};
@@ -470,6 +552,7 @@ Valor CompactDB(Interpretador& zv, const Texto& args) {
   int s = LocalizaDB(zv, zv.ValorTexto(a[0]).ComoTexto());
   if (s < 0) return Valor::TextoComAspas(u"");
   BaseDeclarada& b = *Base(zv, s);
+  RecusaDanificada(zv, b);
   if (!b.arqDB.Aberto()) {
     // Compaction leaves the file open, as if OpenDB had run.
     Texto problema;
@@ -479,7 +562,10 @@ Valor CompactDB(Interpretador& zv, const Texto& args) {
       zv.CaixaCritica(MensagemTamanho(b.nome));
       return Valor::TextoComAspas(u"");
     }
-    if (r != ArquivoRegistros::Abertura::Aberta) throw FalhaHost(MensagemDanificado(b.Caminho(), problema));
+    if (r != ArquivoRegistros::Abertura::Aberta) {
+      NotaDano(zv, b.Caminho(), problema);
+      throw FalhaHost(MensagemDanificado(b.Caminho(), problema));
+    }
   }
   fs::path trabalho;
   int32_t total = 0;

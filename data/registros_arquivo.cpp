@@ -177,53 +177,87 @@ bool LeContagem(std::string_view trava, int32_t& total) {
 
 void PoeContagem(std::string& trava, int32_t total) { PoeEmFatia(trava, kContagem, std::to_string(total)); }
 
-bool LeCabecalho(std::string_view bytes, Cabecalho& c, Texto& problema) {
+void LeCabecalhoParcial(std::string_view bytes, CabecalhoParcial& h) {
+  h = CabecalhoParcial{};
+  Cabecalho& c = h.c;
+  auto falha = [&h](Texto p) { h.problemas.push_back(std::move(p)); };
   if (bytes.size() < size_t(kTamanhoCabecalho)) {
-    problema = msg::Formata(msg::dados::kCurtoDemaisBytes, InteiroParaTexto(int64_t(bytes.size())),
-                            InteiroParaTexto(kTamanhoCabecalho));
-    return false;
+    falha(u"it is shorter than its header (" + InteiroParaTexto(int64_t(bytes.size())) + u" of " +
+          InteiroParaTexto(kTamanhoCabecalho) + u" bytes)");
+    return;
   }
-  auto falha = [&problema](Texto p) {
-    problema = std::move(p);
-    return false;
-  };
-  c = Cabecalho{};
   c.trava = bytes[0];
-  if (c.trava != kLivre && c.trava != kOcupado) return falha(msg::dados::kTravaInvalida);
+  if (c.trava != kLivre && c.trava != kOcupado) falha(u"its lock byte is neither \"0\" nor \"1\"");
   std::string t;
-  if (!LeContagem(bytes, c.total)) return falha(msg::dados::kContagemIlegivel);
-  if (!LeFatia(bytes, kDescritor, t)) return falha(msg::dados::kNomeIlegivel);
-  c.estrutura.descritor = DeCp1252(t);
-  if (!LeFatia(bytes, kTamanho, t) || !SoDigitos(t, 5) || std::stoi(t) == 0 || std::stoi(t) > kMaxTamanhoRegistro)
-    return falha(msg::dados::kTamanhoIlegivel);
-  int32_t tamanho = std::stoi(t);
-  if (!LeFatia(bytes, kCriacao, t)) return falha(msg::dados::kCriacaoIlegivel);
-  c.criacao = DeCp1252(t);
-  if (!LeFatia(bytes, kDeclaracao, t)) return falha(msg::dados::kDeclaracaoIlegivel);
-  c.declaracao = DeCp1252(t);
-  if (!LeFatia(bytes, kSenha, t)) return falha(msg::dados::kSenhaIlegivel);
-  c.senha = DeCp1252(t);
+  h.total = LeContagem(bytes, c.total);
+  if (!h.total) falha(u"its record count can't be read");
+  h.descritor = LeFatia(bytes, kDescritor, t);
+  if (h.descritor) c.estrutura.descritor = DeCp1252(t);
+  else falha(u"its database name can't be read");
+  h.tamanho = LeFatia(bytes, kTamanho, t) && SoDigitos(t, 5) && std::stoi(t) != 0 && std::stoi(t) <= kMaxTamanhoRegistro;
+  if (h.tamanho) h.tamanhoDeclarado = std::stoi(t);
+  else falha(u"its record size can't be read");
+  h.criacao = LeFatia(bytes, kCriacao, t);
+  if (h.criacao) c.criacao = DeCp1252(t);
+  else falha(u"its creation stamp can't be read");
+  h.declaracao = LeFatia(bytes, kDeclaracao, t);
+  if (h.declaracao) c.declaracao = DeCp1252(t);
+  else falha(u"its declaration stamp can't be read");
+  h.senha = LeFatia(bytes, kSenha, t);
+  if (h.senha) c.senha = DeCp1252(t);
+  else falha(u"its password can't be read");
+  // The field table is taken whole or not at all.
+  Estrutura e;
+  e.descritor = c.estrutura.descritor;
   size_t p = kPrimeiroCampo;
+  Texto erroCampos;
   for (int i = 0;; ++i, p += kPassoCampo) {
     const Texto n = InteiroParaTexto(i + 1);
-    if (!LeFatia(bytes, {p, kNomeCampo}, t)) return falha(msg::Formata(msg::dados::kNomeDeCampoIlegivel, n));
+    if (!LeFatia(bytes, {p, kNomeCampo}, t)) {
+      erroCampos = u"the name of its field " + n + u" can't be read";
+      break;
+    }
     if (t == kMarcaFim) break;
-    if (i == kMaxCampos) return falha(msg::dados::kSemMarcaFim);
+    if (i == kMaxCampos) {
+      erroCampos = u"its field table has no end mark";
+      break;
+    }
     Texto nome = DeCp1252(t);
     std::string comp, tipo;
-    if (!LeFatia(bytes, {p + kNomeCampo, kComprimentoCampo}, comp) || !SoDigitos(comp, 5))
-      return falha(msg::Formata(msg::dados::kComprimentoIlegivel, nome));
+    if (!LeFatia(bytes, {p + kNomeCampo, kComprimentoCampo}, comp) || !SoDigitos(comp, 5)) {
+      erroCampos = u"the length of its field '" + nome + u"' can't be read";
+      break;
+    }
     TipoCampo tc;
-    if (!LeFatia(bytes, {p + kNomeCampo + kComprimentoCampo, kTipoCampo}, tipo) || !LeTipoCampo(DeCp1252(tipo), tc))
-      return falha(msg::Formata(msg::dados::kTipoIlegivel, nome));
-    c.estrutura.Acrescenta(nome, tc, std::stoi(comp));
-    if (c.estrutura.campos.back().comprimento != std::stoi(comp))
-      return falha(msg::Formata(msg::dados::kComprimentoErrado, nome));
+    if (!LeFatia(bytes, {p + kNomeCampo + kComprimentoCampo, kTipoCampo}, tipo) || !LeTipoCampo(DeCp1252(tipo), tc)) {
+      erroCampos = u"the type of its field '" + nome + u"' can't be read";
+      break;
+    }
+    e.Acrescenta(nome, tc, std::stoi(comp));
+    if (e.campos.back().comprimento != std::stoi(comp)) {
+      erroCampos = u"its field '" + nome + u"' has a length that doesn't fit its type";
+      break;
+    }
   }
-  if (c.estrutura.campos.empty()) return falha(msg::dados::kNenhumCampo);
-  if (c.estrutura.tamanhoRegistro != tamanho)
-    return falha(msg::Formata(msg::dados::kSomaDiferente, InteiroParaTexto(c.estrutura.tamanhoRegistro), InteiroParaTexto(tamanho)));
-  return true;
+  if (erroCampos.empty() && e.campos.empty()) erroCampos = u"it has no fields";
+  h.campos = erroCampos.empty();
+  if (h.campos) {
+    c.estrutura = std::move(e);
+    if (h.tamanho && c.estrutura.tamanhoRegistro != h.tamanhoDeclarado)
+      falha(u"its fields add up to " + InteiroParaTexto(c.estrutura.tamanhoRegistro) +
+            u" bytes, but its record size says " + InteiroParaTexto(h.tamanhoDeclarado));
+  } else {
+    falha(erroCampos);
+  }
+}
+
+bool LeCabecalho(std::string_view bytes, Cabecalho& c, Texto& problema) {
+  CabecalhoParcial h;
+  LeCabecalhoParcial(bytes, h);
+  c = std::move(h.c);
+  if (h.problemas.empty()) return true;
+  problema = h.problemas.front();
+  return false;
 }
 
 // ---- Values -----------------------------------------------------------------
@@ -252,6 +286,65 @@ Texto LinhaRegistro(const Estrutura& e, const Registro& r) {
   t += u'"';
   return t;
 }
+
+// ---- Damage -----------------------------------------------------------------
+
+Texto MensagemDano(const Texto& arquivo, const Texto& problema) {
+  return u"The database file " + arquivo + u" is damaged: " + problema;
+}
+
+Texto MensagemEscritaRecusada(const Texto& arquivo, const Texto& problema) {
+  return MensagemDano(arquivo, problema) + u". Nothing was written to it.";
+}
+
+FalhaRegistros FalhaDano(const Texto& arquivo, const Texto& problema, bool escrita) {
+  FalhaRegistros f(escrita ? MensagemEscritaRecusada(arquivo, problema) : MensagemDano(arquivo, problema));
+  f.dano = true;
+  f.arquivo = arquivo;
+  f.problema = problema;
+  return f;
+}
+
+Texto ProblemaComprimento(int64_t comprimento, int32_t total, int32_t tamanho) {
+  if (comprimento < kTamanhoCabecalho)
+    return u"it is shorter than its header (" + InteiroParaTexto(comprimento) + u" of " +
+           InteiroParaTexto(kTamanhoCabecalho) + u" bytes)";
+  if (tamanho <= 0) return {};
+  const int64_t depois = comprimento - kInicioRegistros;  // from record 0's first byte on
+  const int64_t inteiros = depois / tamanho;
+  if (inteiros < total)
+    return u"its count says " + InteiroParaTexto(total) + u" records, but the file holds only " +
+           InteiroParaTexto(inteiros);
+  const int64_t sobra = depois - int64_t(total) * tamanho;
+  // A file with no record ends with the header's last byte.
+  if (total == 0 && sobra == 1) return {};
+  if (sobra % tamanho == 0) return {};
+  const int64_t fim = total == 0 ? kTamanhoCabecalho : kInicioRegistros + int64_t(total) * tamanho;
+  return InteiroParaTexto(comprimento - fim) + u" bytes behind its last record don't make whole records of " +
+         InteiroParaTexto(tamanho) + u" bytes";
+}
+
+namespace {
+
+// Whether a field's slot holds a stored form that reads back, of a length
+// its type can use, or only blanks. The same test as reading the field,
+// without reading it.
+bool CampoLegivel(std::string_view fatia, TipoCampo tipo) {
+  uint32_t n;
+  std::memcpy(&n, fatia.data(), 4);  // every slot is at least 5 bytes wide
+  if (n == 0x20202020u) return EmBranco(fatia);
+  if (n == 0 || n > fatia.size() - 4) return false;
+  if (static_cast<unsigned char>(fatia[4]) < 255 - 9) return false;  // the key number, complemented
+  switch (tipo) {
+    case TipoCampo::String: return true;
+    case TipoCampo::AutoInc:
+    case TipoCampo::Integer: return n >= 5;
+    case TipoCampo::Decimal: return n >= 9;
+  }
+  return false;
+}
+
+}  // namespace
 
 // ---- The file ---------------------------------------------------------------
 
@@ -322,6 +415,15 @@ void ArquivoRegistros::EscreveTrava(std::string_view bytes) {
 void ArquivoRegistros::SoltaRetida() {
   Trinco l(m_);
   Libera(l);
+}
+
+void ArquivoRegistros::Danificado(const Texto& problema) const {
+  if (dano_.empty()) dano_ = problema;
+  throw FalhaDano(U(NomeArquivo(caminho_)), problema);
+}
+
+void ArquivoRegistros::RecusaSeDanificado() const {
+  if (!dano_.empty()) throw FalhaDano(U(NomeArquivo(caminho_)), dano_, true);
 }
 
 void ArquivoRegistros::Falha(const char* acao) const {
@@ -456,17 +558,14 @@ void ArquivoRegistros::LacoSoltador() {
 
 std::string ArquivoRegistros::LeTrava() {
   std::string t(kTamanhoTrava, ' ');
-  if (LeEm(0, t.data(), t.size()) != t.size())
-    throw FalhaRegistros(msg::Formata(msg::dados::kArquivoDanificado, U(NomeArquivo(caminho_)), msg::dados::kCurtoDemais));
-  if (t[0] != kLivre && t[0] != kOcupado)
-    throw FalhaRegistros(msg::Formata(msg::dados::kArquivoDanificado, U(NomeArquivo(caminho_)), msg::dados::kTravaInvalida));
+  if (LeEm(0, t.data(), t.size()) != t.size()) Danificado(u"it is shorter than its header");
+  if (t[0] != kLivre && t[0] != kOcupado) Danificado(u"its lock byte is neither \"0\" nor \"1\"");
   return t;
 }
 
 int32_t ArquivoRegistros::Contagem(std::string_view trava) const {
   int32_t n = 0;
-  if (!LeContagem(trava, n))
-    throw FalhaRegistros(msg::Formata(msg::dados::kArquivoDanificado, U(NomeArquivo(caminho_)), msg::dados::kContagemIlegivel));
+  if (!LeContagem(trava, n)) Danificado(u"its record count can't be read");
   return n;
 }
 
@@ -477,13 +576,15 @@ int32_t ArquivoRegistros::Total() {
   Ao g{[this] { SoltaTrava(); }};
   std::string t = LeTrava();
   int32_t n = Contagem(t);
-  // Holding the lock, a busy byte can only be a dead program's.
-  if (t[0] != kLivre && !somenteLeitura_) EscreveEm(0, std::string(1, kLivre));
+  // Holding the lock, a busy byte can only be a dead program's. A damaged
+  // file keeps even that byte.
+  if (t[0] != kLivre && !somenteLeitura_ && dano_.empty()) EscreveEm(0, std::string(1, kLivre));
   return n;
 }
 
 int32_t ArquivoRegistros::Adiciona(std::string registro) {
-  if (somenteLeitura_) throw FalhaRegistros(msg::dados::kSomenteLeitura);
+  if (somenteLeitura_) throw FalhaRegistros(u"the database file is open for reading only");
+  RecusaSeDanificado();
   Trinco l(m_);
   if (!retida_) {
     CedeAVez(l);
@@ -492,6 +593,15 @@ int32_t ArquivoRegistros::Adiciona(std::string registro) {
       try {
         trava_ = LeTrava();
         contagem_ = Contagem(trava_);
+        // Once per burst: the file must end where its count says, or the
+        // record would go where it doesn't belong. Within the burst nobody
+        // who keeps to the lock can change the length, and a look at it for
+        // every add would cost a fifth of the add.
+        Texto p = ProblemaComprimento(TamanhoArquivo(), contagem_, estrutura_.tamanhoRegistro);
+        if (!p.empty()) {
+          dano_ = p;
+          RecusaSeDanificado();
+        }
         // Each add writes the count; through a mapping of the header's start
         // that costs no call into the system. It is made only on a file
         // whose header is whole.
@@ -526,8 +636,18 @@ int32_t ArquivoRegistros::Adiciona(std::string registro) {
 void ArquivoRegistros::Grava(int32_t numero, std::string_view registro) {
   Trinco l(m_);
   Libera(l);
-  if (fd_ < 0) throw FalhaRegistros(msg::dados::kArquivoFechado);
-  if (somenteLeitura_) throw FalhaRegistros(msg::dados::kSomenteLeitura);
+  if (fd_ < 0) throw FalhaRegistros(u"the database file is not open");
+  if (somenteLeitura_) throw FalhaRegistros(u"the database file is open for reading only");
+  RecusaSeDanificado();
+  // What the write touches: the header's count, the file's length and the
+  // record it replaces.
+  const int32_t total = Contagem(LeTrava());
+  Texto p = ProblemaComprimento(TamanhoArquivo(), total, estrutura_.tamanhoRegistro);
+  if (p.empty() && numero >= 0 && numero < total) p = ProblemaRegistro(LeRegistros(numero, 1), numero);
+  if (!p.empty()) {
+    dano_ = p;
+    RecusaSeDanificado();
+  }
   EscreveEm(kInicioRegistros + int64_t(numero) * estrutura_.tamanhoRegistro, registro);
 }
 
@@ -543,8 +663,7 @@ std::string ArquivoRegistros::LeRegistros(int32_t numero, int32_t quantos) {
   size_t n = LeEm(kInicioRegistros + int64_t(numero) * estrutura_.tamanhoRegistro, r.data(), r.size());
   if (n != r.size()) {
     int32_t falta = numero + int32_t(n / size_t(estrutura_.tamanhoRegistro));
-    throw FalhaRegistros(msg::Formata(msg::dados::kArquivoDanificado, U(NomeArquivo(caminho_)),
-                                      msg::Formata(msg::dados::kRegistroAlemDoFim, InteiroParaTexto(falta))));
+    Danificado(u"its record " + InteiroParaTexto(falta) + u" lies beyond the end of the file");
   }
   return r;
 }
@@ -617,6 +736,9 @@ std::string ArquivoRegistros::RegistroApagado() const {
 }
 
 bool ArquivoRegistros::EApagado(std::string_view bruto) {
+  // The mark's stored form has the length 2: most records are told apart
+  // without reading it.
+  if (bruto.size() < 6 || bruto[0] != 2 || bruto[1] != 0 || bruto[2] != 0 || bruto[3] != 0) return false;
   // The mark is read from the record's start: a first field narrower than
   // the mark's six bytes lends it the room behind.
   std::string t;
@@ -638,9 +760,34 @@ void ArquivoRegistros::DecodificaCampo(std::string_view bruto, int32_t numero, s
   } else if (ok && c.tipo == TipoCampo::Decimal && t.size() >= 8) {
     std::memcpy(&v.decimal, t.data(), 8);
   } else {
-    throw FalhaRegistros(msg::Formata(msg::dados::kArquivoDanificado, U(NomeArquivo(caminho_)),
-                                      msg::Formata(msg::dados::kCampoIlegivel, c.nome, InteiroParaTexto(numero))));
+    Danificado(u"the field '" + c.nome + u"' of its record " + InteiroParaTexto(numero) + u" can't be read");
   }
+}
+
+Texto ProblemaRegistro(const Estrutura& e, std::string_view bruto, int32_t numero) {
+  if (ArquivoRegistros::EApagado(bruto)) return {};
+  for (const Campo& c : e.campos)
+    if (!CampoLegivel(bruto.substr(size_t(c.posicao - 1), size_t(c.largura)), c.tipo))
+      return u"the field '" + c.nome + u"' of its record " + InteiroParaTexto(numero) + u" can't be read";
+  return {};
+}
+
+Texto ArquivoRegistros::ProblemaRegistro(std::string_view bruto, int32_t numero) const {
+  return zv::ProblemaRegistro(estrutura_, bruto, numero);
+}
+
+Texto ArquivoRegistros::ProcuraDano(int32_t total) {
+  const size_t tam = size_t(estrutura_.tamanhoRegistro);
+  const int32_t porVez = int32_t(std::max<size_t>(1, (1 <<20) / tam));
+  for (int32_t r = 0; r < total; r += porVez) {
+    int32_t n = std::min(porVez, total - r);
+    std::string bloco = LeRegistros(r, n);
+    for (int32_t k = 0; k < n; ++k) {
+      Texto p = ProblemaRegistro(std::string_view(bloco.data() + size_t(k) * tam, tam), r + k);
+      if (!p.empty()) return p;
+    }
+  }
+  return {};
 }
 
 bool ArquivoRegistros::Decodifica(std::string_view bruto, int32_t numero, Registro& valores) const {
@@ -658,8 +805,13 @@ ArquivoRegistros::Declaracao ArquivoRegistros::Declara(const fs::path& arquivo, 
                                                         const Texto& senha, const Texto& carimbo, Texto& problema) {
   ArquivoRegistros a;
   a.caminho_ = arquivo;
-  a.fd_ = ::open(arquivo.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-  if (a.fd_ < 0) a.Falha(msg::dados::kNaoAbreNemCria);
+  // Not waiting on opening: a pipe in the file's place would stop the run.
+  a.fd_ = ::open(arquivo.c_str(), O_RDWR | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0666);
+  if (a.fd_ < 0 && errno == EISDIR) throw FalhaRegistros(U(NomeArquivo(arquivo)) + u" is a folder, not a database file");
+  if (a.fd_ < 0) a.Falha("Can't open or create");
+  struct stat st;
+  if (::fstat(a.fd_, &st) != 0) a.Falha("Can't examine");
+  if (!S_ISREG(st.st_mode)) throw FalhaRegistros(U(NomeArquivo(arquivo)) + u" is not a plain file, not a database file");
   Trinco l(a.m_);
   a.Prende(l, false);
   Ao g{[&a] { a.SoltaTrava(); }};
@@ -677,6 +829,14 @@ ArquivoRegistros::Declaracao ArquivoRegistros::Declara(const fs::path& arquivo, 
   Cabecalho c;
   if (!LeCabecalho(b, c, problema)) return Declaracao::Danificada;
   if (c.estrutura.tamanhoRegistro != e.tamanhoRegistro) return Declaracao::TamanhoDiferente;
+  // Nothing is written to a file before it is found sound: its length must
+  // fit its count and every record must read, by the file's own fields.
+  problema = ProblemaComprimento(a.TamanhoArquivo(), c.total, c.estrutura.tamanhoRegistro);
+  if (problema.empty()) {
+    a.estrutura_ = c.estrutura;
+    problema = a.ProcuraDano(c.total);
+  }
+  if (!problema.empty()) return Declaracao::Danificada;
   b[0] = kLivre;  // we hold the lock: a busy byte is a dead program's
   PoeEmFatia(b, kDeclaracao, ParaCp1252(Corta(carimbo, kDeclaracao.largura - 5)));
   // The header's last byte is record 0's first: it is left as it stands.
@@ -685,8 +845,10 @@ ArquivoRegistros::Declaracao ArquivoRegistros::Declara(const fs::path& arquivo, 
 }
 
 ArquivoRegistros::Abertura ArquivoRegistros::Abre(const fs::path& arquivo, const Estrutura* estrutura,
-                                                   const Texto* senha, bool somenteLeitura, Texto& problema) {
+                                                   const Texto* senha, bool somenteLeitura, Texto& problema,
+                                                   bool aindaQueCurto) {
   Fecha();
+  dano_.clear();
   std::error_code ec;
   if (!fs::is_regular_file(arquivo, ec)) return Abertura::NaoEncontrada;
   Trinco l(m_);
@@ -709,12 +871,9 @@ ArquivoRegistros::Abertura ArquivoRegistros::Abre(const fs::path& arquivo, const
       r = Abertura::SenhaInvalida;
     } else {
       estrutura_ = estrutura ? *estrutura : cabecalho_.estrutura;
-      int64_t cabem = (TamanhoArquivo() - kInicioRegistros) / estrutura_.tamanhoRegistro;
-      if (cabem < cabecalho_.total) {
-        problema = msg::Formata(msg::dados::kContagemAlemDoFim, InteiroParaTexto(cabecalho_.total),
-                                InteiroParaTexto(std::max<int64_t>(cabem, 0)));
-        r = Abertura::Danificada;
-      }
+      problema = ProblemaComprimento(TamanhoArquivo(), cabecalho_.total, estrutura_.tamanhoRegistro);
+      if (!problema.empty() && aindaQueCurto && somenteLeitura) dano_ = problema;
+      else if (!problema.empty()) r = Abertura::Danificada;
     }
   }
   if (r != Abertura::Aberta) {
@@ -725,7 +884,8 @@ ArquivoRegistros::Abertura ArquivoRegistros::Abre(const fs::path& arquivo, const
 }
 
 ArquivoRegistros::Compactacao ArquivoRegistros::Compacta(fs::path& trabalho, int32_t& novoTotal) {
-  if (somenteLeitura_) throw FalhaRegistros(msg::dados::kSomenteLeitura);
+  if (somenteLeitura_) throw FalhaRegistros(u"the database file is open for reading only");
+  RecusaSeDanificado();
   Trinco l(m_);
   Libera(l);
   trabalho = CaminhoTrabalho(caminho_);
@@ -755,11 +915,15 @@ ArquivoRegistros::Compactacao ArquivoRegistros::Compacta(fs::path& trabalho, int
   cab.resize(LeEm(0, cab.data(), cab.size()));
   Cabecalho c;
   Texto problema;
-  if (!LeCabecalho(cab, c, problema))
-    throw FalhaRegistros(msg::Formata(msg::dados::kArquivoDanificado, U(NomeArquivo(caminho_)), problema));
-  saida.EscreveEm(0, cab);
+  if (!LeCabecalho(cab, c, problema)) Danificado(problema);
   const int32_t total = c.total;
   const size_t tam = size_t(c.estrutura.tamanhoRegistro);
+  problema = ProblemaComprimento(TamanhoArquivo(), total, int32_t(tam));
+  if (!problema.empty()) {
+    dano_ = problema;
+    RecusaSeDanificado();
+  }
+  saida.EscreveEm(0, cab);
   const bool renumera = Maiusculas(PalavraTipo(c.estrutura.campos[0].tipo)) == u"AUTOINC";
 
   int32_t escritos = 0;
@@ -772,6 +936,12 @@ ArquivoRegistros::Compactacao ArquivoRegistros::Compacta(fs::path& trabalho, int
     for (int32_t k = 0; k < n; ++k) {
       std::string_view reg(bloco.data() + size_t(k) * tam, tam);
       if (EApagado(reg)) continue;
+      // A record that can't be read stops the copy: the file stays whole.
+      problema = ProblemaRegistro(reg, r + k);
+      if (!problema.empty()) {
+        dano_ = problema;
+        RecusaSeDanificado();
+      }
       size_t ini = lote.size();
       lote.append(reg);
       // A first AutoInc field becomes the record's new number.

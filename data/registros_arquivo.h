@@ -83,6 +83,18 @@ std::string MontaCabecalho(const Cabecalho& c);
 // Reads a header; false, with the reason, when it can't be trusted.
 bool LeCabecalho(std::string_view bytes, Cabecalho& c, Texto& problema);
 
+// What can be read of a header, slot by slot, for mending a damaged one:
+// each flag says whether its slot was read, and `problemas` lists the others
+// in the header's order. The field table is read whole or not at all.
+struct CabecalhoParcial {
+  Cabecalho c;
+  bool total = false, descritor = false, tamanho = false, criacao = false, declaracao = false, senha = false,
+       campos = false;
+  int32_t tamanhoDeclarado = 0;
+  std::vector<Texto> problemas;
+};
+void LeCabecalhoParcial(std::string_view bytes, CabecalhoParcial& h);
+
 // ---- Values -----------------------------------------------------------------
 
 // The value of one field: `texto` for String, `inteiro` for Integer and
@@ -107,8 +119,23 @@ Texto LinhaRegistro(const Estrutura& e, const Registro& r);
 // `descricao` the same text.
 struct FalhaRegistros : std::runtime_error {
   Texto descricao;
+  // Damage found in the file: which file, and what is wrong with it. A run
+  // that sees one writes nothing more to that file.
+  bool dano = false;
+  Texto arquivo, problema;
   explicit FalhaRegistros(Texto d) : std::runtime_error(Utf8(d)), descricao(std::move(d)) {}
 };
+
+// "The database file … is damaged: …", and the refusal of a write to it.
+Texto MensagemDano(const Texto& arquivo, const Texto& problema);
+Texto MensagemEscritaRecusada(const Texto& arquivo, const Texto& problema);
+FalhaRegistros FalhaDano(const Texto& arquivo, const Texto& problema, bool escrita = false);
+
+// What is wrong with the length of a file whose header counts `total`
+// records of `tamanho` bytes, or empty. Whole records behind the last counted
+// one are not damage: UpdateRecord may write one there, and a program that
+// died while adding leaves one.
+Texto ProblemaComprimento(int64_t comprimento, int32_t total, int32_t tamanho);
 // The wait for the lock was given up by the waiter.
 struct EsperaInterrompida : std::runtime_error {
   EsperaInterrompida() : std::runtime_error(msg::dados::kEsperaDesistida) {}
@@ -148,9 +175,12 @@ class ArquivoRegistros {
   // Opens an existing file. With a structure, records are read and written
   // through it (it must have the file's record size); without one, through
   // the file's own field table. With a password, it must match the header's.
-  // Read-only opening never writes, not even to clear a dead lock.
+  // Read-only opening never writes, not even to clear a dead lock. A file
+  // whose length doesn't fit its count is damaged; with `aindaQueCurto` a
+  // read-only opening takes it all the same (for looking into it), with the
+  // damage in Dano().
   Abertura Abre(const std::filesystem::path& arquivo, const Estrutura* estrutura, const Texto* senha,
-                bool somenteLeitura, Texto& problema);
+                bool somenteLeitura, Texto& problema, bool aindaQueCurto = false);
   // Gives back a lock kept by the last adds.
   void SoltaRetida();
   void Fecha();
@@ -170,7 +200,9 @@ class ArquivoRegistros {
   // Appends a record (see Monta); its AutoInc fields get the record's number,
   // taken under the lock with the count. Returns that number.
   int32_t Adiciona(std::string registro);
-  // Writes a record at a record number, with no check of the count.
+  // Writes a record at a record number (the caller has checked it against
+  // the count). It first checks what it touches: the lock byte, the count,
+  // the file's length and the record it replaces, if any.
   void Grava(int32_t numero, std::string_view registro);
   // The bytes of `quantos` records from `numero` on; a record past the end
   // of the file is an error.
@@ -188,6 +220,16 @@ class ArquivoRegistros {
   bool Decodifica(std::string_view bruto, int32_t numero, Registro& valores) const;
   // One field only (the others stay as they are).
   void DecodificaCampo(std::string_view bruto, int32_t numero, size_t campo, ValorCampo& v) const;
+  // Why a record can't be read whole ("the field 'Nome' of its record 3
+  // can't be read"), or empty. Deleted records always read.
+  Texto ProblemaRegistro(std::string_view bruto, int32_t numero) const;
+  // The first record of 0 to total - 1 that can't be read, as above.
+  Texto ProcuraDano(int32_t total);
+
+  // Damage found in this file while it is open (or told by the caller):
+  // from then on every write is refused and the file keeps its bytes.
+  const Texto& Dano() const { return dano_; }
+  void MarcaDano(const Texto& problema) { if (dano_.empty()) dano_ = problema; }
 
   enum class Compactacao { Feita, TrabalhoExiste };
   // Copies the live records into the work file of the folder, renumbering a
@@ -236,6 +278,10 @@ class ArquivoRegistros {
   void EscreveEm(int64_t posicao, std::string_view bytes);
   size_t LeEm(int64_t posicao, char* destino, size_t tamanho);
   void Falha(const char* acao) const;
+  // Notes the damage and throws it.
+  [[noreturn]] void Danificado(const Texto& problema) const;
+  // Before any write: a file found damaged is refused.
+  void RecusaSeDanificado() const;
   int32_t Contagem(std::string_view trava) const;
 
   int fd_ = -1;
@@ -244,6 +290,7 @@ class ArquivoRegistros {
   std::filesystem::path caminho_;
   Cabecalho cabecalho_;
   Estrutura estrutura_;
+  mutable Texto dano_;
 
   // The kept lock, shared with the thread.
   std::mutex m_;
@@ -260,6 +307,32 @@ class ArquivoRegistros {
 bool LeContagem(std::string_view trava, int32_t& total);
 // Puts a count into those 20 bytes (the bytes behind its slot stay).
 void PoeContagem(std::string& trava, int32_t total);
+
+// Why a record can't be read whole through a structure ("the field 'Nome'
+// of its record 3 can't be read"), or empty. Deleted records always read.
+Texto ProblemaRegistro(const Estrutura& e, std::string_view bruto, int32_t numero);
+
+// ---- Repair -----------------------------------------------------------------
+
+struct Reparo {
+  std::vector<Texto> relato;     // what was mended or dropped, a line each
+  int32_t mantidos = 0;          // records in the mended file, deleted ones too
+  int32_t marcados = 0;          // of them, damaged ones that now stand deleted
+  std::filesystem::path copia;   // where the file as it was is kept
+};
+enum class ResultadoReparo { Sao, Reparado, Impossivel };
+
+// Mends a damaged file. Every record that reads whole keeps its place; one
+// that doesn't is marked deleted, so that the records behind it keep their
+// numbers (and AutoInc values); what lies behind the last whole record is
+// dropped; header slots that can't be read are rebuilt (the name from the
+// file's name, the size from the fields, the count from the records). The
+// field table comes from the header or, when that can't be read, from
+// `declarada`. The mended file is written beside the old one and renamed over
+// it, and the old one stays as FILE.damaged (FILE.damaged.2, ...). A sound
+// file is left alone. Nothing is done while a program holds the file's lock.
+ResultadoReparo ReparaArquivo(const std::filesystem::path& arquivo, const Estrutura* declarada, Reparo& r,
+                              Texto& problema);
 
 // ---- Order list -------------------------------------------------------------
 

@@ -1,6 +1,11 @@
 #include "environment/armazem_config.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
 #include <iterator>
 #include <system_error>
@@ -30,14 +35,48 @@ ArmazemConfig& Armazem() {
   return armazem;
 }
 
+// Why ZV.File can't be used, in the words of a run-time error.
+Texto FalhaArquivoConfig(const fs::path& caminho, int erro) {
+  const Texto nome = U(caminho.string());
+  switch (erro) {
+    case EISDIR: return u"Path/File access error: the settings file " + nome + u" is a folder";
+    case ENOENT:
+    case ENOTDIR: return u"Path not found: " + U(caminho.parent_path().string());
+    case EACCES:
+    case EPERM:
+    case EROFS: return u"Permission denied: " + nome;
+    default: return u"Path/File access error: the settings file " + nome + u" can't be read";
+  }
+}
+
 // Reads the whole file, creating it empty when there is none (the store's
-// files are made on first use). False when it can't be opened.
-bool LeArquivoInteiro(const fs::path& caminho, std::string& texto) {
-  { std::ofstream cria(caminho, std::ios::binary | std::ios::app); }
-  std::ifstream entrada(caminho, std::ios::binary);
-  if (!entrada) return false;
-  texto.assign(std::istreambuf_iterator<char>(entrada), std::istreambuf_iterator<char>());
-  return !entrada.bad();
+// files are made on first use). False, with the reason, when it can't be
+// read: a folder or anything else that isn't a plain file in its place (a
+// pipe would block the run for ever, so nothing waits on opening).
+bool LeArquivoInteiro(const fs::path& caminho, std::string& texto, Texto* falha) {
+  texto.clear();
+  int fd = ::open(caminho.c_str(), O_RDONLY | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0666);
+  if (fd < 0) {
+    if (falha) *falha = FalhaArquivoConfig(caminho, errno);
+    return false;
+  }
+  struct stat st {};
+  bool ok = ::fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
+  if (!ok && falha) *falha = FalhaArquivoConfig(caminho, S_ISDIR(st.st_mode) ? EISDIR : EINVAL);
+  char bloco[8192];
+  while (ok) {
+    ssize_t n = ::read(fd, bloco, sizeof bloco);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) {
+      ok = false;
+      if (falha) *falha = FalhaArquivoConfig(caminho, errno);
+    }
+    if (n <= 0) break;
+    texto.append(bloco, size_t(n));
+  }
+  ::close(fd);
+  if (!ok) texto.clear();
+  return ok;
 }
 
 std::string Complementa(TextoV texto) { return ComplementaTexto(ParaCp1252(texto)); }
@@ -125,19 +164,18 @@ bool EscreveArquivo(const fs::path& caminho, std::string_view texto, bool cortar
 
 }  // namespace
 
-Texto LeConfig(const fs::path& pasta, TextoV chave) {
+Texto LeConfig(const fs::path& pasta, TextoV chave, Texto* falha) {
   ArmazemConfig& armazem = Armazem();
   if (armazem.texto.empty() || armazem.pasta != pasta) {
     armazem.pasta = pasta;
-    armazem.texto.clear();
-    if (!LeArquivoInteiro(pasta / kArquivoConfig, armazem.texto)) armazem.texto.clear();
+    if (!LeArquivoInteiro(pasta / kArquivoConfig, armazem.texto, falha)) return {};
   }
   Entrada e = AchaEntrada(armazem.texto, Complementa(chave));
   if (!e.Achada()) return {};
   return DeCp1252(ComplementaTexto(ValorDaEntrada(armazem.texto, e)));
 }
 
-ResultadoConfig GravaConfig(const fs::path& pasta, TextoV chave, TextoV valor) {
+ResultadoConfig GravaConfig(const fs::path& pasta, TextoV chave, TextoV valor, Texto* falha) {
   std::string c = Complementa(chave), v = Complementa(valor);
   if (TemMarcador(c) || TemMarcador(v)) return ResultadoConfig::TemMarcador;
 
@@ -145,10 +183,7 @@ ResultadoConfig GravaConfig(const fs::path& pasta, TextoV chave, TextoV valor) {
   const fs::path caminho = pasta / kArquivoConfig;
   armazem.pasta = pasta;
   armazem.texto.clear();
-  if (!LeArquivoInteiro(caminho, armazem.texto)) {
-    armazem.texto.clear();
-    return ResultadoConfig::ErroArquivo;
-  }
+  if (!LeArquivoInteiro(caminho, armazem.texto, falha)) return ResultadoConfig::ErroArquivo;
 
   std::string novo = ComEntrada(armazem.texto, c, v);
   // The file keeps its old length when the new text is shorter.
@@ -158,7 +193,10 @@ ResultadoConfig GravaConfig(const fs::path& pasta, TextoV chave, TextoV valor) {
     if (novo.size() > kLimiteConfig) return ResultadoConfig::ArmazemCheio;
     cortar = true;
   }
-  if (!EscreveArquivo(caminho, novo, cortar)) return ResultadoConfig::ErroArquivo;
+  if (!EscreveArquivo(caminho, novo, cortar)) {
+    if (falha) *falha = FalhaArquivoConfig(caminho, errno);
+    return ResultadoConfig::ErroArquivo;
+  }
   armazem.texto = std::move(novo);
   return ResultadoConfig::Gravado;
 }

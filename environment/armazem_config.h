@@ -26,9 +26,10 @@ inline constexpr const char* kArquivoPreferencias = "Zarvolt8.inf";
 inline constexpr size_t kLimiteConfig = 32767;
 
 // The value of `chave`, or the empty text when it is absent or the file can't
-// be read. The file is read once and then served from memory; a missing file
-// is created empty.
-Texto LeConfig(const std::filesystem::path& pasta, TextoV chave);
+// be read (a folder in its place, say); then `falha`, when given, says why in
+// the words of a run-time error. The file is read once and then served from
+// memory; a missing file is created empty.
+Texto LeConfig(const std::filesystem::path& pasta, TextoV chave, Texto* falha = nullptr);
 
 enum class ResultadoConfig {
   Gravado,
@@ -49,7 +50,9 @@ enum class ResultadoConfig {
 // then written at its exact length. If even that is too long, nothing is
 // written, the file and every value stay as they were, and ArmazemCheio is
 // returned.
-ResultadoConfig GravaConfig(const std::filesystem::path& pasta, TextoV chave, TextoV valor);
+// On ErroArquivo, `falha` (when given) says what stood in the way.
+ResultadoConfig GravaConfig(const std::filesystem::path& pasta, TextoV chave, TextoV valor,
+                            Texto* falha = nullptr);
 
 // The message for a result other than Gravado.
 Texto DescreveResultadoConfig(ResultadoConfig resultado);

@@ -99,9 +99,11 @@ struct EntradaContainer {
 
 // One slot's 50 bytes.
 std::string MontaSlot(TextoV nome, int64_t tamanho, int64_t posicao);
-// The used slots up to the first free one. A slot whose numbers can't be
-// read, or whose data lies outside a file of `tamanhoArquivo` bytes, makes
-// the container damaged: FalhaHost.
+// The used slots up to the first free one. The container is damaged
+// (FalhaHost "The container is damaged: …") when a slot's numbers can't be
+// read, its data lies outside a file of `tamanhoArquivo` bytes or doesn't
+// start one byte behind the entry before, its name holds a control
+// character, or a slot behind the first free one is used.
 std::vector<EntradaContainer> LeDiretorio(std::string_view diretorio, int64_t tamanhoArquivo,
                                           const std::filesystem::path& container);
 

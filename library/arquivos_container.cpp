@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 
@@ -43,6 +44,14 @@ int64_t LeCampo(std::string_view campo) {
 }
 
 Texto NomeDoSlot(std::string_view slot) { return Apara(DeCp1252(slot.substr(0, kTamanhoNomeEntrada))); }
+
+// Names are texts a program gave: a control character in one is damage.
+bool NomeLegivel(std::string_view nome) {
+  return std::none_of(nome.begin(), nome.end(), [](char c) {
+    auto u = static_cast<unsigned char>(c);
+    return u < 0x20 || u == 0x7F;
+  });
+}
 
 // The entry of a used slot; false when its numbers are unreadable or its data
 // lies beyond the file's end.
@@ -84,13 +93,24 @@ std::vector<EntradaContainer> LeDiretorio(std::string_view diretorio, int64_t ta
                                           const fs::path& container) {
   if (static_cast<int64_t>(diretorio.size()) < kTamanhoDiretorio) throw FalhaHost(Danificado(container));
   std::vector<EntradaContainer> entradas;
-  for (int i = 0; i < kSlotsDiretorio; ++i) {
+  // Entries are only ever appended, each one byte behind the one before:
+  // a directory that doesn't read that way can't be trusted anywhere.
+  int64_t esperada = kPrimeiraPosicao;
+  int i = 0;
+  for (; i < kSlotsDiretorio; ++i) {
     std::string_view slot = diretorio.substr(static_cast<size_t>(i) * kTamanhoSlot, kTamanhoSlot);
     if (slot[0] == ' ') break;
     EntradaContainer e;
-    if (!LeEntrada(slot, tamanhoArquivo, e)) throw FalhaHost(Danificado(container));
+    if (!NomeLegivel(slot.substr(0, kTamanhoNomeEntrada)) || !LeEntrada(slot, tamanhoArquivo, e) ||
+        e.posicao != esperada)
+      throw FalhaHost(Danificado(container));
+    esperada = e.posicao + e.tamanho + 1;
     entradas.push_back(std::move(e));
   }
+  // Behind the first free slot every slot is free.
+  std::string_view resto = diretorio.substr(static_cast<size_t>(i) * kTamanhoSlot,
+                                            static_cast<size_t>(kTamanhoDiretorio) - static_cast<size_t>(i) * kTamanhoSlot);
+  if (resto.find_first_not_of(' ') != std::string_view::npos) throw FalhaHost(Danificado(container));
   return entradas;
 }
 
@@ -98,6 +118,10 @@ void InsereNoContainer(const fs::path& container, TextoV nome, std::string_view 
   // A name that is empty or starts with a blank would read as a free slot
   // and the next entry would be written over this one.
   if (nome.empty() || nome[0] == u' ') throw FalhaHost(msg::biblioteca::kNomeDeEntradaInvalido);
+  // The directory holds names as text; a control character would read as
+  // damage.
+  if (!NomeLegivel(ParaCp1252(nome.substr(0, kTamanhoNomeEntrada))))
+    throw FalhaHost(msg::biblioteca::kNomeComControle);
 
   Descritor antigo(::open(container.c_str(), O_RDONLY | O_CLOEXEC));
   if (antigo.fd < 0 && errno != ENOENT) FalhaArquivo(errno, container);
@@ -138,18 +162,16 @@ bool ExtraiDoContainer(const fs::path& container, TextoV nome, const fs::path& a
   if (tamanho < kTamanhoDiretorio) throw FalhaHost(Danificado(container));
   std::string diretorio = LeTrechoInteiro(arquivo.fd, 0, kTamanhoDiretorio, container);
 
-  // Every slot is looked at, and the first hit counts.
+  // The whole directory is read first: a damaged one says so, rather than
+  // that the entry isn't there. The first hit counts.
   Texto procurado = Maiusculas(nome);
   std::string dados;
   bool achou = false;
-  for (int i = 0; i < kSlotsDiretorio && !achou; ++i) {
-    std::string_view slot = std::string_view(diretorio).substr(static_cast<size_t>(i) * kTamanhoSlot, kTamanhoSlot);
-    Texto n = NomeDoSlot(slot);
-    if (n.empty() || Maiusculas(n) != procurado) continue;
-    EntradaContainer e;
-    if (!LeEntrada(slot, tamanho, e)) throw FalhaHost(Danificado(container));
+  for (const EntradaContainer& e : LeDiretorio(diretorio, tamanho, container)) {
+    if (Maiusculas(e.nome) != procurado) continue;
     dados = LeTrechoInteiro(arquivo.fd, e.posicao - 1, e.tamanho, container);
     achou = true;
+    break;
   }
   // Without the entry the target is still replaced, by an empty file.
   GravaArquivoSeguro(alvo, dados);

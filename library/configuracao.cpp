@@ -15,15 +15,19 @@ std::filesystem::path PastaConfig(const Interpretador& zv) { return std::filesys
 Valor GetString(Interpretador& zv, const Texto& argumentos) {
   auto a = zv.SeparaArgumentos(argumentos, kArgumentos);
   Texto chave = zv.ValorTexto(a[0]).ComoTexto();
-  return Valor::TextoComAspas(LeConfig(PastaConfig(zv), chave));
+  Texto falha;
+  Texto valor = LeConfig(PastaConfig(zv), chave, &falha);
+  if (!falha.empty()) throw FalhaHost(falha);
+  return Valor::TextoComAspas(valor);
 }
 
 Valor SaveString(Interpretador& zv, const Texto& argumentos) {
   auto a = zv.SeparaArgumentos(argumentos, kArgumentos);
   Texto chave = zv.ValorTexto(a[0]).ComoTexto();
   Texto valor = zv.ValorNumerico(a[1]).ComoTexto();
-  ResultadoConfig r = GravaConfig(PastaConfig(zv), chave, valor);
-  if (r != ResultadoConfig::Gravado) throw FalhaHost(DescreveResultadoConfig(r));
+  Texto falha;
+  ResultadoConfig r = GravaConfig(PastaConfig(zv), chave, valor, &falha);
+  if (r != ResultadoConfig::Gravado) throw FalhaHost(falha.empty() ? DescreveResultadoConfig(r) : falha);
   return Valor();
 }
 

@@ -27,6 +27,7 @@ inline constexpr char16_t kPastaNaoEncontrada[] = u"Path not found!";
 inline constexpr char16_t kContainerDanificado[] = u"The container is damaged: {}";
 inline constexpr char16_t kEntradaGrandeDemais[] = u"The entry is too large for the container";
 inline constexpr char16_t kNomeDeEntradaInvalido[] = u"An entry's name can't be empty or begin with a blank";
+inline constexpr char16_t kNomeComControle[] = u"An entry's name can't hold control characters";
 inline constexpr char16_t kContainerCheio[] = u"The container is full: it holds {} entries";
 // ExtractFile's box when the container has no such entry, in the system's
 // own Portuguese (sic).

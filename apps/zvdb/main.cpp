@@ -1,8 +1,11 @@
 // zvdb: looks into record files (.Zvf) without running a program, through
-// the same engine the language uses. It never writes to the file.
+// the same engine the language uses. Only `repair` writes, and then through
+// a new file and a rename, keeping the old one.
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -15,7 +18,7 @@ namespace {
 
 const char* kAjuda = R"AJUDA(Usage: zvdb COMMAND FILE.Zvf [options]
 
-Looks into a Zarvolt record file. The file is only read.
+Looks into a Zarvolt record file. Only repair writes to it.
 
 Commands:
   info FILE     the database's name, stamps, fields, record size, number of
@@ -27,11 +30,30 @@ Commands:
       --csv     comma-separated, with a header line; deleted records are left
                 out
   check FILE    reads the header and every record and reports what can't be
-                trusted
+                trusted, and bytes behind the last counted record
+      --declared DECL
+                also compares the header with a DB block: what differs is
+                reported and the exit status is 1
+  repair FILE   keeps every record that reads whole, in its place; a damaged
+                record stays as a deleted one, so the others keep their
+                numbers; drops what lies behind the last whole record and
+                rebuilds header values that can't be read. The mended file
+                replaces the old one through a new file and a rename; the old
+                one is kept as FILE.damaged. Tells what was dropped.
+      --declared DECL
+                the fields to use when the header's own can't be read
   --help        this text
 
+DECL is a DB block: either a file that holds one (a program, .zvc or text;
+the block named like FILE is taken, else the first), or its lines in one
+argument separated by ";", as in
+  --declared "DB Agenda, dados; Codigo, AutoInc; Nome, String, 30; EndDB"
+(the DB and EndDB lines may be left out). Arguments must be written out as
+literals: a variable's value can't be known here.
+
 Exit status: 0 when the file is sound (check) or the command ran, 1 when the
-file is damaged, 2 for a usage error or a file that can't be opened.
+file is damaged or differs from DECL, or can't be repaired, 2 for a usage
+error or a file that can't be opened.
 )AJUDA";
 
 int Uso(const std::string& msg) {
@@ -72,12 +94,17 @@ std::string NumeroJson(const Campo& c, const ValorCampo& v) {
   return Utf8(TextoValor(c, v));
 }
 
+void Sugere(const fs::path& p) {
+  std::printf("%s: 'zvdb repair %s' keeps every record that reads and tells what it drops\n", p.c_str(), p.c_str());
+}
+
 // Opens for reading; prints the reason and gives the exit status on failure.
 int Abre(ArquivoRegistros& a, const fs::path& p) {
   Texto problema;
   ArquivoRegistros::Abertura r;
   try {
-    r = a.Abre(p, nullptr, nullptr, true, problema);
+    // A file whose length is wrong is still looked into: what is there reads.
+    r = a.Abre(p, nullptr, nullptr, true, problema, true);
   } catch (const FalhaRegistros& f) {
     std::fprintf(stderr, "zvdb: %s\n", Utf8(f.descricao).c_str());
     return 2;
@@ -89,6 +116,7 @@ int Abre(ArquivoRegistros& a, const fs::path& p) {
       return 2;
     default:
       std::printf("%s: damaged: %s\n", p.c_str(), Utf8(problema).c_str());
+      Sugere(p);
       return 1;
   }
 }
@@ -97,6 +125,8 @@ int Abre(ArquivoRegistros& a, const fs::path& p) {
 // with the description of a record that can't be read.
 template <class Cada, class Dano>
 void PercorreRegistros(ArquivoRegistros& a, int32_t total, Cada cada, Dano dano) {
+  // A file cut short has said so at opening: the records it has are read.
+  if (!a.Dano().empty()) total = std::min(total, a.RegistrosNoComprimento());
   const size_t tam = size_t(a.estrutura().tamanhoRegistro);
   const int32_t porVez = int32_t(std::max<size_t>(1, (1 << 20) / tam));
   Registro r;
@@ -113,7 +143,7 @@ void PercorreRegistros(ArquivoRegistros& a, int32_t total, Cada cada, Dano dano)
           bool vivo = a.Decodifica(um, i, r);
           cada(i, r, vivo);
         } catch (const FalhaRegistros& g) {
-          dano(i, g.descricao);
+          dano(i, g.dano ? g.problema : g.descricao);
         }
       }
       continue;
@@ -124,10 +154,162 @@ void PercorreRegistros(ArquivoRegistros& a, int32_t total, Cada cada, Dano dano)
         bool vivo = a.Decodifica(reg, n + i, r);
         cada(n + i, r, vivo);
       } catch (const FalhaRegistros& g) {
-        dano(n + i, g.descricao);
+        dano(n + i, g.dano ? g.problema : g.descricao);
       }
     }
   }
+}
+
+// ---- Declarations ------------------------------------------------------------
+
+// What a DB block says: the name (empty when it wasn't given), the password
+// when it is a quoted literal, and the fields.
+struct Declarado {
+  Texto nome;
+  bool temSenha = false;
+  Texto senha;
+  Estrutura estrutura;
+};
+
+// A line's arguments split at commas outside double quotes, trimmed.
+std::vector<Texto> Argumentos(TextoV linha) {
+  std::vector<Texto> a(1);
+  bool aspas = false;
+  for (char16_t c : linha) {
+    if (c == u'"') aspas = !aspas;
+    if (c == u',' && !aspas) a.emplace_back();
+    else a.back() += c;
+  }
+  for (Texto& t : a) t = Apara(t);
+  return a;
+}
+
+// Whether bytes are well-formed UTF-8 (else they are taken as Windows-1252).
+bool TextoValido(std::string_view s) {
+  for (size_t i = 0; i < s.size();) {
+    auto c = static_cast<unsigned char>(s[i]);
+    size_t n = c < 0x80 ? 0 : (c >> 5) == 6 ? 1 : (c >> 4) == 14 ? 2 : (c >> 3) == 30 ? 3 : 9;
+    if (n == 9 || i + n >= s.size() + (n == 0)) return false;
+    for (size_t k = 1; k <= n; ++k)
+      if ((static_cast<unsigned char>(s[i + k]) >> 6) != 2) return false;
+    i += n + 1;
+  }
+  return true;
+}
+
+bool Literal(const Texto& t) { return t.size() >= 2 && t.front() == u'"' && t.back() == u'"'; }
+Texto SemAspas(const Texto& t) { return Literal(t) ? t.substr(1, t.size() - 2) : t; }
+
+// The lines of the block for `arquivo` in a text: the DB block named like the
+// file, else the first; a text with no DB line is the field lines alone.
+std::vector<Texto> LinhasDoBloco(const std::vector<Texto>& linhas, const fs::path& arquivo) {
+  const Texto alvo = Maiusculas(U(arquivo.stem().string()));
+  std::vector<Texto> primeiro, achado;
+  for (size_t i = 0; i < linhas.size(); ++i) {
+    Texto m = Maiusculas(Apara(linhas[i]));
+    if (!(ComecaCom(m, u"DB ") || m == u"DB")) continue;
+    std::vector<Texto> bloco;
+    for (size_t j = i; j < linhas.size(); ++j) {
+      Texto l = Apara(linhas[j]);
+      if (ComecaCom(Maiusculas(l), u"ENDDB")) break;
+      bloco.push_back(l);
+    }
+    Texto nome = Maiusculas(SemAspas(Argumentos(Apara(bloco[0]).substr(2))[0]));
+    if (nome == alvo) return bloco;
+    if (primeiro.empty()) primeiro = bloco;
+  }
+  if (!primeiro.empty()) return primeiro;
+  for (const Texto& l : linhas)
+    if (!Apara(l).empty() && !ComecaCom(Maiusculas(Apara(l)), u"ENDDB")) achado.push_back(Apara(l));
+  return achado;
+}
+
+// Reads DECL; false with the reason when it can't be used.
+bool LeDeclarado(const std::string& decl, const fs::path& arquivo, Declarado& d, std::string& erro) {
+  std::string texto = decl;
+  std::error_code ec;
+  if (fs::is_regular_file(decl, ec)) {
+    std::ifstream f(decl, std::ios::binary);
+    texto.assign(std::istreambuf_iterator<char>(f), {});
+  }
+  // Programs may be Windows-1252, as the environment writes them.
+  Texto t = TextoValido(texto) ? U(texto) : DeCp1252(texto);
+  std::vector<Texto> linhas(1);
+  for (char16_t c : t) {
+    if (c == u'\r') continue;
+    if (c == u'\n' || c == u';') linhas.emplace_back();
+    else linhas.back() += c;
+  }
+  for (const Texto& l : LinhasDoBloco(linhas, arquivo)) {
+    if (ComecaCom(Maiusculas(l), u"'") || ComecaCom(l, u"#")) continue;
+    if (ComecaCom(Maiusculas(l), u"DB ")) {
+      auto a = Argumentos(l.substr(3));
+      d.nome = SemAspas(a[0]);
+      if (a.size() > 2 && Literal(a[2])) {
+        d.temSenha = true;
+        d.senha = SemAspas(a[2]);
+      }
+      continue;
+    }
+    auto a = Argumentos(l);
+    TipoCampo tipo;
+    Texto palavra = a.size() > 1 ? SemAspas(a[1]) : Texto();
+    if (!LeTipoCampo(palavra, tipo)) {
+      erro = "the field line '" + Utf8(l) + "' has no type: String, AutoInc, Integer or Decimal";
+      return false;
+    }
+    int32_t comprimento = 0;
+    if (tipo == TipoCampo::String) {
+      std::string n = a.size() > 2 ? Utf8(a[2]) : "";
+      if (n.empty() || n.size() > 5 || n.find_first_not_of("0123456789") != std::string::npos) {
+        erro = "the String field in '" + Utf8(l) + "' needs its length written as a number";
+        return false;
+      }
+      comprimento = std::stoi(n);
+    }
+    d.estrutura.Acrescenta(SemAspas(a[0]), tipo, comprimento);
+  }
+  if (d.estrutura.campos.empty()) {
+    erro = "the declaration holds no field lines";
+    return false;
+  }
+  d.estrutura.descritor = d.nome.empty() ? U(arquivo.stem().string()) : d.nome;
+  return true;
+}
+
+Texto DescreveCampo(const Campo& c) {
+  Texto t = c.nome + u", " + PalavraTipo(c.tipo);
+  if (c.tipo == TipoCampo::String) t += u", " + InteiroParaTexto(c.comprimento);
+  return t;
+}
+
+// What differs between the header and the declaration, a line each.
+std::vector<std::string> Diferencas(const Cabecalho& c, const Declarado& d) {
+  std::vector<std::string> r;
+  const Estrutura& h = c.estrutura;
+  const Estrutura& e = d.estrutura;
+  if (!d.nome.empty() && Maiusculas(d.nome) != Maiusculas(h.descritor))
+    r.push_back("the header names the database '" + Utf8(h.descritor) + "', the DB block '" + Utf8(d.nome) + "'");
+  if (d.temSenha && d.senha != c.senha) r.push_back("the header's password is not the DB block's");
+  size_t n = std::max(h.campos.size(), e.campos.size());
+  for (size_t i = 0; i < n; ++i) {
+    std::string q = "field " + std::to_string(i + 1) + ": ";
+    if (i >= h.campos.size())
+      r.push_back(q + "the header has none, the DB block declares '" + Utf8(DescreveCampo(e.campos[i])) + "'");
+    else if (i >= e.campos.size())
+      r.push_back(q + "the header has '" + Utf8(DescreveCampo(h.campos[i])) + "', the DB block declares none");
+    else if (Maiusculas(DescreveCampo(h.campos[i])) != Maiusculas(DescreveCampo(e.campos[i])))
+      r.push_back(q + "the header has '" + Utf8(DescreveCampo(h.campos[i])) + "', the DB block declares '" +
+                  Utf8(DescreveCampo(e.campos[i])) + "'");
+  }
+  if (h.tamanhoRegistro != e.tamanhoRegistro)
+    r.push_back("the header's record size is " + std::to_string(h.tamanhoRegistro) +
+                " bytes, the DB block's fields make " + std::to_string(e.tamanhoRegistro) +
+                ": the DB block refuses the file");
+  else if (!r.empty() && h.campos.size() + e.campos.size() > 0)
+    r.push_back("the record sizes agree (" + std::to_string(h.tamanhoRegistro) +
+                " bytes): the DB block takes the file and reads its bytes through its own fields");
+  return r;
 }
 
 int Info(const fs::path& p) {
@@ -154,6 +336,7 @@ int Info(const fs::path& p) {
   std::printf("Records:       %d (%d deleted", total, apagados);
   if (danificados) std::printf(", %d damaged", danificados);
   std::printf(")\n");
+  if (!a.Dano().empty()) std::printf("Damaged:       %s\n", Utf8(a.Dano()).c_str());
   std::printf("Fields:        %zu\n", e.campos.size());
   std::printf("  %-4s %-20s %-8s %7s %9s %6s\n", "#", "Name", "Type", "Length", "Position", "Width");
   for (size_t i = 0; i < e.campos.size(); ++i) {
@@ -161,7 +344,7 @@ int Info(const fs::path& p) {
     std::printf("  %-4zu %-20s %-8s %7d %9d %6d\n", i + 1, Utf8(f.nome).c_str(), Utf8(PalavraTipo(f.tipo)).c_str(),
                 f.comprimento, f.posicao, f.largura);
   }
-  return danificados ? 1 : 0;
+  return danificados || !a.Dano().empty() ? 1 : 0;
 }
 
 enum class Formato { Texto, Json, Csv };
@@ -171,7 +354,8 @@ int Dump(const fs::path& p, Formato formato) {
   if (int r = Abre(a, p)) return r;
   const Estrutura& e = a.estrutura();
   int32_t total = a.Total();
-  bool dano = false;
+  bool dano = !a.Dano().empty();
+  if (dano) std::fprintf(stderr, "zvdb: %s\n", Utf8(MensagemDano(U(p.string()), a.Dano())).c_str());
   if (formato != Formato::Json) {
     std::string h = formato == Formato::Csv ? "record" : "#";
     for (const Campo& c : e.campos) h += (formato == Formato::Csv ? "," + Csv(c.nome) : "\t" + Utf8(c.nome));
@@ -211,19 +395,28 @@ int Dump(const fs::path& p, Formato formato) {
   return dano ? 1 : 0;
 }
 
-int Check(const fs::path& p) {
+int Check(const fs::path& p, const Declarado* declarado) {
   ArquivoRegistros a;
   if (int r = Abre(a, p)) return r;
   const Estrutura& e = a.estrutura();
   int32_t total = a.Total(), apagados = 0;
   std::vector<std::string> danos, notas;
+  if (!a.Dano().empty()) danos.push_back(Utf8(a.Dano()));
   PercorreRegistros(
       a, total, [&](int32_t, const Registro&, bool vivo) { apagados += !vivo; },
       [&](int32_t, const Texto& d) { danos.push_back(Utf8(d)); });
-  int64_t usado = kInicioRegistros + int64_t(total) * e.tamanhoRegistro;
+  int64_t usado = total == 0 ? kTamanhoCabecalho : kInicioRegistros + int64_t(total) * e.tamanhoRegistro;
   int64_t comprimento = a.Comprimento();
-  if (total > 0 && comprimento > usado)
-    notas.push_back(std::to_string(comprimento - usado) + " bytes lie behind the last counted record");
+  if (comprimento > usado && (comprimento - usado) % e.tamanhoRegistro == 0)
+    notas.push_back(std::to_string(comprimento - usado) + " bytes (" +
+                    std::to_string((comprimento - usado) / e.tamanhoRegistro) +
+                    " whole records) lie behind the last counted record; the next AddRecord writes over them");
+  const Cabecalho& c = a.CabecalhoLido();
+  if (Maiusculas(c.estrutura.descritor) != Maiusculas(U(p.stem().string())))
+    notas.push_back("the header names the database '" + Utf8(c.estrutura.descritor) +
+                    "', but the file is named " + p.filename().string());
+  std::vector<std::string> diferencas;
+  if (declarado) diferencas = Diferencas(c, *declarado);
   if (a.CabecalhoLido().trava == kOcupado && !a.TravaComOutro())
     notas.push_back("the lock byte is busy, left by a program that stopped; it is cleared at the next use");
   std::error_code ec;
@@ -232,9 +425,31 @@ int Check(const fs::path& p) {
                     "CompactDB refuses to run until it is removed");
   for (const auto& n : notas) std::printf("%s: note: %s\n", p.c_str(), n.c_str());
   for (const auto& d : danos) std::printf("%s: damaged: %s\n", p.c_str(), d.c_str());
-  if (!danos.empty()) return 1;
+  if (!danos.empty()) Sugere(p);
+  for (const auto& d : diferencas) std::printf("%s: differs: %s\n", p.c_str(), d.c_str());
+  if (!danos.empty() || !diferencas.empty()) return 1;
   std::printf("%s: sound (%d records, %d deleted)\n", p.c_str(), total, apagados);
   return 0;
+}
+
+int Repair(const fs::path& p, const Declarado* declarado) {
+  Reparo r;
+  Texto problema;
+  ResultadoReparo res = ReparaArquivo(p, declarado ? &declarado->estrutura : nullptr, r, problema);
+  for (const Texto& l : r.relato) std::printf("%s: %s\n", p.c_str(), Utf8(l).c_str());
+  switch (res) {
+    case ResultadoReparo::Sao:
+      std::printf("%s: sound; nothing to repair\n", p.c_str());
+      return 0;
+    case ResultadoReparo::Reparado:
+      std::printf("%s: repaired: %d records kept", p.c_str(), r.mantidos);
+      if (r.marcados) std::printf(", %d of them damaged and now deleted", r.marcados);
+      std::printf("; the file as it was is kept as %s\n", r.copia.c_str());
+      return 0;
+    case ResultadoReparo::Impossivel: break;
+  }
+  std::printf("%s: can't be repaired: %s\n", p.c_str(), Utf8(problema).c_str());
+  return 1;
 }
 
 }  // namespace
@@ -250,15 +465,24 @@ int main(int argc, char** argv) {
   const std::string& cmd = args[0];
   fs::path arquivo = args[1];
   Formato formato = Formato::Texto;
+  Declarado declarado;
+  bool comDeclarado = false;
   for (size_t i = 2; i < args.size(); ++i) {
     if (cmd == "dump" && args[i] == "--json") formato = Formato::Json;
     else if (cmd == "dump" && args[i] == "--csv") formato = Formato::Csv;
-    else return Uso("unknown option '" + args[i] + "'");
+    else if ((cmd == "check" || cmd == "repair") && args[i] == "--declared" && i + 1 < args.size()) {
+      std::string erro;
+      if (!LeDeclarado(args[++i], arquivo, declarado, erro)) return Uso("--declared: " + erro);
+      comDeclarado = true;
+    } else {
+      return Uso("unknown option '" + args[i] + "'");
+    }
   }
   try {
     if (cmd == "info") return Info(arquivo);
     if (cmd == "dump") return Dump(arquivo, formato);
-    if (cmd == "check") return Check(arquivo);
+    if (cmd == "check") return Check(arquivo, comDeclarado ? &declarado : nullptr);
+    if (cmd == "repair") return Repair(arquivo, comDeclarado ? &declarado : nullptr);
   } catch (const FalhaRegistros& f) {
     std::printf("%s: damaged: %s\n", arquivo.c_str(), Utf8(f.descricao).c_str());
     return 1;

@@ -327,6 +327,196 @@ TEST_F(Danificado, UnreadableRecordField) {
   EXPECT_THROW(b.a.LeBruto(1), FalhaRegistros);
 }
 
+// ---- Damaged variants ---------------------------------------------------------
+
+// Bytes from hex text: "00 ff 7f".
+std::string Hex(const char* hex) {
+  std::string b;
+  for (const char* p = hex; *p;) {
+    if (*p == ' ') {
+      ++p;
+      continue;
+    }
+    b += static_cast<char>(std::stoi(std::string(p, 2), nullptr, 16));
+    p += 2;
+  }
+  return b;
+}
+
+// A sound file of four records (57 bytes each from offset 19999: Codigo at
+// +0, Nome at +9, Saldo at +44), then one variant's damage: hex bytes at an
+// offset, or a new length.
+struct Variante {
+  const char* nome;
+  int64_t posicao;        // where the bytes go, or -1
+  const char* hex;
+  int64_t comprimento;    // the file's new length, or -1
+  const char* problema;   // what the DB block says
+  bool abre;              // OpenDB still opens it: only a record is damaged
+  int32_t mantidos, marcados;  // what a repair keeps, and of them now deleted
+};
+
+constexpr int64_t kR2 = 19999 + 2 * 57;
+const Variante kVariantes[] = {
+    {"truncated", -1, "", 20050, "its count says 4 records, but the file holds only 0", false, 0, 0},
+    {"cut mid-record", -1, "", kR2 + 30, "its count says 4 records, but the file holds only 2", false, 2, 0},
+    {"last byte dropped", -1, "", 19999 + 4 * 57 - 1, "the file holds only 3", false, 3, 0},
+    {"trailing bytes", 19999 + 4 * 57, "41 42 43", -1, "3 bytes behind its last record", false, 4, 0},
+    {"field length 0", kR2 + 9, "00 00 00 00", -1, "the field 'Nome' of its record 2 can't be read", true, 4, 1},
+    {"field length huge", kR2 + 9, "ff ff ff 7f", -1, "the field 'Nome' of its record 2", true, 4, 1},
+    {"field length past its slot", kR2 + 9, "20 00 00 00", -1, "the field 'Nome' of its record 2", true, 4, 1},
+    {"bad key byte", kR2 + 13, "f5", -1, "the field 'Nome' of its record 2", true, 4, 1},
+    {"integer too short", kR2, "02 00 00 00", -1, "the field 'Codigo' of its record 2", true, 4, 1},
+    {"decimal too short", kR2 + 44, "05 00 00 00", -1, "the field 'Saldo' of its record 2", true, 4, 1},
+    {"blanks over a length", kR2 + 44, "20 20 20 20", -1, "the field 'Saldo' of its record 2", true, 4, 1},
+    {"zeroed record", kR2, "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00", -1, "the field 'Codigo' of its record 2",
+     true, 4, 1},
+    {"garbled lock byte", 0, "00", -1, "its lock byte", false, 4, 0},
+    {"garbled count", 1, "7a 7a 7a 7a", -1, "its record count can't be read", false, 4, 0},
+    {"garbled name", 12, "ff", -1, "its database name can't be read", false, 4, 0},
+    {"garbled record size", 37, "ff ff ff 7f", -1, "its record size can't be read", false, 4, 0},
+    {"garbled password", 109, "00 00 00 00", -1, "its password can't be read", false, 4, 0},
+    {"garbled field type", 1035 + 48, "09 00 00 00", -1, "the type of its field 'Nome' can't be read", false, 4, 0},
+};
+
+class Variantes : public ::testing::TestWithParam<Variante> {
+ protected:
+  void SetUp() override {
+    for (const char16_t* n : {u"Ana", u"Bia", u"Caio", u"Davi"}) b.Adiciona(n, 1.5);
+    b.a.Fecha();
+    const Variante& v = GetParam();
+    if (v.posicao >= 0) b.Escreve(v.posicao, Hex(v.hex));
+    if (v.comprimento >= 0) fs::resize_file(b.arquivo, uintmax_t(v.comprimento));
+    antes = b.Bytes();
+  }
+  // Runs what may write, expecting it refused, and the bytes kept.
+  template <class F>
+  void Recusa(const char* o_que, F f) {
+    try {
+      f();
+      ADD_FAILURE() << o_que << " wrote";
+    } catch (const FalhaRegistros& falha) {
+      EXPECT_TRUE(falha.dano) << o_que << ": " << falha.what();
+    }
+    EXPECT_EQ(b.Bytes(), antes) << o_que << " changed the file";
+  }
+  Base b;
+  std::string antes;
+};
+
+TEST_P(Variantes, AreToldAndKeepTheirBytesThenRepairKeepsWhatReads) {
+  const Variante& v = GetParam();
+  Texto problema;
+  EXPECT_EQ(ArquivoRegistros::Declara(b.arquivo, b.e, u"Senha", u"x", problema),
+            ArquivoRegistros::Declaracao::Danificada);
+  EXPECT_NE(Utf8(problema).find(v.problema), std::string::npos) << Utf8(problema);
+  EXPECT_EQ(b.Bytes(), antes);
+
+  ArquivoRegistros a;
+  problema.clear();
+  auto r = a.Abre(b.arquivo, &b.e, nullptr, false, problema);
+  if (!v.abre) {
+    EXPECT_EQ(r, ArquivoRegistros::Abertura::Danificada);
+    EXPECT_NE(Utf8(problema).find(v.problema), std::string::npos) << Utf8(problema);
+  } else {
+    ASSERT_EQ(r, ArquivoRegistros::Abertura::Aberta);
+    // Each write checks what it touches, with nothing found before.
+    Recusa("UpdateRecord of the damaged record", [&] { a.Grava(2, a.Monta(Pessoa(u"Novo"), 2, nullptr)); });
+    Recusa("CompactDB", [&] {
+      fs::path t;
+      int32_t n;
+      a.Compacta(t, n);
+    });
+    EXPECT_FALSE(fs::exists(b.arquivo.parent_path() / "Temp.Zvf"));
+    // Found once, every write of the file is refused.
+    a.Abre(b.arquivo, &b.e, nullptr, false, problema);
+    Registro valores;
+    EXPECT_THROW(a.Decodifica(a.LeBruto(2), 2, valores), FalhaRegistros);
+    EXPECT_EQ(Utf8(a.Dano()).find(v.problema) != std::string::npos, true) << Utf8(a.Dano());
+    Recusa("AddRecord", [&] { a.Adiciona(a.Monta(Pessoa(u"Novo"), -1, nullptr)); });
+    Recusa("UpdateRecord of a sound record", [&] { a.Grava(0, a.Monta(Pessoa(u"Novo"), 0, nullptr)); });
+    Recusa("DeleteRecord", [&] { a.Grava(1, a.RegistroApagado()); });
+    EXPECT_TRUE(a.Decodifica(a.LeBruto(3), 3, valores));
+    EXPECT_EQ(valores[1].texto, u"Davi");
+    a.Fecha();
+  }
+
+  Reparo rep;
+  ASSERT_EQ(ReparaArquivo(b.arquivo, &b.e, rep, problema), ResultadoReparo::Reparado) << Utf8(problema);
+  EXPECT_EQ(LeTudo(rep.copia), antes);
+  EXPECT_FALSE(rep.relato.empty());
+  EXPECT_EQ(rep.mantidos, v.mantidos);
+  EXPECT_EQ(rep.marcados, v.marcados);
+  ASSERT_EQ(a.Abre(b.arquivo, &b.e, nullptr, true, problema), ArquivoRegistros::Abertura::Aberta) << Utf8(problema);
+  EXPECT_EQ(a.Total(), v.mantidos);
+  EXPECT_EQ(a.ProcuraDano(a.Total()), u"");
+  const char16_t* nomes[] = {u"Ana", u"Bia", u"Caio", u"Davi"};
+  for (int32_t n = 0; n < v.mantidos; ++n) {
+    Registro valores;
+    bool vivo = a.Decodifica(a.LeBruto(n), n, valores);
+    EXPECT_EQ(vivo, !(v.marcados && n == 2)) << n;
+    if (vivo) {
+      EXPECT_EQ(valores[1].texto, nomes[n]);
+      EXPECT_EQ(valores[0].inteiro, n);
+    }
+  }
+  // A sound file is left alone.
+  a.Fecha();
+  std::string mendado = b.Bytes();
+  EXPECT_EQ(ReparaArquivo(b.arquivo, nullptr, rep, problema), ResultadoReparo::Sao);
+  EXPECT_EQ(b.Bytes(), mendado);
+}
+
+INSTANTIATE_TEST_SUITE_P(Danificados, Variantes, ::testing::ValuesIn(kVariantes),
+                         [](const ::testing::TestParamInfo<Variante>& i) {
+                           std::string n;
+                           for (const char* p = i.param.nome; *p; ++p) n += std::isalnum(*p) ? *p : '_';
+                           return n;
+                         });
+
+TEST(Reparo, AHeaderWithoutItsFieldTableNeedsTheDeclaration) {
+  Base b;
+  b.Adiciona(u"Ana");
+  b.a.Fecha();
+  b.Escreve(999, Hex("00 00 00 00"));
+  std::string antes = b.Bytes();
+  Reparo r;
+  Texto problema;
+  EXPECT_EQ(ReparaArquivo(b.arquivo, nullptr, r, problema), ResultadoReparo::Impossivel);
+  EXPECT_NE(Utf8(problema).find("--declared"), std::string::npos);
+  EXPECT_EQ(b.Bytes(), antes);
+  EXPECT_EQ(ReparaArquivo(b.arquivo, &b.e, r, problema), ResultadoReparo::Reparado);
+  ArquivoRegistros a;
+  ASSERT_EQ(a.Abre(b.arquivo, &b.e, nullptr, true, problema), ArquivoRegistros::Abertura::Aberta) << Utf8(problema);
+  Registro v;
+  EXPECT_TRUE(a.Decodifica(a.LeBruto(0), 0, v));
+  EXPECT_EQ(v[1].texto, u"Ana");
+  // The password slot was sound and is kept.
+  EXPECT_EQ(a.CabecalhoLido().senha, u"Senha");
+}
+
+TEST(Reparo, ARunningProgramsLockStopsIt) {
+  Base b;
+  b.Adiciona(u"Ana");
+  b.a.Fecha();
+  b.Escreve(19999 + 9, Hex("00 00 00 00"));
+  std::string antes = b.Bytes();
+  // The lock a program holds while it changes the count.
+  int fd = ::open(b.arquivo.c_str(), O_RDWR);
+  struct flock fl {};
+  fl.l_type = F_WRLCK;
+  fl.l_whence = SEEK_SET;
+  fl.l_len = kTamanhoTrava;
+  ASSERT_EQ(::fcntl(fd, F_OFD_SETLK, &fl), 0);
+  Reparo r;
+  Texto problema;
+  EXPECT_EQ(ReparaArquivo(b.arquivo, nullptr, r, problema), ResultadoReparo::Impossivel);
+  EXPECT_NE(Utf8(problema).find("running program"), std::string::npos) << Utf8(problema);
+  EXPECT_EQ(b.Bytes(), antes);
+  ::close(fd);
+  EXPECT_EQ(ReparaArquivo(b.arquivo, nullptr, r, problema), ResultadoReparo::Reparado) << Utf8(problema);
+}
+
 // ---- Compaction -------------------------------------------------------------
 
 TEST(Compactacao, RemovesDeletedRecordsAndRenumbersAFirstAutoInc) {

@@ -68,6 +68,40 @@ status=0
 [ "$(wc -l < mexido.txt)" -eq 3 ] || falha "dump: $(cat mexido.txt)"
 cmp -s dados/Mexido.Zvf antes.Zvf || falha "zvdb changed the file"
 
+# The header against the DB block that declares it.
+"$ZVDB" check $f --declared cria.zvc > decl.out || falha "check against its own block: $(cat decl.out)"
+status=0
+"$ZVDB" check $f --declared "DB Agenda, dados, \"pw\"; Codigo, AutoInc; Nome, String, 25; Saldo, Decimal" \
+  > decl.out || status=$?
+[ $status -eq 1 ] || falha "check against another block exited with $status"
+grep -q "differs: field 2: the header has 'Nome, String, 20', the DB block declares 'Nome, String, 25'" decl.out ||
+  falha "check: $(cat decl.out)"
+grep -q "differs: the header's record size is 47 bytes, the DB block's fields make 52" decl.out ||
+  falha "check: $(cat decl.out)"
+status=0
+"$ZVDB" check $f --declared "Codigo, Auto" > decl.out 2>&1 || status=$?
+[ $status -eq 2 ] || falha "a declaration without a type exited with $status"
+
+# A whole record behind the count (UpdateRecord at the count leaves one) is
+# told, not damage; repair leaves such a file alone.
+cp $f dados/Atras.Zvf
+dd if=$f bs=1 skip=19999 count=47 2>/dev/null >> dados/Atras.Zvf
+"$ZVDB" check dados/Atras.Zvf > atras.out || falha "check of a record behind the count: $(cat atras.out)"
+grep -q "47 bytes (1 whole records) lie behind the last counted record" atras.out || falha "check: $(cat atras.out)"
+"$ZVDB" repair dados/Atras.Zvf > atras.out || falha "repair: $(cat atras.out)"
+grep -q "sound; nothing to repair" atras.out || falha "repair: $(cat atras.out)"
+
+# Repair of the overwritten record: it stands deleted, the others keep
+# their numbers, and the damaged file is kept beside.
+"$ZVDB" repair dados/Mexido.Zvf > repair.out || falha "repair exited with $?"
+grep -q "the field 'Nome' of its record 1 can't be read: its values are dropped and it stands as deleted" repair.out ||
+  falha "repair: $(cat repair.out)"
+cmp -s dados/Mexido.Zvf.damaged antes.Zvf || falha "the damaged file wasn't kept"
+"$ZVDB" check dados/Mexido.Zvf > check.out || falha "check after repair: $(cat check.out)"
+"$ZVDB" dump dados/Mexido.Zvf --json > repaired.json
+[ "$(sed -n 1p repaired.json)" = '{"record":0,"deleted":false,"fields":{"Codigo":0,"Nome":"Ana, Lu","Saldo":1.5}}' ] &&
+  [ "$(sed -n 2p repaired.json)" = '{"record":1,"deleted":true}' ] || falha "dump after repair: $(cat repaired.json)"
+
 status=0
 "$ZVDB" info dados/Nada.Zvf 2> nada.err || status=$?
 [ $status -eq 2 ] || falha "info of a missing file exited with $status"

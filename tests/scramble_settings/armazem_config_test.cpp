@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -161,6 +162,32 @@ TEST_F(ZVFile, NoFolderIsAFileError) {
   EXPECT_EQ(LeConfig(nenhuma, u"K"), u"");
   EXPECT_EQ(GravaConfig(nenhuma, u"K", u"v"), ResultadoConfig::ErroArquivo);
   EXPECT_FALSE(DescreveResultadoConfig(ResultadoConfig::ErroArquivo).empty());
+}
+
+TEST_F(ZVFile, SomethingElseInItsPlaceIsToldAndNeverWaitedOn) {
+  Texto falha;
+  fs::create_directory(pasta / kArquivoConfig);
+  EXPECT_EQ(LeConfig(pasta, u"K", &falha), u"");
+  EXPECT_EQ(falha, u"Path/File access error: the settings file " + U((pasta / kArquivoConfig).string()) +
+                       u" is a folder");
+  falha.clear();
+  EXPECT_EQ(GravaConfig(pasta, u"K", u"v", &falha), ResultadoConfig::ErroArquivo);
+  EXPECT_NE(falha.find(u"is a folder"), Texto::npos);
+  EXPECT_TRUE(fs::is_directory(pasta / kArquivoConfig));
+  fs::remove(pasta / kArquivoConfig);
+
+  // A pipe with nobody writing would block a plain open for ever.
+  ASSERT_EQ(::mkfifo((pasta / kArquivoConfig).c_str(), 0600), 0);
+  falha.clear();
+  EXPECT_EQ(LeConfig(pasta, u"K", &falha), u"");
+  EXPECT_NE(falha.find(u"can't be read"), Texto::npos);
+  EXPECT_EQ(GravaConfig(pasta, u"K", u"v"), ResultadoConfig::ErroArquivo);
+  fs::remove(pasta / kArquivoConfig);
+
+  Grava(u"K", u"v");
+  falha.clear();
+  EXPECT_EQ(LeConfig(pasta, u"K", &falha), u"v");
+  EXPECT_EQ(falha, u"");
 }
 
 TEST_F(ZVFile, FullStoreRefusesAndKeepsEverything) {
