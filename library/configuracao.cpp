@@ -1,7 +1,7 @@
 // GetString and SaveString: a program's own small settings, kept in the
 // ZV.File that the environment uses too.
 #include "core/interpretador.h"
-#include "environment/armazem_config.h"
+#include "environment/settings/armazem_config.h"
 #include "library/biblioteca.h"
 
 namespace zv {

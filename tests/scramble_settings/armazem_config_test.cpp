@@ -7,7 +7,7 @@
 #include <iterator>
 #include <string>
 
-#include "environment/armazem_config.h"
+#include "environment/settings/armazem_config.h"
 
 namespace zv {
 namespace {

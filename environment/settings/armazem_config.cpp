@@ -1,4 +1,4 @@
-#include "environment/armazem_config.h"
+#include "environment/settings/armazem_config.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "data/embaralhamento.h"
-#include "environment/mensagens.h"
+#include "environment/settings/mensagens.h"
 
 namespace zv {
 
