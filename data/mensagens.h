@@ -70,6 +70,11 @@ inline constexpr char16_t kOutroCompacta[] =
 // ---- The file ---------------------------------------------------------------
 
 inline constexpr char16_t kArquivoDanificado[] = u"The database file {} is damaged: {}";
+// A write refused because the file was found damaged before.
+inline constexpr char16_t kEscritaRecusada[] = u"The database file {} is damaged: {}. Nothing was written to it.";
+// The file's path in front; nothing waits on what isn't a plain file.
+inline constexpr char16_t kPastaNoLugar[] = u"{} is a folder, not a database file";
+inline constexpr char16_t kNaoEArquivoComum[] = u"{} is not a plain file, not a database file";
 inline constexpr char16_t kArquivoCheio[] = u"The database file {} is full: it holds {} records, the most a file can";
 inline constexpr char16_t kArquivoFechado[] = u"the database file is not open";
 inline constexpr char16_t kFechadoNaEspera[] = u"the database file was closed while waiting for its lock";
@@ -98,6 +103,8 @@ inline constexpr char16_t kComprimentoErrado[] = u"its field '{}' has a length t
 inline constexpr char16_t kNenhumCampo[] = u"it has no fields";
 inline constexpr char16_t kSomaDiferente[] = u"its fields add up to {} bytes, but its record size says {}";
 inline constexpr char16_t kContagemAlemDoFim[] = u"its count says {} records, but the file holds only {}";
+// The bytes behind the last record, then the record size.
+inline constexpr char16_t kSobraNoFim[] = u"{} bytes behind its last record don't make whole records of {} bytes";
 inline constexpr char16_t kRegistroAlemDoFim[] = u"its record {} lies beyond the end of the file";
 inline constexpr char16_t kCampoIlegivel[] = u"the field '{}' of its record {} can't be read";
 
@@ -113,5 +120,32 @@ inline constexpr char kNaoAbreNemCria[] = "Can't open or create";
 inline constexpr char kNaoCria[] = "Can't create";
 inline constexpr char kNaoTrava[] = "Can't lock";
 inline constexpr char kNaoSubstitui[] = "Can't put in place of the database";
+// Repair's own: the file it writes, the copy it keeps, the file it replaces.
+inline constexpr char kNaoGrava[] = "Can't write";
+inline constexpr char kNaoGuardaCopia[] = "Can't keep the file as it was in";
+inline constexpr char kNaoPoeReparado[] = "Can't put the mended file in place of";
+
+// ---- Repair -----------------------------------------------------------------
+
+// Why a file can't be mended (zvdb repair prints it behind the file's name).
+inline constexpr char16_t kNaoExiste[] = u"there is no such file";
+inline constexpr char16_t kEmUso[] = u"a running program is using it; try again when it has stopped";
+inline constexpr char16_t kIlegivel[] = u"it can't be read";
+inline constexpr char16_t kTabelaSemDeclaracao[] =
+    u"its field table can't be read; give the DB block's fields (--declared) to rebuild it";
+// The problem with the fields, behind it.
+inline constexpr char16_t kCamposInusaveis[] = u"its fields can't be used: {}";
+
+// What a repair did, one finding a line.
+inline constexpr char16_t kTabelaRefeita[] = u"its field table can't be read: it is rebuilt from the declared fields";
+inline constexpr char16_t kNomeDoArquivo[] = u"its database name is taken from the file's name: {}";
+inline constexpr char16_t kSenhaDescartada[] = u"its password can't be read: the mended file has none";
+// The first and the last record dropped.
+inline constexpr char16_t kRegistrosCortados[] = u"records {} to {} are dropped: the file ends before them";
+inline constexpr char16_t kContagemPeloComprimento[] = u"its count is taken from its length: {} records";
+inline constexpr char16_t kSobraDescartada[] = u"{} bytes behind the last record are dropped";
+// What is wrong with the record (kCampoIlegivel) in front.
+inline constexpr char16_t kRegistroDescartado[] = u"{}: the record is dropped";
+inline constexpr char16_t kRegistroMarcado[] = u"{}: its values are dropped and it stands as deleted";
 
 }  // namespace zv::msg::dados

@@ -182,30 +182,30 @@ void LeCabecalhoParcial(std::string_view bytes, CabecalhoParcial& h) {
   Cabecalho& c = h.c;
   auto falha = [&h](Texto p) { h.problemas.push_back(std::move(p)); };
   if (bytes.size() < size_t(kTamanhoCabecalho)) {
-    falha(u"it is shorter than its header (" + InteiroParaTexto(int64_t(bytes.size())) + u" of " +
-          InteiroParaTexto(kTamanhoCabecalho) + u" bytes)");
+    falha(msg::Formata(msg::dados::kCurtoDemaisBytes, InteiroParaTexto(int64_t(bytes.size())),
+                       InteiroParaTexto(kTamanhoCabecalho)));
     return;
   }
   c.trava = bytes[0];
-  if (c.trava != kLivre && c.trava != kOcupado) falha(u"its lock byte is neither \"0\" nor \"1\"");
+  if (c.trava != kLivre && c.trava != kOcupado) falha(msg::dados::kTravaInvalida);
   std::string t;
   h.total = LeContagem(bytes, c.total);
-  if (!h.total) falha(u"its record count can't be read");
+  if (!h.total) falha(msg::dados::kContagemIlegivel);
   h.descritor = LeFatia(bytes, kDescritor, t);
   if (h.descritor) c.estrutura.descritor = DeCp1252(t);
-  else falha(u"its database name can't be read");
+  else falha(msg::dados::kNomeIlegivel);
   h.tamanho = LeFatia(bytes, kTamanho, t) && SoDigitos(t, 5) && std::stoi(t) != 0 && std::stoi(t) <= kMaxTamanhoRegistro;
   if (h.tamanho) h.tamanhoDeclarado = std::stoi(t);
-  else falha(u"its record size can't be read");
+  else falha(msg::dados::kTamanhoIlegivel);
   h.criacao = LeFatia(bytes, kCriacao, t);
   if (h.criacao) c.criacao = DeCp1252(t);
-  else falha(u"its creation stamp can't be read");
+  else falha(msg::dados::kCriacaoIlegivel);
   h.declaracao = LeFatia(bytes, kDeclaracao, t);
   if (h.declaracao) c.declaracao = DeCp1252(t);
-  else falha(u"its declaration stamp can't be read");
+  else falha(msg::dados::kDeclaracaoIlegivel);
   h.senha = LeFatia(bytes, kSenha, t);
   if (h.senha) c.senha = DeCp1252(t);
-  else falha(u"its password can't be read");
+  else falha(msg::dados::kSenhaIlegivel);
   // The field table is taken whole or not at all.
   Estrutura e;
   e.descritor = c.estrutura.descritor;
@@ -214,38 +214,38 @@ void LeCabecalhoParcial(std::string_view bytes, CabecalhoParcial& h) {
   for (int i = 0;; ++i, p += kPassoCampo) {
     const Texto n = InteiroParaTexto(i + 1);
     if (!LeFatia(bytes, {p, kNomeCampo}, t)) {
-      erroCampos = u"the name of its field " + n + u" can't be read";
+      erroCampos = msg::Formata(msg::dados::kNomeDeCampoIlegivel, n);
       break;
     }
     if (t == kMarcaFim) break;
     if (i == kMaxCampos) {
-      erroCampos = u"its field table has no end mark";
+      erroCampos = msg::dados::kSemMarcaFim;
       break;
     }
     Texto nome = DeCp1252(t);
     std::string comp, tipo;
     if (!LeFatia(bytes, {p + kNomeCampo, kComprimentoCampo}, comp) || !SoDigitos(comp, 5)) {
-      erroCampos = u"the length of its field '" + nome + u"' can't be read";
+      erroCampos = msg::Formata(msg::dados::kComprimentoIlegivel, nome);
       break;
     }
     TipoCampo tc;
     if (!LeFatia(bytes, {p + kNomeCampo + kComprimentoCampo, kTipoCampo}, tipo) || !LeTipoCampo(DeCp1252(tipo), tc)) {
-      erroCampos = u"the type of its field '" + nome + u"' can't be read";
+      erroCampos = msg::Formata(msg::dados::kTipoIlegivel, nome);
       break;
     }
     e.Acrescenta(nome, tc, std::stoi(comp));
     if (e.campos.back().comprimento != std::stoi(comp)) {
-      erroCampos = u"its field '" + nome + u"' has a length that doesn't fit its type";
+      erroCampos = msg::Formata(msg::dados::kComprimentoErrado, nome);
       break;
     }
   }
-  if (erroCampos.empty() && e.campos.empty()) erroCampos = u"it has no fields";
+  if (erroCampos.empty() && e.campos.empty()) erroCampos = msg::dados::kNenhumCampo;
   h.campos = erroCampos.empty();
   if (h.campos) {
     c.estrutura = std::move(e);
     if (h.tamanho && c.estrutura.tamanhoRegistro != h.tamanhoDeclarado)
-      falha(u"its fields add up to " + InteiroParaTexto(c.estrutura.tamanhoRegistro) +
-            u" bytes, but its record size says " + InteiroParaTexto(h.tamanhoDeclarado));
+      falha(msg::Formata(msg::dados::kSomaDiferente, InteiroParaTexto(c.estrutura.tamanhoRegistro),
+                         InteiroParaTexto(h.tamanhoDeclarado)));
   } else {
     falha(erroCampos);
   }
@@ -290,11 +290,11 @@ Texto LinhaRegistro(const Estrutura& e, const Registro& r) {
 // ---- Damage -----------------------------------------------------------------
 
 Texto MensagemDano(const Texto& arquivo, const Texto& problema) {
-  return u"The database file " + arquivo + u" is damaged: " + problema;
+  return msg::Formata(msg::dados::kArquivoDanificado, arquivo, problema);
 }
 
 Texto MensagemEscritaRecusada(const Texto& arquivo, const Texto& problema) {
-  return MensagemDano(arquivo, problema) + u". Nothing was written to it.";
+  return msg::Formata(msg::dados::kEscritaRecusada, arquivo, problema);
 }
 
 FalhaRegistros FalhaDano(const Texto& arquivo, const Texto& problema, bool escrita) {
@@ -307,21 +307,19 @@ FalhaRegistros FalhaDano(const Texto& arquivo, const Texto& problema, bool escri
 
 Texto ProblemaComprimento(int64_t comprimento, int32_t total, int32_t tamanho) {
   if (comprimento < kTamanhoCabecalho)
-    return u"it is shorter than its header (" + InteiroParaTexto(comprimento) + u" of " +
-           InteiroParaTexto(kTamanhoCabecalho) + u" bytes)";
+    return msg::Formata(msg::dados::kCurtoDemaisBytes, InteiroParaTexto(comprimento),
+                        InteiroParaTexto(kTamanhoCabecalho));
   if (tamanho <= 0) return {};
   const int64_t depois = comprimento - kInicioRegistros;  // from record 0's first byte on
   const int64_t inteiros = depois / tamanho;
   if (inteiros < total)
-    return u"its count says " + InteiroParaTexto(total) + u" records, but the file holds only " +
-           InteiroParaTexto(inteiros);
+    return msg::Formata(msg::dados::kContagemAlemDoFim, InteiroParaTexto(total), InteiroParaTexto(inteiros));
   const int64_t sobra = depois - int64_t(total) * tamanho;
   // A file with no record ends with the header's last byte.
   if (total == 0 && sobra == 1) return {};
   if (sobra % tamanho == 0) return {};
   const int64_t fim = total == 0 ? kTamanhoCabecalho : kInicioRegistros + int64_t(total) * tamanho;
-  return InteiroParaTexto(comprimento - fim) + u" bytes behind its last record don't make whole records of " +
-         InteiroParaTexto(tamanho) + u" bytes";
+  return msg::Formata(msg::dados::kSobraNoFim, InteiroParaTexto(comprimento - fim), InteiroParaTexto(tamanho));
 }
 
 namespace {
@@ -558,14 +556,14 @@ void ArquivoRegistros::LacoSoltador() {
 
 std::string ArquivoRegistros::LeTrava() {
   std::string t(kTamanhoTrava, ' ');
-  if (LeEm(0, t.data(), t.size()) != t.size()) Danificado(u"it is shorter than its header");
-  if (t[0] != kLivre && t[0] != kOcupado) Danificado(u"its lock byte is neither \"0\" nor \"1\"");
+  if (LeEm(0, t.data(), t.size()) != t.size()) Danificado(msg::dados::kCurtoDemais);
+  if (t[0] != kLivre && t[0] != kOcupado) Danificado(msg::dados::kTravaInvalida);
   return t;
 }
 
 int32_t ArquivoRegistros::Contagem(std::string_view trava) const {
   int32_t n = 0;
-  if (!LeContagem(trava, n)) Danificado(u"its record count can't be read");
+  if (!LeContagem(trava, n)) Danificado(msg::dados::kContagemIlegivel);
   return n;
 }
 
@@ -583,7 +581,7 @@ int32_t ArquivoRegistros::Total() {
 }
 
 int32_t ArquivoRegistros::Adiciona(std::string registro) {
-  if (somenteLeitura_) throw FalhaRegistros(u"the database file is open for reading only");
+  if (somenteLeitura_) throw FalhaRegistros(msg::dados::kSomenteLeitura);
   RecusaSeDanificado();
   Trinco l(m_);
   if (!retida_) {
@@ -636,8 +634,8 @@ int32_t ArquivoRegistros::Adiciona(std::string registro) {
 void ArquivoRegistros::Grava(int32_t numero, std::string_view registro) {
   Trinco l(m_);
   Libera(l);
-  if (fd_ < 0) throw FalhaRegistros(u"the database file is not open");
-  if (somenteLeitura_) throw FalhaRegistros(u"the database file is open for reading only");
+  if (fd_ < 0) throw FalhaRegistros(msg::dados::kArquivoFechado);
+  if (somenteLeitura_) throw FalhaRegistros(msg::dados::kSomenteLeitura);
   RecusaSeDanificado();
   // What the write touches: the header's count, the file's length and the
   // record it replaces.
@@ -663,7 +661,7 @@ std::string ArquivoRegistros::LeRegistros(int32_t numero, int32_t quantos) {
   size_t n = LeEm(kInicioRegistros + int64_t(numero) * estrutura_.tamanhoRegistro, r.data(), r.size());
   if (n != r.size()) {
     int32_t falta = numero + int32_t(n / size_t(estrutura_.tamanhoRegistro));
-    Danificado(u"its record " + InteiroParaTexto(falta) + u" lies beyond the end of the file");
+    Danificado(msg::Formata(msg::dados::kRegistroAlemDoFim, InteiroParaTexto(falta)));
   }
   return r;
 }
@@ -760,7 +758,7 @@ void ArquivoRegistros::DecodificaCampo(std::string_view bruto, int32_t numero, s
   } else if (ok && c.tipo == TipoCampo::Decimal && t.size() >= 8) {
     std::memcpy(&v.decimal, t.data(), 8);
   } else {
-    Danificado(u"the field '" + c.nome + u"' of its record " + InteiroParaTexto(numero) + u" can't be read");
+    Danificado(msg::Formata(msg::dados::kCampoIlegivel, c.nome, InteiroParaTexto(numero)));
   }
 }
 
@@ -768,7 +766,7 @@ Texto ProblemaRegistro(const Estrutura& e, std::string_view bruto, int32_t numer
   if (ArquivoRegistros::EApagado(bruto)) return {};
   for (const Campo& c : e.campos)
     if (!CampoLegivel(bruto.substr(size_t(c.posicao - 1), size_t(c.largura)), c.tipo))
-      return u"the field '" + c.nome + u"' of its record " + InteiroParaTexto(numero) + u" can't be read";
+      return msg::Formata(msg::dados::kCampoIlegivel, c.nome, InteiroParaTexto(numero));
   return {};
 }
 
@@ -807,11 +805,11 @@ ArquivoRegistros::Declaracao ArquivoRegistros::Declara(const fs::path& arquivo, 
   a.caminho_ = arquivo;
   // Not waiting on opening: a pipe in the file's place would stop the run.
   a.fd_ = ::open(arquivo.c_str(), O_RDWR | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0666);
-  if (a.fd_ < 0 && errno == EISDIR) throw FalhaRegistros(U(NomeArquivo(arquivo)) + u" is a folder, not a database file");
-  if (a.fd_ < 0) a.Falha("Can't open or create");
+  if (a.fd_ < 0 && errno == EISDIR) throw FalhaRegistros(msg::Formata(msg::dados::kPastaNoLugar, U(NomeArquivo(arquivo))));
+  if (a.fd_ < 0) a.Falha(msg::dados::kNaoAbreNemCria);
   struct stat st;
-  if (::fstat(a.fd_, &st) != 0) a.Falha("Can't examine");
-  if (!S_ISREG(st.st_mode)) throw FalhaRegistros(U(NomeArquivo(arquivo)) + u" is not a plain file, not a database file");
+  if (::fstat(a.fd_, &st) != 0) a.Falha(msg::dados::kNaoExamina);
+  if (!S_ISREG(st.st_mode)) throw FalhaRegistros(msg::Formata(msg::dados::kNaoEArquivoComum, U(NomeArquivo(arquivo))));
   Trinco l(a.m_);
   a.Prende(l, false);
   Ao g{[&a] { a.SoltaTrava(); }};
@@ -884,7 +882,7 @@ ArquivoRegistros::Abertura ArquivoRegistros::Abre(const fs::path& arquivo, const
 }
 
 ArquivoRegistros::Compactacao ArquivoRegistros::Compacta(fs::path& trabalho, int32_t& novoTotal) {
-  if (somenteLeitura_) throw FalhaRegistros(u"the database file is open for reading only");
+  if (somenteLeitura_) throw FalhaRegistros(msg::dados::kSomenteLeitura);
   RecusaSeDanificado();
   Trinco l(m_);
   Libera(l);

@@ -54,12 +54,12 @@ ResultadoReparo ReparaArquivo(const fs::path& arquivo, const Estrutura* declarad
   r = Reparo{};
   std::error_code ec;
   if (!fs::is_regular_file(arquivo, ec)) {
-    problema = u"there is no such file";
+    problema = msg::dados::kNaoExiste;
     return ResultadoReparo::Impossivel;
   }
   Ao fd{::open(arquivo.c_str(), O_RDWR | O_CLOEXEC)};
   if (fd.fd < 0) {
-    problema = Erro("Can't open", arquivo);
+    problema = Erro(msg::dados::kNaoAbre, arquivo);
     return ResultadoReparo::Impossivel;
   }
   // The same lock the programs take to change the count: none of them can
@@ -70,7 +70,7 @@ ResultadoReparo ReparaArquivo(const fs::path& arquivo, const Estrutura* declarad
   fl.l_start = 0;
   fl.l_len = kTamanhoTrava;
   if (::fcntl(fd.fd, F_OFD_SETLK, &fl) != 0) {
-    problema = u"a running program is using it; try again when it has stopped";
+    problema = msg::dados::kEmUso;
     return ResultadoReparo::Impossivel;
   }
   std::string bytes;
@@ -78,7 +78,7 @@ ResultadoReparo ReparaArquivo(const fs::path& arquivo, const Estrutura* declarad
     std::ifstream f(arquivo, std::ios::binary);
     bytes.assign(std::istreambuf_iterator<char>(f), {});
     if (f.bad()) {
-      problema = u"it can't be read";
+      problema = msg::dados::kIlegivel;
       return ResultadoReparo::Impossivel;
     }
   }
@@ -89,8 +89,8 @@ ResultadoReparo ReparaArquivo(const fs::path& arquivo, const Estrutura* declarad
   if (curto) {
     // What there is of the header is read as if blanks followed: a file cut
     // inside its header may still hold its field table.
-    r.relato.push_back(u"it is shorter than its header (" + InteiroParaTexto(int64_t(bytes.size())) + u" of " +
-                       InteiroParaTexto(kTamanhoCabecalho) + u" bytes)");
+    r.relato.push_back(msg::Formata(msg::dados::kCurtoDemaisBytes, InteiroParaTexto(int64_t(bytes.size())),
+                                    InteiroParaTexto(kTamanhoCabecalho)));
     bytes.resize(size_t(kTamanhoCabecalho), ' ');
   }
   LeCabecalhoParcial(bytes, h);
@@ -105,18 +105,20 @@ ResultadoReparo ReparaArquivo(const fs::path& arquivo, const Estrutura* declarad
   {
     if (!h.campos) {
       if (!declarada) {
-        problema = u"its field table can't be read; give the DB block's fields (--declared) to rebuild it";
+        problema = msg::dados::kTabelaSemDeclaracao;
         return ResultadoReparo::Impossivel;
       }
-      r.relato.push_back(u"its field table can't be read: it is rebuilt from the declared fields");
+      r.relato.push_back(msg::dados::kTabelaRefeita);
       Texto nome = c.estrutura.descritor;
       c.estrutura = *declarada;
       c.estrutura.descritor = nome;
     }
-    // Each slot rebuilt below says so itself.
+    // Each slot rebuilt below says so itself: the name, the count, the
+    // password, and the field table when it can't be read (its finding is
+    // then the last).
     for (const Texto& p : h.problemas)
-      if ((p.find(u"field") == Texto::npos || h.campos) && p.find(u"password") == Texto::npos &&
-          p.find(u"database name") == Texto::npos && p.find(u"record count") == Texto::npos)
+      if (p != msg::dados::kNomeIlegivel && p != msg::dados::kContagemIlegivel && p != msg::dados::kSenhaIlegivel &&
+          (h.campos || p != h.problemas.back()))
         r.relato.push_back(p);
   }
   // We hold the lock: a busy byte is a dead program's, and the mended file
@@ -124,13 +126,13 @@ ResultadoReparo ReparaArquivo(const fs::path& arquivo, const Estrutura* declarad
   c.trava = kLivre;
   if (!h.descritor) {
     c.estrutura.descritor = U(arquivo.stem().string()).substr(0, size_t(kMaxNome));
-    r.relato.push_back(u"its database name is taken from the file's name: " + c.estrutura.descritor);
+    r.relato.push_back(msg::Formata(msg::dados::kNomeDoArquivo, c.estrutura.descritor));
   }
   if (!h.criacao) c.criacao = h.declaracao ? c.declaracao : Texto();
   if (!h.declaracao) c.declaracao = c.criacao;
-  if (!h.senha) r.relato.push_back(u"its password can't be read: the mended file has none");
+  if (!h.senha) r.relato.push_back(msg::dados::kSenhaDescartada);
   if (Texto p = c.estrutura.Problema(); !p.empty()) {
-    problema = u"its fields can't be used: " + p;
+    problema = msg::Formata(msg::dados::kCamposInusaveis, p);
     return ResultadoReparo::Impossivel;
   }
 
@@ -141,11 +143,11 @@ ResultadoReparo ReparaArquivo(const fs::path& arquivo, const Estrutura* declarad
   int64_t total = h.total ? std::min<int64_t>(c.total, inteiros) : inteiros;
   total = std::min<int64_t>(total, kMaxRegistros);
   if (h.total && c.total > inteiros) {
-    r.relato.push_back(u"records " + InteiroParaTexto(inteiros) + u" to " + InteiroParaTexto(c.total - 1) +
-                       u" are dropped: the file ends before them");
+    r.relato.push_back(
+        msg::Formata(msg::dados::kRegistrosCortados, InteiroParaTexto(inteiros), InteiroParaTexto(c.total - 1)));
     mexido = true;
   } else if (!h.total) {
-    r.relato.push_back(u"its count is taken from its length: " + InteiroParaTexto(total) + u" records");
+    r.relato.push_back(msg::Formata(msg::dados::kContagemPeloComprimento, InteiroParaTexto(total)));
   }
   const int64_t fim = total == 0 ? kTamanhoCabecalho : kInicioRegistros + total * tam;
   if (comprimento > fim) {
@@ -153,7 +155,7 @@ ResultadoReparo ReparaArquivo(const fs::path& arquivo, const Estrutura* declarad
     // the count leaves one); they go only with a file mended for another
     // reason.
     if ((comprimento - fim) % tam != 0) mexido = true;
-    r.relato.push_back(InteiroParaTexto(comprimento - fim) + u" bytes behind the last record are dropped");
+    r.relato.push_back(msg::Formata(msg::dados::kSobraDescartada, InteiroParaTexto(comprimento - fim)));
   }
   std::string apagado = Embaralha(kMarcaApagado);
   apagado.resize(size_t(tam), ' ');
@@ -170,10 +172,10 @@ ResultadoReparo ReparaArquivo(const fs::path& arquivo, const Estrutura* declarad
     if (tam < int64_t(Embaralha(kMarcaApagado).size())) {
       // Too short to carry the deleted mark: only dropping it is left, and
       // the records behind move up.
-      r.relato.push_back(p + u": the record is dropped");
+      r.relato.push_back(msg::Formata(msg::dados::kRegistroDescartado, p));
       continue;
     }
-    r.relato.push_back(p + u": its values are dropped and it stands as deleted");
+    r.relato.push_back(msg::Formata(msg::dados::kRegistroMarcado, p));
     registros.append(apagado);
     ++r.marcados;
   }
@@ -205,11 +207,11 @@ ResultadoReparo ReparaArquivo(const fs::path& arquivo, const Estrutura* declarad
   fs::remove(novo, ec);
   Ao saida{::open(novo.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, st.st_mode & 07777)};
   if (saida.fd < 0) {
-    problema = Erro("Can't create", novo);
+    problema = Erro(msg::dados::kNaoCria, novo);
     return ResultadoReparo::Impossivel;
   }
   if (!EscreveTudo(saida.fd, cab) || ::fsync(saida.fd) != 0) {
-    problema = Erro("Can't write", novo);
+    problema = Erro(msg::dados::kNaoGrava, novo);
     fs::remove(novo, ec);
     return ResultadoReparo::Impossivel;
   }
@@ -220,14 +222,14 @@ ResultadoReparo ReparaArquivo(const fs::path& arquivo, const Estrutura* declarad
   {
     Ao copia{::open(r.copia.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, st.st_mode & 07777)};
     if (copia.fd < 0 || !EscreveTudo(copia.fd, original) || ::fsync(copia.fd) != 0) {
-      problema = Erro("Can't keep the file as it was in", r.copia);
+      problema = Erro(msg::dados::kNaoGuardaCopia, r.copia);
       fs::remove(novo, ec);
       if (copia.fd >= 0) fs::remove(r.copia, ec);
       return ResultadoReparo::Impossivel;
     }
   }
   if (::rename(novo.c_str(), arquivo.c_str()) != 0) {
-    problema = Erro("Can't put the mended file in place of", arquivo);
+    problema = Erro(msg::dados::kNaoPoeReparado, arquivo);
     fs::remove(novo, ec);
     fs::remove(r.copia, ec);
     return ResultadoReparo::Impossivel;

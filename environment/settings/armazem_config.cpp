@@ -39,13 +39,13 @@ ArmazemConfig& Armazem() {
 Texto FalhaArquivoConfig(const fs::path& caminho, int erro) {
   const Texto nome = U(caminho.string());
   switch (erro) {
-    case EISDIR: return u"Path/File access error: the settings file " + nome + u" is a folder";
+    case EISDIR: return msg::Formata(msg::ambiente::kConfigEPasta, nome);
     case ENOENT:
-    case ENOTDIR: return u"Path not found: " + U(caminho.parent_path().string());
+    case ENOTDIR: return msg::Formata(msg::ambiente::kConfigSemPasta, U(caminho.parent_path().string()));
     case EACCES:
     case EPERM:
-    case EROFS: return u"Permission denied: " + nome;
-    default: return u"Path/File access error: the settings file " + nome + u" can't be read";
+    case EROFS: return msg::Formata(msg::ambiente::kConfigNegado, nome);
+    default: return msg::Formata(msg::ambiente::kConfigIlegivel, nome);
   }
 }
 
