@@ -85,6 +85,11 @@ TEST(Preparacao, BlockTagsNeedTheStatementStart) {
 
 TEST(Preparacao, EmptyLinesLeaveNoStatement) {
   EXPECT_EQ(NumeraComandos(LimpaTexto(MarcaLinhas(u"\r\n' only a comment\r\nx", 0))).find(u"&#00001"), NPOS);
+  // An empty main text is the stop alone, on the line behind the empty one.
+  HostConsole host{stdout};
+  Interpretador zv{host};
+  EXPECT_EQ(zv.PreparaPrograma(), u"");
+  EXPECT_EQ(zv.textoPrograma, u"&#00000\u00A7#00001$#00 EndProgram\r\n");
 }
 
 TEST(Expressao, Arithmetic) {
