@@ -91,6 +91,7 @@ TEST(DateAdd, MonthEndsAndRange) {
   EXPECT_EQ(soma(Intervalo::Mes, 1, M(2023, 1, 31)), M(2023, 2, 28));
   EXPECT_EQ(soma(Intervalo::Mes, -2, M(2024, 3, 15, 8)), M(2024, 1, 15, 8));
   EXPECT_EQ(soma(Intervalo::Ano, 1, M(2024, 2, 29)), M(2025, 2, 28));
+  EXPECT_EQ(soma(Intervalo::Ano, 1, M(2023, 3, 1)), M(2024, 3, 1));  // a year over a 29 February
   EXPECT_EQ(soma(Intervalo::Dia, -1, M(2024, 1, 1)), M(2023, 12, 31));
   EXPECT_EQ(soma(Intervalo::Semana, 2, M(2024, 1, 31)), M(2024, 2, 14));
   EXPECT_EQ(soma(Intervalo::Hora, 25, M(2024, 1, 31, 23)), M(2024, 2, 2, 0));

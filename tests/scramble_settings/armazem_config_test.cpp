@@ -1,3 +1,5 @@
+// ZV.File and Zarvolt8.inf at the byte; what a program sees of ZV.File is in
+// tests/programs/settings.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -59,24 +61,16 @@ TEST_F(ZVFile, EntryBytes) {
   EXPECT_EQ(Arquivo(), "\x23\x21\xbe\x9d\x23\x40\xce\x23\x24");
   EXPECT_EQ(Valor(u"Ab"), u"1");
   EXPECT_EQ(Valor(u"ab"), u"");  // keys are case-sensitive
+  Grava(u"Descrição", u"Preço: 5 € – ok");
+  EXPECT_EQ(Valor(u"Descrição"), u"Preço: 5 € – ok");
+  Grava(u"Grego", u"αβ");  // outside the code page
+  EXPECT_EQ(Valor(u"Grego"), u"??");
 }
 
 TEST_F(ZVFile, MissingFileReadsEmptyAndIsCreated) {
   EXPECT_EQ(Valor(u"AssociaZV"), u"");
   EXPECT_TRUE(fs::exists(pasta / kArquivoConfig));
   EXPECT_EQ(fs::file_size(pasta / kArquivoConfig), 0u);
-}
-
-TEST_F(ZVFile, KeysThatStartAlikeAndEmptyValues) {
-  Grava(u"CompilaNomeProg", u"prog.Zvc");
-  Grava(u"CompilaNome", u"Produto");
-  Grava(u"Vazio", u"");
-  EXPECT_EQ(Valor(u"CompilaNomeProg"), u"prog.Zvc");
-  EXPECT_EQ(Valor(u"CompilaNome"), u"Produto");
-  EXPECT_EQ(Valor(u"Vazio"), u"");
-  EXPECT_EQ(Valor(u"NuncaGravada"), u"");
-  EXPECT_EQ(Arquivo(), Entrada("CompilaNomeProg", "prog.Zvc") + Entrada("CompilaNome", "Produto") +
-                           Entrada("Vazio", ""));
 }
 
 TEST_F(ZVFile, RewritesKeepOrderAndLeaveStaleBytes) {
@@ -99,13 +93,6 @@ TEST_F(ZVFile, RewritesKeepOrderAndLeaveStaleBytes) {
   EXPECT_EQ(Valor(u"A"), u"c");
   EXPECT_EQ(Valor(u"B"), u"maior agora");
   EXPECT_EQ(Valor(u"C"), u"novo");
-}
-
-TEST_F(ZVFile, CodePage) {
-  Grava(u"Descrição", u"Preço: 5 € – ok");
-  EXPECT_EQ(Valor(u"Descrição"), u"Preço: 5 € – ok");
-  Grava(u"Grego", u"αβ");  // outside the code page
-  EXPECT_EQ(Valor(u"Grego"), u"??");
 }
 
 TEST_F(ZVFile, MemoryServesReadsButWritesReadTheFileFirst) {
@@ -148,7 +135,7 @@ TEST_F(ZVFile, DamagedFilesAreReadWithoutFailing) {
 TEST_F(ZVFile, TextsThatWouldHoldAMarkerAreRefused) {
   Grava(u"K", u"v");
   std::string antes = Arquivo();
-  EXPECT_EQ(GravaConfig(pasta, u"K", u"ÜÛ"), ResultadoConfig::TemMarcador);
+  // A value's marker is in tests/programs/settings/limits.zvc.
   EXPECT_EQ(GravaConfig(pasta, u"a Ü¿ b", u"v"), ResultadoConfig::TemMarcador);
   EXPECT_EQ(GravaConfig(pasta, u"K", u"xÜÞ"), ResultadoConfig::TemMarcador);
   EXPECT_EQ(Arquivo(), antes);
