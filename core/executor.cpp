@@ -216,7 +216,7 @@ void Interpretador::Caminha(const Texto& texto, const Texto& textoExibicao, int3
 
     if (!tratado && (p = linha.find(u"While[")) != NPOS) {
       Texto tag = TagProfundidade(linha, p + 6);
-      if (AvaliaCondicao(Resto(linha, p + 9)) == u"TRUE") {
+      if (AvaliaCondicao(CondicaoDoBloco(linha, p, 6, 9)) == u"TRUE") {
         tratado = true;
       } else {
         size_t h = texto.find(u"Loop[" + tag + u"]", pos);
@@ -250,7 +250,7 @@ void Interpretador::Caminha(const Texto& texto, const Texto& textoExibicao, int3
           CaixaCritica(LocalAtual() + CR + u"If blocks can't be nested more than 21 levels deep!");
         return;
       }
-      Texto v = AvaliaCondicao(Resto(linha, p + 6));
+      Texto v = AvaliaCondicao(CondicaoDoBloco(linha, p, 3, 6));
       falsas[d] = v == u"FALSE";
       if (Contem(linha, u"MouseClick")) GravaVariavel(u"MouseClick", Valor::DeTexto(u"FALSE"), false);
       if (v == u"TRUE") {

@@ -459,7 +459,7 @@ void Interpretador::PreparaLinha(const Texto& texto, PlanoLinha& pl, bool emCorp
     size_t h = texto.find(u"Loop[" + tag + u"]", pos);
     if (h == NPOS) return;
     pl.numeroSalto = numeroNaMarca(h);
-    PreparaCondicao(Resto(linha, p + 9), pl.condicao);
+    PreparaCondicao(CondicaoDoBloco(linha, p, 6, 9), pl.condicao);
     pl.tipo = T::While;
     return;
   }
@@ -494,7 +494,7 @@ void Interpretador::PreparaLinha(const Texto& texto, PlanoLinha& pl, bool emCorp
       pl.numeroEndIf = nE;
     else
       return;
-    PreparaCondicao(Resto(linha, p + 6), pl.condicao);
+    PreparaCondicao(CondicaoDoBloco(linha, p, 3, 6), pl.condicao);
     pl.tipo = T::If;
     return;
   }
