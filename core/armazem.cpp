@@ -1,5 +1,6 @@
 // Reading, writing and declaring variables, and the predeclared ones.
 #include <cmath>
+#include <new>
 
 #include "core/interpretador.h"
 #include "core/preparacao.h"
@@ -8,8 +9,11 @@ namespace zv {
 
 namespace {
 
-// Arrays bigger than this are refused rather than exhausting memory.
-constexpr double kMaxTamanhoVetor = 50'000'000;
+// The values of one type (String, Integer or Decimal) that the store holds
+// in all. An array that would take its type past this is refused with a box
+// rather than exhausting memory; it also keeps every value's index within
+// 32 bits.
+constexpr double kMaxValoresTipo = 100'000'000;
 
 }  // namespace
 
@@ -128,8 +132,20 @@ void Interpretador::CriaVetor(TextoV nome, TextoV tipo) {
   if (!LeNumero(nome.substr(a + 1, b - a - 1), v)) v = 0;
   v = ArredondaPar(v);
   if (v < 0) v = 0;
-  if (v > kMaxTamanhoVetor) throw FalhaHost(falha::SemMemoria);
-  variaveis.Cria(nome.substr(0, a), tipo, static_cast<int32_t>(v));
+  TipoVariavel t;
+  // An unknown type word or a name that exists makes nothing, and says nothing.
+  if (!LeTipo(tipo, t) || variaveis.Posicao(nome) >= 0) return;
+  Texto falta = u"Out of memory: " + Texto(nome) + u" can't be made";
+  if (static_cast<double>(variaveis.TamanhoValores(t)) + v > kMaxValoresTipo) {
+    ErroExecucao(falta + u": the " + NomeTipo(t) + u" variables can't hold more than " +
+                 InteiroParaTexto(static_cast<int64_t>(kMaxValoresTipo)) + u" values!");
+    return;
+  }
+  try {
+    variaveis.Cria(nome.substr(0, a), tipo, static_cast<int32_t>(v));
+  } catch (const std::bad_alloc&) {
+    ErroExecucao(falta + u"!");
+  }
 }
 
 void Interpretador::RemoveVariable(TextoV nome) {
