@@ -265,6 +265,9 @@ class Interpretador {
   bool RetornoRapido(PlanoLinha& pl);
   void PreparaSubStr(const Texto& dir, PlanoLinha& pl);
   bool SubStrRapido(PlanoLinha& pl);
+  // Joins "text = a & b & c" (planos_juncao.cpp).
+  void PreparaJuncao(const Texto& linha, const Texto& nome, const Texto& dir, PlanoLinha& pl, bool emCorpo);
+  bool JuncaoRapida(PlanoLinha& pl);
   // Runs plans one after another from `pl` while the statements have one.
   // Proximo: the statement at numero/pos/fim has none (the walk takes it);
   // Generico: `pl` itself was left to the walk; Fim: the walk ends. With

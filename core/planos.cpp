@@ -310,9 +310,12 @@ void Interpretador::PreparaAtribuicao(const Texto& linha, const Texto& nome, Pla
   size_t eq = linha.find(u'=');
   Texto dir = eq == NPOS ? Texto() : Apara(TextoV(linha).substr(eq + 1));
   Texto maius = Maiusculas(linha);
+  if (Contem(dir, u" & ")) {
+    PreparaJuncao(linha, nome, dir, pl, emCorpo);
+    return;
+  }
   for (const char16_t* w : {u"CHR(", u"JOIN(", u"FORMAT(", u"DIRECTORY(", u"SQL("})
     if (Contem(maius, w)) return;
-  if (Contem(dir, u" & ")) return;
   if (PodeTerChamadaUsuario(dir)) {
     // A body's plans take no calls: the call's arguments are texts with names.
     if (!emCorpo) PreparaChamada(nome, dir, pl);
@@ -807,6 +810,11 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
       case T::SubStr:
         if (!SubStrRapido(*pl)) return sai(Seguimento::Generico);
         break;
+      case T::Juncao: {
+        EmUso u(pl);
+        if (!JuncaoRapida(*pl)) return sai(Seguimento::Generico);
+        break;
+      }
       case T::While:
       case T::If: {
         Veredito v;
