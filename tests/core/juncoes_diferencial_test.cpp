@@ -182,5 +182,30 @@ TEST(JuncoesPlanejadas, AppendsToATextTakeLinearTime) {
   EXPECT_LT(s, 3.0);
 }
 
+// A join that would pass the longest text a variable holds is refused with
+// the store's box, and the run ends, the same way with plans and without.
+TEST(JuncoesPlanejadas, ATextPastTheLimitIsRefusedAsTheWalkRefusesIt) {
+  std::string f =
+      "Var s String, i Integer\r\n"
+      "s = \"ab\"\r\n"
+      "While i < 30\r\n"
+      "  s = s & s\r\n"
+      "  i++\r\n"
+      "Loop\r\n";
+  Texto fonte(f.begin(), f.end());
+  std::string com = Roda(fonte, false, 0), sem = Roda(fonte, true, 0);
+  EXPECT_TRUE(com == sem);
+  EXPECT_EQ(com.rfind("{\"box\":\"critical\",\"title\":\"Zarvolt\",\"text\":\"Editor: 0 Line: 4\\rOut of memory: s "
+                      "can't hold a text longer than 16777216 characters!\"",
+                      0),
+            0u)
+      << com.substr(0, 300);
+  // The text keeps the 16777216 characters of the last join that fitted.
+  size_t p = com.find("\nS@14:ab");
+  ASSERT_NE(p, std::string::npos);
+  EXPECT_EQ(com.compare(p + 6 + 16777216, 2, ";\n"), 0);
+  EXPECT_NE(com.find("I@20:23;"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace zv
