@@ -1,5 +1,6 @@
 // Reading, writing and declaring variables, and the predeclared ones.
 #include <cmath>
+#include <new>
 
 #include "core/interpretador.h"
 #include "core/preparacao.h"
@@ -8,8 +9,11 @@ namespace zv {
 
 namespace {
 
-// Arrays bigger than this are refused rather than exhausting memory.
-constexpr double kMaxTamanhoVetor = 50'000'000;
+// The values of one type (String, Integer or Decimal) that the store holds
+// in all. An array that would take its type past this is refused with a box
+// rather than exhausting memory; it also keeps every value's index within
+// 32 bits.
+constexpr double kMaxValoresTipo = 100'000'000;
 
 }  // namespace
 
@@ -128,8 +132,19 @@ void Interpretador::CriaVetor(TextoV nome, TextoV tipo) {
   if (!LeNumero(nome.substr(a + 1, b - a - 1), v)) v = 0;
   v = ArredondaPar(v);
   if (v < 0) v = 0;
-  if (v > kMaxTamanhoVetor) throw FalhaHost(falha::SemMemoria);
-  variaveis.Cria(nome.substr(0, a), tipo, static_cast<int32_t>(v));
+  TipoVariavel t;
+  // An unknown type word or a name that exists makes nothing, and says nothing.
+  if (!LeTipo(tipo, t) || variaveis.Posicao(nome) >= 0) return;
+  if (static_cast<double>(variaveis.TamanhoValores(t)) + v > kMaxValoresTipo) {
+    ErroExecucao(msg::Formata(msg::kVetorAlemDoLimite, nome, NomeTipo(t),
+                              InteiroParaTexto(static_cast<int64_t>(kMaxValoresTipo))));
+    return;
+  }
+  try {
+    variaveis.Cria(nome.substr(0, a), tipo, static_cast<int32_t>(v));
+  } catch (const std::bad_alloc&) {
+    ErroExecucao(msg::Formata(msg::kVetorSemMemoria, nome));
+  }
 }
 
 void Interpretador::RemoveVariable(TextoV nome) {

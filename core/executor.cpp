@@ -112,6 +112,29 @@ void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao,
   Caminha(texto, textoExibicao, numero, pos, FimDaLinha(texto, numero, pos), falsas, false);
 }
 
+namespace {
+
+// Places in a line, counted from a word found in it: where the NewWindow
+// command's text begins (column 30), the label behind "GoTo ", the value
+// behind " + = ", and the depth tag behind "While[", "Loop[", "If[",
+// "EndIf[" and "Else[". The condition behind a block's tag starts where
+// CondicaoDoBloco says.
+constexpr size_t kColunaNewWindow = 29;
+constexpr size_t kSaltoRotulo = 5;
+constexpr size_t kSaltoComposto = 5;
+constexpr size_t kTamWhile = 6, kTamLoop = 5, kTamIf = 3, kTamEndIf = 6, kTamElse = 5;
+// Where the condition starts behind "While[" and "If[" with a tag of one
+// or two digits.
+constexpr size_t kSaltoCondicaoWhile = 9, kSaltoCondicaoIf = 6;
+
+// The name in front of `p`: from behind the last blank before it.
+Texto NomeAntes(const Texto& linha, size_t p) {
+  size_t b = p == 0 ? NPOS : linha.rfind(u' ', p - 1);
+  return linha.substr(b == NPOS ? 0 : b + 1, b == NPOS ? p : p - b - 1);
+}
+
+}  // namespace
+
 void Interpretador::Caminha(const Texto& texto, const Texto& textoExibicao, int32_t numero, size_t pos,
                            size_t fim, CondicoesFalsas& falsas, bool contado) {
   for (;; contado = false) {
@@ -144,151 +167,40 @@ void Interpretador::Caminha(const Texto& texto, const Texto& textoExibicao, int3
       executando = false;
       return;
     }
-    if (modoDepuracao) {
-      size_t h = textoExibicao.find(MarcaComando(numero));
-      Texto l = linha;
-      if (h != NPOS) {
-        size_t f = textoExibicao.find(CRLF, h);
-        l = textoExibicao.substr(h, (f == NPOS ? textoExibicao.size() : f) - h);
-      }
-      Texto e, n;
-      LocalizacaoTexto(l, e, n);
-      Caixa c;
-      c.tipo = TipoCaixa::Passo;
-      c.botoes = Botoes::OKCancel;
-      c.titulo = msg::kTituloSistema;
-      c.texto = msg::LocalPasso(e, n) + CR + CR + ComandoParaExibir(l);
-      if (host_.MostraCaixa(c) == Resposta::Cancel) return;
-    }
+    if (modoDepuracao && !PassoDepuracao(textoExibicao, linha, numero)) return;
 
-    bool tratado = false;
-    bool semAvanco = false;  // the loop goes on with `numero` itself
+    // The first test of the table that fits decides; the block words are
+    // tested one after another while none has taken the line.
+    Desfecho d = Desfecho::Segue;
     size_t p;
     if (TerminaCom(linha, u"++") || TerminaCom(linha, u"--")) {
-      bool mais = TerminaCom(linha, u"++");
-      p = linha.find(mais ? u"++" : u"--");
-      size_t b = p == 0 ? NPOS : linha.rfind(u' ', p - 1);
-      Texto nome = linha.substr(b == NPOS ? 0 : b + 1, b == NPOS ? p : p - b - 1);
-      Valor v = LeVariavel(nome);
-      Valor r = mais ? SomaValores(v, Valor::DeInt32(1)) : SubtraiValores(v, Valor::DeInt32(1));
-      GravaVariavel(nome, r, true);
-      tratado = true;
+      d = PassoIncremento(linha);
     } else if (Contem(linha, u"+ = ") || Contem(linha, u" + =") || Contem(linha, u"- = ") ||
                Contem(linha, u" - =")) {
-      bool mais = Contem(linha, u"+ = ") || Contem(linha, u" + =");
-      const char16_t* op = mais ? u"+ = " : u"- = ";
-      size_t q = linha.find(op);
-      if (q != NPOS && q > 0 && linha[q - 1] != u' ') linha.insert(q, u" ");
-      p = linha.find(mais ? u" + =" : u" - =");
-      if (p != NPOS) {
-        size_t b = p == 0 ? NPOS : linha.rfind(u' ', p - 1);
-        Texto nome = linha.substr(b == NPOS ? 0 : b + 1, b == NPOS ? p : p - b - 1);
-        bool numerico = false;
-        Valor d = ValorNumerico(Resto(linha, p + 5), numerico);
-        Valor v = LeVariavel(nome);
-        GravaVariavel(nome, mais ? SomaValores(v, d) : SubtraiValores(v, d), true);
-        tratado = true;
-      }
+      d = PassoComposto(linha);
     } else if (Contem(maius, u"NEWWINDOW")) {
-      if (Comandos().newWindow) Comandos().newWindow(*this, Resto(linha, 29));
-      tratado = true;
+      if (Comandos().newWindow) Comandos().newWindow(*this, Resto(linha, kColunaNewWindow));
+      d = Desfecho::Feito;
     } else if (linha.compare(kColunaComando, 2, u"DB") == 0 && Comandos().db) {
       numero = Comandos().db(*this, texto, pos, fim, numero);
-      tratado = true;
+      d = Desfecho::Feito;
     } else if ((p = linha.find(u"GoTo")) != NPOS) {
-      Texto rotulo = Resto(linha, p + 5);
-      if (TerminaCom(rotulo, u":")) {
-        CaixaCritica(msg::FalhaDeGoTo(InteiroParaTexto(editorAtual), InteiroParaTexto(linhaAtual),
-                                      msg::kRotuloComDoisPontos));
-        return;
-      }
-      rotulo += u':';
-      size_t h = texto.find(rotulo);
-      size_t a = h == NPOS ? NPOS : texto.rfind(u"&#", h);
-      if (a == NPOS) {
-        CaixaCritica(msg::FalhaDeGoTo(InteiroParaTexto(editorAtual), InteiroParaTexto(linhaAtual),
-                                      msg::Formata(msg::kRotuloNaoEncontrado, rotulo)));
-        return;
-      }
-      pos = a;
-      numero = NumeroEm(texto, a + 2);
-      tratado = semAvanco = true;
+      d = PassoGoTo(texto, linha, p, numero, pos);
     }
-
-    if (!tratado && (p = linha.find(u"While[")) != NPOS) {
-      Texto tag = TagProfundidade(linha, p + 6);
-      if (AvaliaCondicao(Resto(linha, p + 9)) == u"TRUE") {
-        tratado = true;
-      } else {
-        size_t h = texto.find(u"Loop[" + tag + u"]", pos);
-        if (h != NPOS) {
-          numero = NumeroEm(texto, texto.rfind(u"&#", h) + 2);
-          tratado = true;
-        }
-      }
-    }
-    if (!tratado && (p = linha.find(u"Loop[")) != NPOS) {
-      Texto tag = TagProfundidade(linha, p + 5);
-      size_t h = texto.rfind(u"While[" + tag + u"]", pos);
-      size_t a = h == NPOS ? NPOS : texto.rfind(u"&#", h);
-      if (a == NPOS) return;  // the While lies outside this stretch
-      pos = a;
-      numero = NumeroEm(texto, a + 2);
-      tratado = semAvanco = true;
-    }
+    if (d == Desfecho::Segue && (p = linha.find(u"While[")) != NPOS) d = PassoWhile(texto, linha, p, pos, numero);
+    if (d == Desfecho::Segue && (p = linha.find(u"Loop[")) != NPOS) d = PassoLoop(texto, linha, p, numero, pos);
     bool eraEndIf = false;
-    if (!tratado && (p = linha.find(u"EndIf[")) != NPOS) {
-      int d = -1;
-      if (!ProfundidadeValida(TagProfundidade(linha, p + 6), d)) return;
-      falsas[d] = false;
+    if (d == Desfecho::Segue && (p = linha.find(u"EndIf[")) != NPOS) {
+      d = PassoEndIf(linha, p, falsas);
       eraEndIf = true;
     }
-    if (!tratado && !eraEndIf && (p = linha.find(u"If[")) != NPOS) {
-      Texto tag = TagProfundidade(linha, p + 3);
-      int d = -1;
-      if (!ProfundidadeValida(tag, d)) {
-        if (d > 20)
-          CaixaCritica(msg::NoLocal(LocalAtual(), msg::kIfFundoDemais));
-        return;
-      }
-      Texto v = AvaliaCondicao(Resto(linha, p + 6));
-      falsas[d] = v == u"FALSE";
-      if (Contem(linha, u"MouseClick")) GravaVariavel(u"MouseClick", Valor::DeTexto(u"FALSE"), false);
-      if (v == u"TRUE") {
-        tratado = true;
-      } else {
-        size_t hE = texto.find(u"EndIf[" + tag + u"]", pos);
-        size_t hL = texto.find(u"Else[" + tag + u"]", pos);
-        int32_t nE = hE == NPOS ? -1 : NumeroEm(texto, texto.rfind(u"&#", hE) + 2);
-        int32_t nL = hL == NPOS ? -1 : NumeroEm(texto, texto.rfind(u"&#", hL) + 2);
-        if (hL != NPOS && hE != NPOS && nL < nE) {
-          numero = nL;
-          tratado = true;
-        } else if (hE != NPOS) {
-          numero = nE;
-          falsas[d] = false;
-          tratado = true;
-        }
-      }
-    }
-    if (!tratado && (p = linha.find(u"Else[")) != NPOS) {
-      Texto tag = TagProfundidade(linha, p + 5);
-      int d = -1;
-      if (!ProfundidadeValida(tag, d)) return;
-      if (falsas[d]) {
-        tratado = true;
-      } else {
-        size_t hE = texto.find(u"EndIf[" + tag + u"]", pos);
-        if (hE != NPOS) {
-          numero = NumeroEm(texto, texto.rfind(u"&#", hE) + 2);
-          falsas[d] = false;
-          tratado = true;
-        }
-      }
-    }
-    if (!tratado) ExecutaComando(linha);
+    if (d == Desfecho::Segue && !eraEndIf && (p = linha.find(u"If[")) != NPOS)
+      d = PassoIf(texto, linha, p, pos, numero, falsas);
+    if (d == Desfecho::Segue && (p = linha.find(u"Else[")) != NPOS) d = PassoElse(texto, linha, p, pos, numero, falsas);
+    if (d == Desfecho::Segue) ExecutaComando(linha);
 
-    if (semAvanco) {
+    if (d == Desfecho::Termina) return;
+    if (d == Desfecho::Fica) {
       fim = FimDaLinha(texto, numero, pos);
       continue;
     }
@@ -299,6 +211,138 @@ void Interpretador::Caminha(const Texto& texto, const Texto& textoExibicao, int3
     pos = prox;
     fim = FimDaLinha(texto, numero, pos);
   }
+}
+
+bool Interpretador::PassoDepuracao(const Texto& textoExibicao, const Texto& linha, int32_t numero) {
+  size_t h = textoExibicao.find(MarcaComando(numero));
+  Texto l = linha;
+  if (h != NPOS) {
+    size_t f = textoExibicao.find(CRLF, h);
+    l = textoExibicao.substr(h, (f == NPOS ? textoExibicao.size() : f) - h);
+  }
+  Texto e, n;
+  LocalizacaoTexto(l, e, n);
+  Caixa c;
+  c.tipo = TipoCaixa::Passo;
+  c.botoes = Botoes::OKCancel;
+  c.titulo = msg::kTituloSistema;
+  c.texto = msg::LocalPasso(e, n) + CR + CR + ComandoParaExibir(l);
+  return host_.MostraCaixa(c) != Resposta::Cancel;
+}
+
+Interpretador::Desfecho Interpretador::PassoIncremento(const Texto& linha) {
+  bool mais = TerminaCom(linha, u"++");
+  Texto nome = NomeAntes(linha, linha.find(mais ? u"++" : u"--"));
+  Valor v = LeVariavel(nome);
+  Valor r = mais ? SomaValores(v, Valor::DeInt32(1)) : SubtraiValores(v, Valor::DeInt32(1));
+  GravaVariavel(nome, r, true);
+  return Desfecho::Feito;
+}
+
+Interpretador::Desfecho Interpretador::PassoComposto(Texto& linha) {
+  bool mais = Contem(linha, u"+ = ") || Contem(linha, u" + =");
+  // A source "x+=1" reaches here as "x+ = 1": the name needs its blank.
+  size_t q = linha.find(mais ? u"+ = " : u"- = ");
+  if (q != NPOS && q > 0 && linha[q - 1] != u' ') linha.insert(q, u" ");
+  size_t p = linha.find(mais ? u" + =" : u" - =");
+  if (p == NPOS) return Desfecho::Segue;
+  Texto nome = NomeAntes(linha, p);
+  bool numerico = false;
+  Valor d = ValorNumerico(Resto(linha, p + kSaltoComposto), numerico);
+  Valor v = LeVariavel(nome);
+  GravaVariavel(nome, mais ? SomaValores(v, d) : SubtraiValores(v, d), true);
+  return Desfecho::Feito;
+}
+
+Interpretador::Desfecho Interpretador::PassoGoTo(const Texto& texto, const Texto& linha, size_t p, int32_t& numero,
+                                                 size_t& pos) {
+  Texto rotulo = Resto(linha, p + kSaltoRotulo);
+  Texto editor = InteiroParaTexto(editorAtual), numLinha = InteiroParaTexto(linhaAtual);
+  if (TerminaCom(rotulo, u":")) {
+    CaixaCritica(msg::FalhaDeGoTo(editor, numLinha, msg::kRotuloComDoisPontos));
+    return Desfecho::Termina;
+  }
+  rotulo += u':';
+  size_t h = texto.find(rotulo);
+  size_t a = h == NPOS ? NPOS : texto.rfind(u"&#", h);
+  if (a == NPOS) {
+    CaixaCritica(msg::FalhaDeGoTo(editor, numLinha, msg::Formata(msg::kRotuloNaoEncontrado, rotulo)));
+    return Desfecho::Termina;
+  }
+  pos = a;
+  numero = NumeroEm(texto, a + 2);
+  return Desfecho::Fica;
+}
+
+Interpretador::Desfecho Interpretador::PassoWhile(const Texto& texto, const Texto& linha, size_t p, size_t pos,
+                                                  int32_t& numero) {
+  Texto tag = TagProfundidade(linha, p + kTamWhile);
+  if (AvaliaCondicao(CondicaoDoBloco(linha, p, kTamWhile, kSaltoCondicaoWhile)) == u"TRUE") return Desfecho::Feito;
+  size_t h = texto.find(u"Loop[" + tag + u"]", pos);
+  // With no Loop in this stretch the body runs once.
+  if (h == NPOS) return Desfecho::Segue;
+  numero = NumeroEm(texto, texto.rfind(u"&#", h) + 2);
+  return Desfecho::Feito;
+}
+
+Interpretador::Desfecho Interpretador::PassoLoop(const Texto& texto, const Texto& linha, size_t p, int32_t& numero,
+                                                 size_t& pos) {
+  Texto tag = TagProfundidade(linha, p + kTamLoop);
+  size_t h = texto.rfind(u"While[" + tag + u"]", pos);
+  size_t a = h == NPOS ? NPOS : texto.rfind(u"&#", h);
+  if (a == NPOS) return Desfecho::Termina;  // the While lies outside this stretch
+  pos = a;
+  numero = NumeroEm(texto, a + 2);
+  return Desfecho::Fica;
+}
+
+Interpretador::Desfecho Interpretador::PassoEndIf(const Texto& linha, size_t p, CondicoesFalsas& falsas) {
+  int d = -1;
+  if (!ProfundidadeValida(TagProfundidade(linha, p + kTamEndIf), d)) return Desfecho::Termina;
+  falsas[d] = false;
+  return Desfecho::Segue;
+}
+
+Interpretador::Desfecho Interpretador::PassoIf(const Texto& texto, const Texto& linha, size_t p, size_t pos,
+                                               int32_t& numero, CondicoesFalsas& falsas) {
+  Texto tag = TagProfundidade(linha, p + kTamIf);
+  int d = -1;
+  if (!ProfundidadeValida(tag, d)) {
+    if (d > 20) CaixaCritica(msg::NoLocal(LocalAtual(), msg::kIfFundoDemais));
+    return Desfecho::Termina;
+  }
+  Texto v = AvaliaCondicao(CondicaoDoBloco(linha, p, kTamIf, kSaltoCondicaoIf));
+  falsas[d] = v == u"FALSE";
+  if (Contem(linha, u"MouseClick")) GravaVariavel(u"MouseClick", Valor::DeTexto(u"FALSE"), false);
+  if (v == u"TRUE") return Desfecho::Feito;
+  size_t hE = texto.find(u"EndIf[" + tag + u"]", pos);
+  size_t hL = texto.find(u"Else[" + tag + u"]", pos);
+  int32_t nE = hE == NPOS ? -1 : NumeroEm(texto, texto.rfind(u"&#", hE) + 2);
+  int32_t nL = hL == NPOS ? -1 : NumeroEm(texto, texto.rfind(u"&#", hL) + 2);
+  if (hL != NPOS && hE != NPOS && nL < nE) {
+    numero = nL;
+    return Desfecho::Feito;
+  }
+  if (hE != NPOS) {
+    numero = nE;
+    falsas[d] = false;
+    return Desfecho::Feito;
+  }
+  // With no EndIf in this stretch the body runs.
+  return Desfecho::Segue;
+}
+
+Interpretador::Desfecho Interpretador::PassoElse(const Texto& texto, const Texto& linha, size_t p, size_t pos,
+                                                 int32_t& numero, CondicoesFalsas& falsas) {
+  Texto tag = TagProfundidade(linha, p + kTamElse);
+  int d = -1;
+  if (!ProfundidadeValida(tag, d)) return Desfecho::Termina;
+  if (falsas[d]) return Desfecho::Feito;
+  size_t hE = texto.find(u"EndIf[" + tag + u"]", pos);
+  if (hE == NPOS) return Desfecho::Segue;
+  numero = NumeroEm(texto, texto.rfind(u"&#", hE) + 2);
+  falsas[d] = false;
+  return Desfecho::Feito;
 }
 
 void Interpretador::ExecutaComando(const Texto& linha) {

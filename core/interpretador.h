@@ -192,6 +192,23 @@ class Interpretador {
   // statement was already counted against the limit.
   void Caminha(const Texto& texto, const Texto& textoExibicao, int32_t numero, size_t pos, size_t fim,
                CondicoesFalsas& falsas, bool contado);
+  // What one statement kind of the walk made of a line: Segue, not taken
+  // (the next tests of the table look at it); Feito, done (the walk goes on
+  // behind `numero`); Fica, done (the walk goes on at `numero` itself, at
+  // `pos`); Termina, the walk ends.
+  enum class Desfecho : uint8_t { Segue, Feito, Fica, Termina };
+  // The step box; false when the user cancels it.
+  bool PassoDepuracao(const Texto& textoExibicao, const Texto& linha, int32_t numero);
+  Desfecho PassoIncremento(const Texto& linha);
+  Desfecho PassoComposto(Texto& linha);
+  Desfecho PassoGoTo(const Texto& texto, const Texto& linha, size_t p, int32_t& numero, size_t& pos);
+  Desfecho PassoWhile(const Texto& texto, const Texto& linha, size_t p, size_t pos, int32_t& numero);
+  Desfecho PassoLoop(const Texto& texto, const Texto& linha, size_t p, int32_t& numero, size_t& pos);
+  Desfecho PassoEndIf(const Texto& linha, size_t p, CondicoesFalsas& falsas);
+  Desfecho PassoIf(const Texto& texto, const Texto& linha, size_t p, size_t pos, int32_t& numero,
+                   CondicoesFalsas& falsas);
+  Desfecho PassoElse(const Texto& texto, const Texto& linha, size_t p, size_t pos, int32_t& numero,
+                     CondicoesFalsas& falsas);
   // The part of Atribui after its "F()" form, from the `inicio`th user call on.
   void AtribuiSemJuncao(const Texto& nome, Texto dir, bool numerico, int inicio, bool semMaisChamadas);
 
@@ -272,6 +289,9 @@ class Interpretador {
   bool RetornoRapido(PlanoLinha& pl);
   void PreparaSubStr(const Texto& dir, PlanoLinha& pl);
   bool SubStrRapido(PlanoLinha& pl);
+  // Joins "text = a & b & c" (planos_juncao.cpp).
+  void PreparaJuncao(const Texto& linha, const Texto& nome, const Texto& dir, PlanoLinha& pl, bool emCorpo);
+  bool JuncaoRapida(PlanoLinha& pl);
   // Runs plans one after another from `pl` while the statements have one.
   // Proximo: the statement at numero/pos/fim has none (the walk takes it);
   // Generico: `pl` itself was left to the walk; Fim: the walk ends. With

@@ -30,6 +30,18 @@ inline bool ProfundidadeValida(const Texto& tag, int& d) {
 // The text from `p` on, or empty when the line is shorter.
 inline Texto Resto(const Texto& linha, size_t p) { return p < linha.size() ? linha.substr(p) : Texto(); }
 
+// The condition behind a tagged block word that stands at `p` and is
+// `tamanho` long ("While[" or "If["). It starts `salto` places behind the
+// word, the place that tags of one or two digits leave; a longer tag moves
+// it to just behind its "]", as deep blocks would otherwise lose their
+// condition's first characters to the tag and never end.
+inline Texto CondicaoDoBloco(const Texto& linha, size_t p, size_t tamanho, size_t salto) {
+  size_t inicio = p + salto;
+  size_t b = linha.find(u']', p + tamanho);
+  if (b != NPOS && b + 1 > inicio) inicio = b + 1;
+  return Resto(linha, inicio);
+}
+
 // Editor and line (plus one) of a prepared line.
 inline void Localizacao(TextoV linha, int32_t& editor, int32_t& numLinha) {
   int32_t e = 0, l = 0;

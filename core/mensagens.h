@@ -120,6 +120,9 @@ inline constexpr char16_t kNaoLeVariavel[] = u"Can't read {}: undeclared variabl
 inline constexpr char16_t kIndiceForaDosLimites[] = u"Can't read {}: index out of range!";
 inline constexpr char16_t kNaoAtribui[] = u"Can't assign value to {}: undeclared variable!";
 inline constexpr char16_t kTextoLongoDemais[] = u"Out of memory: {} can't hold a text longer than {} characters!";
+inline constexpr char16_t kVetorAlemDoLimite[] =
+    u"Out of memory: {} can't be made: the {} variables can't hold more than {} values!";
+inline constexpr char16_t kVetorSemMemoria[] = u"Out of memory: {} can't be made!";
 inline constexpr char16_t kRemoveVariable[] = u"RemoveVariable - undeclared variable: {}";
 
 // ---- Statements -------------------------------------------------------------

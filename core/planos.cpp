@@ -310,9 +310,12 @@ void Interpretador::PreparaAtribuicao(const Texto& linha, const Texto& nome, Pla
   size_t eq = linha.find(u'=');
   Texto dir = eq == NPOS ? Texto() : Apara(TextoV(linha).substr(eq + 1));
   Texto maius = Maiusculas(linha);
+  if (Contem(dir, u" & ")) {
+    PreparaJuncao(linha, nome, dir, pl, emCorpo);
+    return;
+  }
   for (const char16_t* w : {u"CHR(", u"JOIN(", u"FORMAT(", u"DIRECTORY(", u"SQL("})
     if (Contem(maius, w)) return;
-  if (Contem(dir, u" & ")) return;
   if (PodeTerChamadaUsuario(dir)) {
     // A body's plans take no calls: the call's arguments are texts with names.
     if (!emCorpo) PreparaChamada(nome, dir, pl);
@@ -459,7 +462,7 @@ void Interpretador::PreparaLinha(const Texto& texto, PlanoLinha& pl, bool emCorp
     size_t h = texto.find(u"Loop[" + tag + u"]", pos);
     if (h == NPOS) return;
     pl.numeroSalto = numeroNaMarca(h);
-    PreparaCondicao(Resto(linha, p + 9), pl.condicao);
+    PreparaCondicao(CondicaoDoBloco(linha, p, 6, 9), pl.condicao);
     pl.tipo = T::While;
     return;
   }
@@ -494,7 +497,7 @@ void Interpretador::PreparaLinha(const Texto& texto, PlanoLinha& pl, bool emCorp
       pl.numeroEndIf = nE;
     else
       return;
-    PreparaCondicao(Resto(linha, p + 6), pl.condicao);
+    PreparaCondicao(CondicaoDoBloco(linha, p, 3, 6), pl.condicao);
     pl.tipo = T::If;
     return;
   }
@@ -807,6 +810,11 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
       case T::SubStr:
         if (!SubStrRapido(*pl)) return sai(Seguimento::Generico);
         break;
+      case T::Juncao: {
+        EmUso u(pl);
+        if (!JuncaoRapida(*pl)) return sai(Seguimento::Generico);
+        break;
+      }
       case T::While:
       case T::If: {
         Veredito v;

@@ -68,6 +68,30 @@ struct PlanoCondicao {
   std::vector<PlanoValor> operandos;  // in pairs
 };
 
+// One part of a join "a & b & c", as the walk's cut at " & " gives it.
+struct ParteJuncao {
+  enum class Tipo : uint8_t {
+    Constante,  // a quoted text: its text without the marks
+    Variavel,   // a declared variable, found
+    Chamada,    // a built-in function that only works out a value
+    Nada        // anything else gives nothing
+  };
+  Tipo tipo = Tipo::Nada;
+  Texto texto;       // Constante: the text; Chamada: the function's name
+  Texto argumentos;  // Chamada
+  RefVariavel var;   // Variavel
+};
+
+// "text = a & b & c": the parts in order and what the line sets ForcaTexto to.
+struct PlanoJuncao {
+  std::vector<ParteJuncao> partes;
+  bool forcaTexto = false;
+  bool temChamada = false;
+  // Texts of the parts that aren't stored texts, reused from run to run.
+  std::vector<Texto> valores;
+  std::vector<TextoV> pedacos;
+};
+
 // Where the walk goes next: a statement number, its marker and line end;
 // pos NPOS is the end of the text.
 struct Destino {
@@ -83,7 +107,8 @@ struct PlanoLinha {
     Generico, Incremento, Composto, While, Loop, If, Else, EndIf, Atribuicao, SubStr,
     Retorno,     // Return: its value in valor
     FimFuncao,   // a line with EndFunction: the routine's walk ends
-    Chamada      // alvo = F(args): partes are the arguments
+    Chamada,     // alvo = F(args): partes are the arguments
+    Juncao       // text = a & b & c: the parts in juncao
   };
   Tipo tipo = Tipo::Generico;
   size_t pos = NPOS, fim = 0;
@@ -105,6 +130,7 @@ struct PlanoLinha {
   bool direto = false;
   bool resultadoTexto = false, resultadoNumero = false;  // the result word is "String", "Numero"
   mutable ModeloFuncao* modelo = nullptr;  // found at the first call
+  std::unique_ptr<PlanoJuncao> juncao;     // Juncao
   // The next statement, and where a jump goes (a Loop: back to its While), found once.
   Destino seguinte, desvio;
 };

@@ -10,11 +10,15 @@ while i < n do
   i = i + 1
 end
 local k = 0
+local r = ""
 i = 1
 while i <= n do
-  if string.sub(t, i, i) == "x" then
+  local c = string.sub(t, i, i)
+  if c == "x" then
     k = k + 1
   end
+  r = r .. c .. ","
   i = i + 1
 end
+k = k + #r
 print(k)

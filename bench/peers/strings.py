@@ -8,9 +8,13 @@ while i < n:
         t += "y"
     i += 1
 k = 0
+r = ""
 i = 1
 while i <= n:
-    if t[i - 1:i] == "x":
+    c = t[i - 1:i]
+    if c == "x":
         k += 1
+    r = r + c + ","
     i += 1
+k = k + len(r)
 print(k)
