@@ -265,6 +265,15 @@ class Interpretador {
   bool RetornoRapido(PlanoLinha& pl);
   void PreparaSubStr(const Texto& dir, PlanoLinha& pl);
   bool SubStrRapido(PlanoLinha& pl);
+  // Plans of calls on long texts and of GoTo (planos_textos.cpp).
+  bool PreparaValorComChamada(const Texto& t, PlanoValor& p);
+  bool PreparaChamadaTexto(const Texto& nome, const Texto& args, ChamadaTexto& c);
+  bool PreparaAtribuicaoChamada(const Texto& nome, const Texto& dir, PlanoLinha& pl);
+  bool NumeroDaChamada(ChamadaTexto& c, double& x);
+  const Texto* TextoDaChamada(ChamadaTexto& c);
+  bool ValorDaChamada(ChamadaTexto& c, Valor& v);
+  bool LeParte(const RefVariavel& r, uint64_t geracao, Valor& v);
+  void PreparaSalto(const Texto& texto, const Texto& linha, PlanoLinha& pl);
   // Runs plans one after another from `pl` while the statements have one.
   // Proximo: the statement at numero/pos/fim has none (the walk takes it);
   // Generico: `pl` itself was left to the walk; Fim: the walk ends. With
@@ -299,6 +308,10 @@ inline bool Interpretador::NumeroRapido(const PlanoValor& p, double& x, Valor::T
     x = p.numero;
     tipo = Valor::Tipo::Double;
     return true;
+  }
+  if (p.tipo == PlanoValor::Tipo::Chamada) {
+    tipo = Valor::Tipo::Double;
+    return NumeroDaChamada(*p.chamada, x);
   }
   if (p.tipo != PlanoValor::Tipo::Aritmetica || !p.temArvore) return false;
   tipo = Valor::Tipo::Decimal;

@@ -103,6 +103,10 @@ bool Interpretador::CalculoRapido(const PlanoValor& p, double& x) {
   double valores[kMaxBuracos];
   for (size_t n = 0; n < p.refs.size(); ++n) {
     const RefVariavel& r = p.refs[n];
+    if (r.chamada) {
+      if (!NumeroDaChamada(*r.chamada, valores[n])) return false;
+      continue;
+    }
     int64_t i;
     if (r.tipo != TipoVariavel::Integer || !IndiceRef(r, i)) return false;
     int32_t v = variaveis.inteiros[static_cast<size_t>(r.inicio + i)];
@@ -117,6 +121,7 @@ bool Interpretador::CalculoRapido(const PlanoValor& p, double& x) {
 // The text of an operand that is surely a text, in place; null otherwise.
 const Texto* Interpretador::TextoRapido(const PlanoValor& p) {
   if (p.tipo == PlanoValor::Tipo::Constante) return &p.constante;
+  if (p.tipo == PlanoValor::Tipo::Chamada) return TextoDaChamada(*p.chamada);
   int64_t i;
   if (p.tipo != PlanoValor::Tipo::Variavel || p.var.tipo != TipoVariavel::String || !IndiceRef(p.var, i))
     return nullptr;
@@ -129,7 +134,11 @@ void Interpretador::PreparaValor(const Texto& texto, PlanoValor& p) {
   p = PlanoValor();
   p.fonte = texto;
   Texto t = Apara(LimpaParenteses(texto));
-  if (PodeTerChamadaInterna(t) || PodeTerChamadaUsuario(t)) return;
+  if (PodeTerChamadaUsuario(t)) return;
+  if (PodeTerChamadaInterna(t)) {
+    PreparaValorComChamada(t, p);
+    return;
+  }
   if (LeNumero(t, p.numero)) {
     p.tipo = PlanoValor::Tipo::Numero;
     return;
@@ -184,6 +193,11 @@ Valor Interpretador::AvaliaValor(const PlanoValor& p, uint64_t geracao) {
       if (LeRef(p.var, geracao, v)) return v;
       return LeVariavel(p.var.nome);
     }
+    case PlanoValor::Tipo::Chamada: {
+      Valor v;
+      if (ValorDaChamada(*p.chamada, v)) return v;
+      return ValorNumerico(p.fonte);
+    }
     case PlanoValor::Tipo::Aritmetica:
       break;
   }
@@ -193,7 +207,7 @@ Valor Interpretador::AvaliaValor(const PlanoValor& p, uint64_t geracao) {
     double valores[kMaxBuracos];
     size_t i = 0;
     for (; i < p.refs.size(); ++i) {
-      if (!LeRef(p.refs[i], geracao, v) || v.tipo != Valor::Tipo::Int32 || v.i < 0) break;
+      if (!LeParte(p.refs[i], geracao, v) || v.tipo != Valor::Tipo::Int32 || v.i < 0) break;
       valores[i] = v.i;
     }
     if (i == p.refs.size()) {
@@ -207,7 +221,7 @@ Valor Interpretador::AvaliaValor(const PlanoValor& p, uint64_t geracao) {
   for (size_t i = 0; i < p.refs.size(); ++i) {
     b += p.pedacos[i];
     // An index out of range has a box to show: the text's own way shows it.
-    if (!LeRef(p.refs[i], geracao, v)) return ValorNumerico(p.fonte);
+    if (!LeParte(p.refs[i], geracao, v)) return ValorNumerico(p.fonte);
     if (v.tipo == Valor::Tipo::Int32) {
       char n[16];
       int k = 0;
@@ -318,6 +332,7 @@ void Interpretador::PreparaAtribuicao(const Texto& linha, const Texto& nome, Pla
     if (!emCorpo) PreparaChamada(nome, dir, pl);
     return;
   }
+  if (PreparaAtribuicaoChamada(nome, dir, pl)) return;
   if (PodeTerChamadaInterna(dir)) {
     if (ResolveRef(nome, pl.alvo) && pl.alvo.tipo == TipoVariavel::String) PreparaSubStr(dir, pl);
     return;
@@ -449,9 +464,11 @@ void Interpretador::PreparaLinha(const Texto& texto, PlanoLinha& pl, bool emCorp
     pl.tipo = T::Composto;
     return;
   }
-  if (Contem(maius, u"NEWWINDOW") || (linha.compare(kColunaComando, 2, u"DB") == 0 && Comandos().db) ||
-      Contem(linha, u"GoTo"))
+  if (Contem(maius, u"NEWWINDOW") || (linha.compare(kColunaComando, 2, u"DB") == 0 && Comandos().db)) return;
+  if (Contem(linha, u"GoTo")) {
+    PreparaSalto(texto, linha, pl);
     return;
+  }
   // The statement after a jump target: its number, found as the walk finds it.
   auto numeroNaMarca = [&texto](size_t h) { return NumeroEm(texto, texto.rfind(u"&#", h) + 2); };
   if ((p = linha.find(u"While[")) != NPOS) {
@@ -820,6 +837,7 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
         break;
       }
       case T::Loop:
+      case T::Salto:
         desvia = true;
         break;
       case T::EndIf:
