@@ -534,7 +534,10 @@ void Interpretador::PreparaLinha(const Texto& texto, PlanoLinha& pl, bool emCorp
     pl.tipo = T::Retorno;
     return;
   }
-  if (PosicaoVariavel(palavra) >= 0) PreparaAtribuicao(linha, palavra, pl, emCorpo);
+  if (PosicaoVariavel(palavra) >= 0)
+    PreparaAtribuicao(linha, palavra, pl, emCorpo);
+  else if (TerminaCom(palavra, u":") && ComandoNulo(linha))
+    pl.tipo = T::Nulo;
 }
 
 Planos& Interpretador::PlanosDoTexto() {
@@ -839,6 +842,8 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
       case T::Loop:
       case T::Salto:
         desvia = true;
+        break;
+      case T::Nulo:
         break;
       case T::EndIf:
         falsas[pl->profundidade] = false;

@@ -99,7 +99,8 @@ struct PlanoLinha {
     Retorno,     // Return: its value in valor
     FimFuncao,   // a line with EndFunction: the routine's walk ends
     Chamada,     // alvo = F(args): partes are the arguments
-    Salto        // GoTo: desvio is the label's statement
+    Salto,       // GoTo: desvio is the label's statement
+    Nulo         // a statement that does nothing, such as a label
   };
   Tipo tipo = Tipo::Generico;
   size_t pos = NPOS, fim = 0;
