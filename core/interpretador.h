@@ -274,6 +274,12 @@ class Interpretador {
   bool ValorDaChamada(ChamadaTexto& c, Valor& v);
   bool LeParte(const RefVariavel& r, uint64_t geracao, Valor& v);
   void PreparaSalto(const Texto& texto, const Texto& linha, PlanoLinha& pl);
+  bool PreparaJuncao(const Texto& nome, const Texto& dir, PlanoLinha& pl);
+  bool JuncaoRapida(PlanoLinha& pl);
+  void PreparaRepStr(const Texto& args, PlanoLinha& pl);
+  bool RepStrRapido(PlanoLinha& pl);
+  // Whether a text spliced into a statement in quotes reads back as itself.
+  bool VoltaIgual(TextoV r);
   // Runs plans one after another from `pl` while the statements have one.
   // Proximo: the statement at numero/pos/fim has none (the walk takes it);
   // Generico: `pl` itself was left to the walk; Fim: the walk ends. With

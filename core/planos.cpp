@@ -400,17 +400,8 @@ bool Interpretador::SubStrRapido(PlanoLinha& pl) {
   }
   TextoV r;
   if (!Comandos().trecho(t, limites[0], limites[1], r)) return false;
-  // The result comes back quoted and is read again as a value: only a plain
-  // one that no variable is named after reads back as itself.
-  if (r.find_first_of(u"\",()[] ") != TextoV::npos) return false;
-  if (r.size() + 2 <= 50 && variaveis.HaNomeComAspas()) {
-    Texto aspas;
-    aspas.reserve(r.size() + 2);
-    aspas += u'"';
-    aspas += r;
-    aspas += u'"';
-    if (variaveis.Posicao(aspas) >= 0) return false;
-  }
+  // The result comes back quoted and is read again as a value.
+  if (!VoltaIgual(r)) return false;
   variaveis.textos[static_cast<size_t>(pl.alvo.inicio + k)].assign(r.data(), r.size());
   forcaTexto = false;
   return true;
@@ -538,6 +529,8 @@ void Interpretador::PreparaLinha(const Texto& texto, PlanoLinha& pl, bool emCorp
     PreparaAtribuicao(linha, palavra, pl, emCorpo);
   else if (TerminaCom(palavra, u":") && ComandoNulo(linha))
     pl.tipo = T::Nulo;
+  else if (m == u"REPSTR" && b != NPOS)
+    PreparaRepStr(resto.substr(b + 1), pl);
 }
 
 Planos& Interpretador::PlanosDoTexto() {
@@ -826,6 +819,12 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
         break;
       case T::SubStr:
         if (!SubStrRapido(*pl)) return sai(Seguimento::Generico);
+        break;
+      case T::Juncao:
+        if (!JuncaoRapida(*pl)) return sai(Seguimento::Generico);
+        break;
+      case T::RepStr:
+        if (!RepStrRapido(*pl)) return sai(Seguimento::Generico);
         break;
       case T::While:
       case T::If: {

@@ -100,7 +100,9 @@ struct PlanoLinha {
     FimFuncao,   // a line with EndFunction: the routine's walk ends
     Chamada,     // alvo = F(args): partes are the arguments
     Salto,       // GoTo: desvio is the label's statement
-    Nulo         // a statement that does nothing, such as a label
+    Nulo,        // a statement that does nothing, such as a label
+    Juncao,      // alvo = JoinStr(partes): each part a variable or a constant
+    RepStr       // RepStr fonte, partes: the new text, the start, the length
   };
   Tipo tipo = Tipo::Generico;
   size_t pos = NPOS, fim = 0;

@@ -5,6 +5,10 @@
 #include <algorithm>
 #include <cmath>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include "core/expressao.h"
 #include "core/interpretador.h"
 #include "core/marcas.h"
@@ -16,6 +20,37 @@ namespace {
 bool CaractereDeNome(char16_t c) { return ELetra(c) || EDigito(c) || c == u'_' || c == u'.'; }
 
 bool Definido(const char16_t* palavra) { return Comandos().Rotina_(IndicePalavra(palavra)) != nullptr; }
+
+// The first place at or after `i` of a character that can change a quoted
+// text read back (a quote, or the ']' and ')' that close a nesting tag);
+// eight at a time where the processor can.
+size_t ProximoSuspeito(TextoV r, size_t i) {
+#if defined(__SSE2__)
+  const __m128i aspas = _mm_set1_epi16(u'"'), colchete = _mm_set1_epi16(u']'), parentese = _mm_set1_epi16(u')');
+  for (; i + 8 <= r.size(); i += 8) {
+    __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(r.data() + i));
+    __m128i m = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi16(v, aspas), _mm_cmpeq_epi16(v, colchete)),
+                             _mm_cmpeq_epi16(v, parentese));
+    if (_mm_movemask_epi8(m)) break;
+  }
+#endif
+  for (; i < r.size(); ++i)
+    if (r[i] == u'"' || r[i] == u']' || r[i] == u')') return i;
+  return TextoV::npos;
+}
+
+// Whether the characters of `r`, coming after `a2` and `a1`, hold nothing
+// that changes them when read back in quotes: a quote, or a nesting tag
+// "(n]" or "[n)" that the reading takes off.
+bool SemSuspeitos(TextoV r, char16_t a2, char16_t a1) {
+  for (size_t i = ProximoSuspeito(r, 0); i != TextoV::npos; i = ProximoSuspeito(r, i + 1)) {
+    char16_t c = r[i];
+    if (c == u'"') return false;
+    char16_t antes = i >= 2 ? r[i - 2] : (i == 1 ? a1 : a2);
+    if ((c == u']' && antes == u'(') || (c == u')' && antes == u'[')) return false;
+  }
+  return true;
+}
 
 }  // namespace
 
@@ -136,6 +171,7 @@ bool Interpretador::PreparaValorComChamada(const Texto& t, PlanoValor& p) {
 
 // "x = call" or "x = calculation with a call": one value, as Atribui finds it.
 bool Interpretador::PreparaAtribuicaoChamada(const Texto& nome, const Texto& dir, PlanoLinha& pl) {
+  if (PreparaJuncao(nome, dir, pl)) return true;
   Texto t = Apara(LimpaParenteses(dir));
   if (t.empty() || !PodeTerChamadaInterna(t)) return false;
   PlanoValor v;
@@ -199,6 +235,213 @@ bool Interpretador::LeParte(const RefVariavel& r, uint64_t geracao, Valor& v) {
   double x;
   if (geracao != variaveis.geracao || !NumeroDaChamada(*r.chamada, x)) return false;
   v = Valor::DeInt32(static_cast<int32_t>(x));
+  return true;
+}
+
+// A text that the walk splices into the statement in quotes is read again
+// as a value: it comes back as itself unless it holds a quote or a nesting
+// tag, ends with ')' (taken for the end of a quoted argument) or a variable
+// is named after it.
+bool Interpretador::VoltaIgual(TextoV r) {
+  if (!r.empty() && r.back() == u')') return false;
+  if (!SemSuspeitos(r, 0, 0)) return false;
+  if (r.size() + 2 <= 50 && variaveis.HaNomeComAspas()) {
+    Texto aspas = u"\"" + Texto(r) + u"\"";
+    if (variaveis.Posicao(aspas) >= 0) return false;
+  }
+  return true;
+}
+
+// "text = JoinStr(a, b, ...)", each argument a variable or a constant. The
+// constants' texts are found once; the join grows the target in place when
+// the target is its first argument, the accumulator users write.
+bool Interpretador::PreparaJuncao(const Texto& nome, const Texto& dir, PlanoLinha& pl) {
+  Texto fn, args;
+  if (!Definido(u"JoinStr") || AchaChamadaInterna(dir, fn, args) != 1 || fn != u"JoinStr") return false;
+  if (LimpaParenteses(Apara(dir)) != u"JoinStr(" + args + u")" || args.find_first_of(u"()[]") != NPOS) return false;
+  std::vector<Texto> a;
+  try {
+    a = SeparaArgumentos(args, 101);
+  } catch (const FalhaHost&) {
+    return false;
+  }
+  size_t n = ContaArgumentos(a);
+  if (n == 0) return false;
+  for (size_t i = n; i < a.size(); ++i)
+    if (!a[i].empty()) return false;
+  RefVariavel alvo;
+  if (!ResolveRef(nome, alvo) || alvo.tipo != TipoVariavel::String) return false;
+  std::vector<PlanoValor> partes(n);
+  for (size_t i = 0; i < n; ++i) {
+    PlanoValor& p = partes[i];
+    p.fonte = a[i];
+    double x;
+    if (a[i].front() == u'"') {
+      // A quoted constant that no variable is named after.
+      if (a[i].size() < 2 || a[i].back() != u'"' || a[i].find(u'"', 1) != a[i].size() - 1 ||
+          variaveis.HaNomeComAspas())
+        return false;
+      p.tipo = PlanoValor::Tipo::Constante;
+      p.constante = RemoveAspas(a[i]);
+    } else if (LeNumero(a[i], x)) {
+      p.tipo = PlanoValor::Tipo::Constante;
+      p.constante = Valor::DeDouble(x).ComoTexto();
+    } else if (PosicaoVariavel(a[i]) >= 0 && ResolveRef(a[i], p.var)) {
+      p.tipo = PlanoValor::Tipo::Variavel;
+    } else {
+      return false;
+    }
+  }
+  pl.alvo = std::move(alvo);
+  pl.partes = std::move(partes);
+  pl.tipo = PlanoLinha::Tipo::Juncao;
+  return true;
+}
+
+bool Interpretador::JuncaoRapida(PlanoLinha& pl) {
+  int64_t k;
+  if (!IndiceRef(pl.alvo, k)) return false;
+  Texto& alvo = variaveis.textos[static_cast<size_t>(pl.alvo.inicio + k)];
+  // Each part's text; numbers are made into `numeros` first, so that the
+  // pointers stay put.
+  const size_t n = pl.partes.size();
+  Texto numeros;
+  std::vector<std::pair<size_t, size_t>> faixas;  // into numeros
+  const Texto* textos[101];
+  for (size_t i = 0; i < n; ++i) {
+    const PlanoValor& p = pl.partes[i];
+    textos[i] = nullptr;
+    if (p.tipo == PlanoValor::Tipo::Constante) {
+      textos[i] = &p.constante;
+      continue;
+    }
+    int64_t j;
+    if (!IndiceRef(p.var, j)) return false;
+    size_t q = static_cast<size_t>(p.var.inicio + j);
+    if (p.var.tipo == TipoVariavel::String) {
+      textos[i] = &variaveis.textos[q];
+      continue;
+    }
+    Valor v = p.var.tipo == TipoVariavel::Integer ? Valor::DeInt32(variaveis.inteiros[q])
+                                                   : Valor::DeDouble(variaveis.decimais[q]);
+    size_t ini = numeros.size();
+    numeros += v.ComoTexto();
+    faixas.emplace_back(i, ini);
+  }
+  auto parte = [&](size_t i) -> TextoV {
+    if (textos[i]) return *textos[i];
+    for (size_t f = 0; f < faixas.size(); ++f)
+      if (faixas[f].first == i) {
+        size_t fim = f + 1 < faixas.size() ? faixas[f + 1].second : numeros.size();
+        return TextoV(numeros).substr(faixas[f].second, fim - faixas[f].second);
+      }
+    return TextoV();
+  };
+  // The joined text must read back as itself, across the joins too.
+  size_t total = 0;
+  char16_t a2 = 0, a1 = 0;
+  for (size_t i = 0; i < n; ++i) {
+    TextoV t = parte(i);
+    if (!SemSuspeitos(t, a2, a1)) return false;
+    total += t.size();
+    if (t.size() >= 2) {
+      a2 = t[t.size() - 2];
+      a1 = t.back();
+    } else if (t.size() == 1) {
+      a2 = a1;
+      a1 = t[0];
+    }
+  }
+  if (total > kMaxTexto || a1 == u')') return false;
+  if (total + 2 <= 50 && variaveis.HaNomeComAspas()) {
+    Texto aspas = u"\"";
+    for (size_t i = 0; i < n; ++i) aspas += parte(i);
+    aspas += u'"';
+    if (variaveis.Posicao(aspas) >= 0) return false;
+  }
+  if (textos[0] == &alvo) {
+    // The accumulator: the target grows where it lies.
+    const size_t velho = alvo.size();
+    alvo.reserve(total);
+    for (size_t i = 1; i < n; ++i) {
+      if (textos[i] == &alvo)
+        alvo.append(alvo, 0, velho);  // its old text once more
+      else
+        alvo.append(parte(i));
+    }
+  } else {
+    Texto r;
+    r.reserve(total);
+    for (size_t i = 0; i < n; ++i) r += parte(i);
+    alvo = std::move(r);
+  }
+  forcaTexto = false;
+  return true;
+}
+
+// "RepStr name, text, start[, length]" on a String variable: the characters
+// are overwritten where they lie.
+void Interpretador::PreparaRepStr(const Texto& args, PlanoLinha& pl) {
+  // A Rep routine would also run for this name (found by its prefix).
+  if (!Definido(u"RepStr") || Comandos().rep || args.find_first_of(u"()[]") != NPOS) return;
+  std::vector<Texto> a;
+  try {
+    a = SeparaArgumentos(args, 4);
+  } catch (const FalhaHost&) {
+    return;
+  }
+  size_t n = ContaArgumentos(a);
+  if (n < 3) return;
+  if (a[0].find(u'"') != NPOS || PosicaoVariavel(a[0]) < 0 || !ResolveRef(a[0], pl.fonte) ||
+      pl.fonte.tipo != TipoVariavel::String)
+    return;
+  PlanoValor novo;
+  novo.fonte = a[1];
+  if (a[1].size() >= 2 && a[1].front() == u'"' && a[1].back() == u'"' && a[1].find(u'"', 1) == a[1].size() - 1 &&
+      !variaveis.HaNomeComAspas()) {
+    novo.tipo = PlanoValor::Tipo::Constante;
+    novo.constante = RemoveAspas(a[1]);
+  } else if (a[1].find(u'"') == NPOS && PosicaoVariavel(a[1]) >= 0 && ResolveRef(a[1], novo.var) &&
+             novo.var.tipo == TipoVariavel::String) {
+    novo.tipo = PlanoValor::Tipo::Variavel;
+  } else {
+    return;
+  }
+  pl.partes.push_back(std::move(novo));
+  for (size_t i = 2; i < n; ++i) {
+    pl.partes.emplace_back();
+    PlanoValor& p = pl.partes.back();
+    PreparaValor(a[i], p);
+    using P = PlanoValor::Tipo;
+    bool numero = p.tipo == P::Numero || (p.tipo == P::Aritmetica && p.temArvore) ||
+                  (p.tipo == P::Variavel && p.var.tipo != TipoVariavel::String);
+    if (!numero) return;
+  }
+  pl.tipo = PlanoLinha::Tipo::RepStr;
+}
+
+bool Interpretador::RepStrRapido(PlanoLinha& pl) {
+  int64_t k;
+  if (!IndiceRef(pl.fonte, k)) return false;
+  Texto& alvo = variaveis.textos[static_cast<size_t>(pl.fonte.inicio + k)];
+  const Texto* novo = TextoRapido(pl.partes[0]);
+  if (!novo) return false;
+  int32_t limites[2] = {0, 0};
+  for (size_t i = 1; i < pl.partes.size(); ++i) {
+    double x;
+    Valor::Tipo tx;
+    if (!NumeroRapido(pl.partes[i], x, tx) || !ArredondaInt32(x, limites[i - 1])) return false;
+  }
+  int64_t inicio = limites[0], tamanho = limites[1];
+  // Where the routine fails, the walk shows its box.
+  if (inicio < 1 || inicio > static_cast<int64_t>(alvo.size()) || tamanho < 0) return false;
+  size_t de = static_cast<size_t>(inicio - 1);
+  size_t n = std::min(novo->size(), alvo.size() - de);
+  if (tamanho > 0) n = std::min(n, static_cast<size_t>(tamanho));
+  if (novo == &alvo)
+    alvo.replace(de, n, Texto(alvo, 0, n));
+  else
+    alvo.replace(de, n, *novo, 0, n);
   return true;
 }
 

@@ -28,7 +28,7 @@ class Gerador {
         "d = " + Escolhe({"0", "2.5", "-1", "1000000"}),
         "i = 0",
         "While i < " + std::to_string(20 + Um(60)),
-        "  s += " + Escolhe({"\"ab;\"", "\"a,b \"", "\"word;\"", "x", "ConvStr(i)", "\"(1]\"", "\"StrLen(\""}),
+        "  s += " + Escolhe({"\"ab;\"", "\"a,b \"", "\"word;\"", "x", "ConvStr(i)", "\"(1]\"", "\"StrLen(\"", "\"x)\"", "\"[1)\"", "\"1.50 \"", "\"a  b\""}),
         "  k = i % 3",
         "  a(k) += " + Escolhe({"\"q;\"", "x", "ConvStr(i)"}),
         "  i++",
