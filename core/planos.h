@@ -55,15 +55,16 @@ struct PlanoValor {
   std::shared_ptr<ChamadaTexto> chamada;  // Chamada: the whole value is one call
 };
 
-// A call of StrLen, StrPos or ConvStr that a plan works out on the stored
-// text itself instead of a copy of it.
+// A call of StrLen, StrPos, ConvStr or SubStr that a plan works out on the
+// stored text itself instead of a copy of it.
 struct ChamadaTexto {
-  enum class Funcao : uint8_t { StrLen, StrPos, ConvStr };
+  enum class Funcao : uint8_t { StrLen, StrPos, ConvStr, SubStr };
   Funcao funcao = Funcao::StrLen;
-  RefVariavel texto;         // StrLen, StrPos: the text read; ConvStr: the number
-  PlanoValor busca, inicio;  // StrPos: what is looked for and from where
-  bool temInicio = false;
-  Texto resultado;           // ConvStr: the text of the last call
+  RefVariavel texto;         // the text read; ConvStr: the number
+  PlanoValor busca, inicio;  // StrPos: what is looked for and from where; SubStr: inicio
+  PlanoValor tamanho;        // SubStr: the length
+  bool temInicio = false, temTamanho = false;
+  Texto resultado;           // ConvStr, SubStr: the text of the last call
 };
 
 // What a condition came to: "TRUE", "FALSE" or anything else.

@@ -64,12 +64,14 @@ bool Interpretador::PreparaChamadaTexto(const Texto& nome, const Texto& args, Ch
     c.funcao = F::StrPos;
   else if (nome == u"ConvStr" && Definido(u"ConvStr"))
     c.funcao = F::ConvStr;
+  else if (nome == u"SubStr" && Definido(u"SubStr") && Comandos().trecho)
+    c.funcao = F::SubStr;
   else
     return false;
   if (args.find_first_of(u"()[]") != NPOS) return false;
   std::vector<Texto> a;
   try {
-    a = SeparaArgumentos(args, c.funcao == F::StrLen ? 6 : 4);
+    a = SeparaArgumentos(args, c.funcao == F::StrLen || c.funcao == F::SubStr ? 6 : 4);
   } catch (const FalhaHost&) {
     return false;
   }
@@ -81,7 +83,20 @@ bool Interpretador::PreparaChamadaTexto(const Texto& nome, const Texto& args, Ch
   };
   if (c.funcao == F::ConvStr) return n == 1 && variavel(a[0], c.texto) && c.texto.tipo != TipoVariavel::String;
   if (!variavel(a[0], c.texto) || c.texto.tipo != TipoVariavel::String) return false;
+  using P = PlanoValor::Tipo;
+  auto numero = [](const PlanoValor& v) {
+    return v.tipo == P::Numero || (v.tipo == P::Aritmetica && v.temArvore) ||
+           (v.tipo == P::Variavel && v.var.tipo != TipoVariavel::String);
+  };
   if (c.funcao == F::StrLen) return n == 1;
+  if (c.funcao == F::SubStr) {
+    if (n < 2 || n > 3) return false;
+    PreparaValor(a[1], c.inicio);
+    c.temInicio = true;
+    c.temTamanho = n == 3;
+    if (c.temTamanho) PreparaValor(a[2], c.tamanho);
+    return numero(c.inicio) && (!c.temTamanho || numero(c.tamanho));
+  }
   if (n < 2 || n > 3) return false;
   const Texto& b = a[1];
   if (b.size() >= 2 && b.front() == u'"' && b.back() == u'"') {
@@ -97,9 +112,7 @@ bool Interpretador::PreparaChamadaTexto(const Texto& nome, const Texto& args, Ch
   c.temInicio = n == 3;
   if (!c.temInicio) return true;
   PreparaValor(a[2], c.inicio);
-  using P = PlanoValor::Tipo;
-  return c.inicio.tipo == P::Numero || (c.inicio.tipo == P::Aritmetica && c.inicio.temArvore) ||
-         (c.inicio.tipo == P::Variavel && c.inicio.var.tipo != TipoVariavel::String);
+  return numero(c.inicio);
 }
 
 // A value that is one call, or a calculation with one call in it whose
@@ -120,7 +133,7 @@ bool Interpretador::PreparaValorComChamada(const Texto& t, PlanoValor& p) {
   }
   // In a calculation only numbers fit. A call whose argument is a bare name
   // keeps just one character behind it, so it must end the text.
-  if (c->funcao == ChamadaTexto::Funcao::ConvStr) return false;
+  if (c->funcao == ChamadaTexto::Funcao::ConvStr || c->funcao == ChamadaTexto::Funcao::SubStr) return false;
   if (c->funcao == ChamadaTexto::Funcao::StrLen && fim != t.size()) return false;
   if (ini > 0 && CaractereDeNome(t[ini - 1])) return false;
   Texto resto = t.substr(0, ini) + u"0" + t.substr(fim);
@@ -177,6 +190,8 @@ bool Interpretador::PreparaAtribuicaoChamada(const Texto& nome, const Texto& dir
   PlanoValor v;
   v.fonte = dir;
   if (!PreparaValorComChamada(t, v) || !ResolveRef(nome, pl.alvo)) return false;
+  // A whole SubStr has its own plan, which cuts in place.
+  if (v.tipo == PlanoValor::Tipo::Chamada && v.chamada->funcao == ChamadaTexto::Funcao::SubStr) return false;
   pl.partes.clear();
   pl.partes.push_back(std::move(v));
   pl.tipo = PlanoLinha::Tipo::Atribuicao;
@@ -185,7 +200,9 @@ bool Interpretador::PreparaAtribuicaoChamada(const Texto& nome, const Texto& dir
 
 bool Interpretador::NumeroDaChamada(ChamadaTexto& c, double& x) {
   int64_t i;
-  if (c.funcao == ChamadaTexto::Funcao::ConvStr || !IndiceRef(c.texto, i)) return false;
+  if (c.funcao == ChamadaTexto::Funcao::ConvStr || c.funcao == ChamadaTexto::Funcao::SubStr ||
+      !IndiceRef(c.texto, i))
+    return false;
   const Texto& t = variaveis.textos[static_cast<size_t>(c.texto.inicio + i)];
   if (c.funcao == ChamadaTexto::Funcao::StrLen) {
     x = static_cast<double>(t.size());
@@ -206,6 +223,19 @@ bool Interpretador::NumeroDaChamada(ChamadaTexto& c, double& x) {
 
 const Texto* Interpretador::TextoDaChamada(ChamadaTexto& c) {
   int64_t i;
+  if (c.funcao == ChamadaTexto::Funcao::SubStr) {
+    if (!IndiceRef(c.texto, i)) return nullptr;
+    const Texto& t = variaveis.textos[static_cast<size_t>(c.texto.inicio + i)];
+    int32_t inicio, tamanho = static_cast<int32_t>(std::min<size_t>(t.size(), INT32_MAX));
+    double x;
+    Valor::Tipo tx;
+    if (!NumeroRapido(c.inicio, x, tx) || !ArredondaInt32(x, inicio)) return nullptr;
+    if (c.temTamanho && (!NumeroRapido(c.tamanho, x, tx) || !ArredondaInt32(x, tamanho))) return nullptr;
+    TextoV r;
+    if (!Comandos().trecho(t, inicio, tamanho, r) || !VoltaIgual(r)) return nullptr;
+    c.resultado.assign(r.data(), r.size());
+    return &c.resultado;
+  }
   // The result comes back quoted; a variable named like it would be read instead.
   if (c.funcao != ChamadaTexto::Funcao::ConvStr || variaveis.HaNomeComAspas() || !IndiceRef(c.texto, i))
     return nullptr;
@@ -216,7 +246,7 @@ const Texto* Interpretador::TextoDaChamada(ChamadaTexto& c) {
 }
 
 bool Interpretador::ValorDaChamada(ChamadaTexto& c, Valor& v) {
-  if (c.funcao == ChamadaTexto::Funcao::ConvStr) {
+  if (c.funcao == ChamadaTexto::Funcao::ConvStr || c.funcao == ChamadaTexto::Funcao::SubStr) {
     const Texto* t = TextoDaChamada(c);
     if (!t) return false;
     v = Valor::DeTexto(*t);

@@ -76,7 +76,7 @@ class Gerador {
         l.push_back(r + Escolhe({"p", "k", "d", "t"}) + " = " + Numero());
         break;
       case 2:
-        l.push_back(r + Escolhe({"s", "t", "a(2)"}) + " += " + Escolhe({"ConvStr(i)", "ConvStr(d)", "ConvStr(k)", "StrLen(s)", "StrPos(s, x)"}));
+        l.push_back(r + Escolhe({"s", "t", "a(2)"}) + " += " + Escolhe({"ConvStr(i)", "ConvStr(d)", "ConvStr(k)", "StrLen(s)", "StrPos(s, x)", "SubStr(s, k, 3)", "SubStr(s, p)", "SubStr(a(1), 2, k)"}));
         break;
       case 3:
         l.push_back(r + Escolhe({"t", "w", "k"}) + " = ConvStr(" + Escolhe({"i", "d", "k", "s"}) + ")");
@@ -95,7 +95,10 @@ class Gerador {
         l.push_back(r + "Loop");
         break;
       case 6:
-        l.push_back(r + "If StrPos(" + Texto_() + ", " + Busca() + ") " + Escolhe({">", "=", "<"}) + " " + Numero());
+        if (Um(2))
+          l.push_back(r + "If StrPos(" + Texto_() + ", " + Busca() + ") " + Escolhe({">", "=", "<"}) + " " + Numero());
+        else
+          l.push_back(r + "If SubStr(" + Texto_() + ", " + Escolhe({"k", "p", "1", "k + 1"}) + ", 1) = " + Busca());
         l.push_back(r + "  d = d + StrLen(s)");
         l.push_back(r + "Else");
         l.push_back(r + "  k = StrLen(t)");
