@@ -280,6 +280,8 @@ class Interpretador {
   bool RepStrRapido(PlanoLinha& pl);
   // Whether a text spliced into a statement in quotes reads back as itself.
   bool VoltaIgual(TextoV r);
+  // "text += value" with a text value: appended where the text lies.
+  bool AcrescentaTexto(PlanoLinha& pl, const Valor& d);
   // Runs plans one after another from `pl` while the statements have one.
   // Proximo: the statement at numero/pos/fim has none (the walk takes it);
   // Generico: `pl` itself was left to the walk; Fim: the walk ends. With

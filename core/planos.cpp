@@ -756,6 +756,7 @@ void Interpretador::ExecutaPlanoGeral(PlanoLinha& pl) {
     }
     case T::Composto: {
       Valor d = AvaliaValor(pl.valor, g);
+      if (AcrescentaTexto(pl, d)) break;
       Valor v;
       if (!LeRef(pl.alvo, g, v)) v = LeVariavel(pl.alvo.nome);
       GravaRef(pl.alvo, g, pl.mais ? SomaValores(v, d) : SubtraiValores(v, d));

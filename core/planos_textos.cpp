@@ -81,13 +81,18 @@ bool Interpretador::PreparaChamadaTexto(const Texto& nome, const Texto& args, Ch
   auto variavel = [this](const Texto& t, RefVariavel& r) {
     return t.find(u'"') == NPOS && PosicaoVariavel(t) >= 0 && ResolveRef(t, r);
   };
-  if (c.funcao == F::ConvStr) return n == 1 && variavel(a[0], c.texto) && c.texto.tipo != TipoVariavel::String;
-  if (!variavel(a[0], c.texto) || c.texto.tipo != TipoVariavel::String) return false;
   using P = PlanoValor::Tipo;
   auto numero = [](const PlanoValor& v) {
     return v.tipo == P::Numero || (v.tipo == P::Aritmetica && v.temArvore) ||
            (v.tipo == P::Variavel && v.var.tipo != TipoVariavel::String);
   };
+  if (c.funcao == F::ConvStr) {
+    // The number: any value the plans work out as a number.
+    if (n != 1) return false;
+    PreparaValor(a[0], c.inicio);
+    return numero(c.inicio);
+  }
+  if (!variavel(a[0], c.texto) || c.texto.tipo != TipoVariavel::String) return false;
   if (c.funcao == F::StrLen) return n == 1;
   if (c.funcao == F::SubStr) {
     if (n < 2 || n > 3) return false;
@@ -237,10 +242,10 @@ const Texto* Interpretador::TextoDaChamada(ChamadaTexto& c) {
     return &c.resultado;
   }
   // The result comes back quoted; a variable named like it would be read instead.
-  if (c.funcao != ChamadaTexto::Funcao::ConvStr || variaveis.HaNomeComAspas() || !IndiceRef(c.texto, i))
+  double d;
+  Valor::Tipo td;
+  if (c.funcao != ChamadaTexto::Funcao::ConvStr || variaveis.HaNomeComAspas() || !NumeroRapido(c.inicio, d, td))
     return nullptr;
-  size_t k = static_cast<size_t>(c.texto.inicio + i);
-  double d = c.texto.tipo == TipoVariavel::Integer ? variaveis.inteiros[k] : variaveis.decimais[k];
   c.resultado = NumeroParaTexto(d);
   return &c.resultado;
 }
@@ -472,6 +477,19 @@ bool Interpretador::RepStrRapido(PlanoLinha& pl) {
     alvo.replace(de, n, Texto(alvo, 0, n));
   else
     alvo.replace(de, n, *novo, 0, n);
+  return true;
+}
+
+bool Interpretador::AcrescentaTexto(PlanoLinha& pl, const Valor& d) {
+  // Two texts join; the target is read and stored by the plan's own
+  // lookups, which still hold.
+  int64_t k;
+  if (!pl.mais || pl.alvo.tipo != TipoVariavel::String || pl.geracao != variaveis.geracao || !d.ETexto() ||
+      !IndiceRef(pl.alvo, k))
+    return false;
+  Texto& x = variaveis.textos[static_cast<size_t>(pl.alvo.inicio + k)];
+  if (x.size() + d.s.size() > kMaxTexto) return false;
+  x += d.s;
   return true;
 }
 
