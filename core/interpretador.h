@@ -266,8 +266,8 @@ class Interpretador {
   void PreparaSubStr(const Texto& dir, PlanoLinha& pl);
   bool SubStrRapido(PlanoLinha& pl);
   // Plans of calls on long texts and of GoTo (planos_textos.cpp).
-  bool PreparaValorComChamada(const Texto& t, PlanoValor& p);
-  bool PreparaChamadaTexto(const Texto& nome, const Texto& args, ChamadaTexto& c);
+  bool PreparaValorComChamada(const Texto& t, PlanoValor& p, bool numerico = false);
+  bool PreparaChamadaTexto(const Texto& nome, const Texto& args, ChamadaTexto& c, bool numerico);
   bool PreparaAtribuicaoChamada(const Texto& nome, const Texto& dir, PlanoLinha& pl);
   bool NumeroDaChamada(ChamadaTexto& c, double& x);
   const Texto* TextoDaChamada(ChamadaTexto& c);

@@ -196,7 +196,8 @@ Valor Interpretador::AvaliaValor(const PlanoValor& p, uint64_t geracao) {
     case PlanoValor::Tipo::Chamada: {
       Valor v;
       if (ValorDaChamada(*p.chamada, v)) return v;
-      return ValorNumerico(p.fonte);
+      bool numerico = p.chamada->numerico;
+      return ValorNumerico(p.fonte, numerico);
     }
     case PlanoValor::Tipo::Aritmetica:
       break;
@@ -358,7 +359,8 @@ void Interpretador::PreparaAtribuicao(const Texto& linha, const Texto& nome, Pla
 void Interpretador::PreparaSubStr(const Texto& dir, PlanoLinha& pl) {
   Texto nome, args;
   if (!Comandos().trecho || AchaChamadaInterna(dir, nome, args) != 1 || nome != u"SubStr") return;
-  if (LimpaParenteses(dir) != u"SubStr(" + args + u")" || args.find_first_of(u"()\"[]") != NPOS) return;
+  if (LimpaParenteses(dir) != u"SubStr(" + args + u")" || args.find_first_of(u"\"[]") != NPOS) return;
+  if (PodeTerChamadaInterna(args) || PodeTerChamadaUsuario(args)) return;
   // With arguments that name a variable only one character would be kept.
   if (PosicaoVariavel(Apara(args)) >= 0) return;
   std::vector<Texto> a;

@@ -64,6 +64,7 @@ struct ChamadaTexto {
   PlanoValor busca, inicio;  // StrPos: what is looked for and from where; SubStr: inicio
   PlanoValor tamanho;        // SubStr: the length
   bool temInicio = false, temTamanho = false;
+  bool numerico = false;     // the walk reads it as an assignment to a number does
   Texto resultado;           // ConvStr, SubStr: the text of the last call
 };
 

@@ -56,7 +56,7 @@ bool SemSuspeitos(TextoV r, char16_t a2, char16_t a1) {
 
 // The call's arguments as the routine reads them, where each is a plain
 // variable, a quoted constant or a number the plans can work out.
-bool Interpretador::PreparaChamadaTexto(const Texto& nome, const Texto& args, ChamadaTexto& c) {
+bool Interpretador::PreparaChamadaTexto(const Texto& nome, const Texto& args, ChamadaTexto& c, bool numerico) {
   using F = ChamadaTexto::Funcao;
   if (nome == u"StrLen" && Definido(u"StrLen"))
     c.funcao = F::StrLen;
@@ -68,7 +68,14 @@ bool Interpretador::PreparaChamadaTexto(const Texto& nome, const Texto& args, Ch
     c.funcao = F::SubStr;
   else
     return false;
-  if (args.find_first_of(u"()[]") != NPOS) return false;
+  // Elements of arrays may stand as arguments, calls may not. A lone
+  // argument with brackets would keep the ')' behind its own in the walk.
+  if (args.find_first_of(u"[]") != NPOS || PodeTerChamadaInterna(args) || PodeTerChamadaUsuario(args)) return false;
+  // Arguments the walk takes for a variable's name (a name, or anything
+  // after an element's brackets) keep only one character behind the call's
+  // first ')', unless the statement is an assignment to a number.
+  c.numerico = numerico;
+  if (!numerico && args.find(u'(') != NPOS && PosicaoVariavel(Apara(args)) >= 0) return false;
   std::vector<Texto> a;
   try {
     a = SeparaArgumentos(args, c.funcao == F::StrLen || c.funcao == F::SubStr ? 6 : 4);
@@ -122,7 +129,7 @@ bool Interpretador::PreparaChamadaTexto(const Texto& nome, const Texto& args, Ch
 
 // A value that is one call, or a calculation with one call in it whose
 // result the walk would splice in as digits. `t` is trimmed and untagged.
-bool Interpretador::PreparaValorComChamada(const Texto& t, PlanoValor& p) {
+bool Interpretador::PreparaValorComChamada(const Texto& t, PlanoValor& p, bool numerico) {
   Texto nome, args;
   if (AchaChamadaInterna(t, nome, args) != 1) return false;
   const Texto chamada = nome + u"(" + args + u")";
@@ -130,7 +137,7 @@ bool Interpretador::PreparaValorComChamada(const Texto& t, PlanoValor& p) {
   if (ini == NPOS || t.compare(ini, chamada.size(), chamada) != 0) return false;
   size_t fim = ini + chamada.size();
   auto c = std::make_shared<ChamadaTexto>();
-  if (!PreparaChamadaTexto(nome, args, *c)) return false;
+  if (!PreparaChamadaTexto(nome, args, *c, numerico)) return false;
   if (ini == 0 && fim == t.size()) {
     p.tipo = PlanoValor::Tipo::Chamada;
     p.chamada = std::move(c);
@@ -139,7 +146,8 @@ bool Interpretador::PreparaValorComChamada(const Texto& t, PlanoValor& p) {
   // In a calculation only numbers fit. A call whose argument is a bare name
   // keeps just one character behind it, so it must end the text.
   if (c->funcao == ChamadaTexto::Funcao::ConvStr || c->funcao == ChamadaTexto::Funcao::SubStr) return false;
-  if (c->funcao == ChamadaTexto::Funcao::StrLen && fim != t.size()) return false;
+  if (PosicaoVariavel(Apara(args)) >= 0 && (fim != t.size() || args.find(u'(') != NPOS)) return false;
+  c->numerico = false;
   if (ini > 0 && CaractereDeNome(t[ini - 1])) return false;
   Texto resto = t.substr(0, ini) + u"0" + t.substr(fim);
   double v;
@@ -194,7 +202,7 @@ bool Interpretador::PreparaAtribuicaoChamada(const Texto& nome, const Texto& dir
   if (t.empty() || !PodeTerChamadaInterna(t)) return false;
   PlanoValor v;
   v.fonte = dir;
-  if (!PreparaValorComChamada(t, v) || !ResolveRef(nome, pl.alvo)) return false;
+  if (!ResolveRef(nome, pl.alvo) || !PreparaValorComChamada(t, v, pl.alvo.tipo != TipoVariavel::String)) return false;
   // A whole SubStr has its own plan, which cuts in place.
   if (v.tipo == PlanoValor::Tipo::Chamada && v.chamada->funcao == ChamadaTexto::Funcao::SubStr) return false;
   pl.partes.clear();

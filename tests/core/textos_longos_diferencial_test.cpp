@@ -76,7 +76,7 @@ class Gerador {
         l.push_back(r + Escolhe({"p", "k", "d", "t"}) + " = " + Numero());
         break;
       case 2:
-        l.push_back(r + Escolhe({"s", "t", "a(2)"}) + " += " + Escolhe({"ConvStr(i)", "ConvStr(d)", "ConvStr(k)", "StrLen(s)", "StrPos(s, x)", "SubStr(s, k, 3)", "SubStr(s, p)", "SubStr(a(1), 2, k)",
+        l.push_back(r + Escolhe({"s", "t", "a(2)"}) + " += " + Escolhe({"ConvStr(i)", "ConvStr(d)", "ConvStr(k)", "StrLen(s)", "StrPos(s, x)", "SubStr(s, k, 3)", "SubStr(s, p)", "SubStr(a(1), 2, k)", "SubStr(a(k), p, 2)", "StrLen(a(k))", "StrPos(a(p), x, k)",
                                                             "ConvStr(i % 7)", "ConvStr(k * 2 - 5)", "ConvStr(d / 3)", "Trim(x)",
                                                             "JoinStr(x, k)"}));
         break;
