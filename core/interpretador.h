@@ -280,6 +280,8 @@ class Interpretador {
   bool RepStrRapido(PlanoLinha& pl);
   // Whether a text spliced into a statement in quotes reads back as itself.
   bool VoltaIgual(TextoV r);
+  bool VirgulaAposElemento(const Texto& dir, PlanoLinha& pl);
+  bool VirgulaInofensiva(TextoV r);
   // "text += value" with a text value: appended where the text lies.
   bool AcrescentaTexto(PlanoLinha& pl, const Valor& d);
   // Runs plans one after another from `pl` while the statements have one.

@@ -362,7 +362,7 @@ void Interpretador::PreparaSubStr(const Texto& dir, PlanoLinha& pl) {
   if (LimpaParenteses(dir) != u"SubStr(" + args + u")" || args.find_first_of(u"\"[]") != NPOS) return;
   if (PodeTerChamadaInterna(args) || PodeTerChamadaUsuario(args)) return;
   // With arguments that name a variable only one character would be kept.
-  if (PosicaoVariavel(Apara(args)) >= 0) return;
+  if (PosicaoVariavel(Apara(args)) >= 0 && !VirgulaAposElemento(dir, pl)) return;
   std::vector<Texto> a;
   try {
     a = SeparaArgumentos(args, 6);
@@ -403,7 +403,7 @@ bool Interpretador::SubStrRapido(PlanoLinha& pl) {
   TextoV r;
   if (!Comandos().trecho(t, limites[0], limites[1], r)) return false;
   // The result comes back quoted and is read again as a value.
-  if (!VoltaIgual(r)) return false;
+  if (!VoltaIgual(r) || (pl.virgula && !VirgulaInofensiva(r))) return false;
   variaveis.textos[static_cast<size_t>(pl.alvo.inicio + k)].assign(r.data(), r.size());
   forcaTexto = false;
   return true;

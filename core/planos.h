@@ -116,6 +116,7 @@ struct PlanoLinha {
   PlanoValor valor;             // Composto, Retorno
   std::vector<PlanoValor> partes;  // Atribuicao; SubStr: its start and length
   RefVariavel fonte;               // SubStr: the text it cuts
+  bool virgula = false;            // SubStr: the walk keeps the comma behind an element
   PlanoCondicao condicao;       // While, If
   int profundidade = 0;         // If, Else, EndIf: the depth tag
   int32_t numeroSalto = -1;     // While false: the Loop; Else: the EndIf

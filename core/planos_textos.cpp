@@ -295,6 +295,24 @@ bool Interpretador::VoltaIgual(TextoV r) {
   return true;
 }
 
+// "text = SubStr(L(i), ...)": the walk takes the arguments for the element's
+// name and keeps one character behind the element's ')' after the result.
+// When that is the comma, the assignment splits it off again, and the cut
+// reads the same, so long as the result then holds no call.
+bool Interpretador::VirgulaAposElemento(const Texto& dir, PlanoLinha& pl) {
+  Texto t = LimpaParenteses(dir);
+  size_t q = t.find(u"SubStr");
+  size_t fp = q == NPOS ? NPOS : t.find(u')', q + 6);
+  if (fp == NPOS || fp + 1 >= t.size() || t[fp + 1] != u',' || t.find(u'(', q + 7) > fp) return false;
+  pl.virgula = true;
+  return true;
+}
+
+bool Interpretador::VirgulaInofensiva(TextoV r) {
+  Texto t = u"\"" + Texto(r) + u"\",";
+  return !PodeTerChamadaInterna(t);
+}
+
 // "text = JoinStr(a, b, ...)", each argument a variable or a constant. The
 // constants' texts are found once; the join grows the target in place when
 // the target is its first argument, the accumulator users write.
