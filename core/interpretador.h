@@ -319,11 +319,11 @@ inline bool Interpretador::NumeroRapido(const PlanoValor& p, double& x, Valor::T
     tipo = Valor::Tipo::Double;
     return true;
   }
-  if (p.tipo == PlanoValor::Tipo::Chamada) {
+  if (p.tipo != PlanoValor::Tipo::Aritmetica || !p.temArvore) {
+    if (p.tipo != PlanoValor::Tipo::Chamada) return false;
     tipo = Valor::Tipo::Double;
     return NumeroDaChamada(*p.chamada, x);
   }
-  if (p.tipo != PlanoValor::Tipo::Aritmetica || !p.temArvore) return false;
   tipo = Valor::Tipo::Decimal;
   return CalculoRapido(p, x);
 }

@@ -103,12 +103,12 @@ bool Interpretador::CalculoRapido(const PlanoValor& p, double& x) {
   double valores[kMaxBuracos];
   for (size_t n = 0; n < p.refs.size(); ++n) {
     const RefVariavel& r = p.refs[n];
-    if (r.chamada) {
-      if (!NumeroDaChamada(*r.chamada, valores[n])) return false;
-      continue;
-    }
     int64_t i;
-    if (r.tipo != TipoVariavel::Integer || !IndiceRef(r, i)) return false;
+    if (r.tipo != TipoVariavel::Integer || !IndiceRef(r, i)) [[unlikely]] {
+      // A call's hole (typed String, so that it lands here): its whole number.
+      if (r.chamada && NumeroDaChamada(*r.chamada, valores[n])) continue;
+      return false;
+    }
     int32_t v = variaveis.inteiros[static_cast<size_t>(r.inicio + i)];
     if (v < 0) return false;
     valores[n] = v;

@@ -164,6 +164,7 @@ bool Interpretador::PreparaValorComChamada(const Texto& t, PlanoValor& p, bool n
       pedaco.clear();
       RefVariavel r;
       r.nome = chamada;
+      r.tipo = TipoVariavel::String;  // never read as a variable
       r.chamada = c;
       refs.push_back(std::move(r));
       i = fim - 1;
