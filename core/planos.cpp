@@ -404,7 +404,17 @@ bool Interpretador::SubStrRapido(PlanoLinha& pl) {
   if (!Comandos().trecho(t, limites[0], limites[1], r)) return false;
   // The result comes back quoted and is read again as a value.
   if (!VoltaIgual(r) || (pl.virgula && !VirgulaInofensiva(r))) return false;
-  variaveis.textos[static_cast<size_t>(pl.alvo.inicio + k)].assign(r.data(), r.size());
+  Texto& alvo = variaveis.textos[static_cast<size_t>(pl.alvo.inicio + k)];
+  if (r.empty()) {
+    alvo.clear();
+  } else if (&alvo == &t) {
+    // The text cut where it lies: its end dropped, then its front.
+    size_t de = static_cast<size_t>(r.data() - t.data()), n = r.size();
+    alvo.resize(de + n);
+    alvo.erase(0, de);
+  } else {
+    alvo.assign(r.data(), r.size());
+  }
   forcaTexto = false;
   return true;
 }
