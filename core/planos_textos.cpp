@@ -50,7 +50,7 @@ __attribute__((target("avx2"))) size_t SemSuspeitoAte(const char16_t* d, size_t 
 size_t ProximoSuspeito(TextoV r, size_t i) {
 #if ZV_AVX2
   static const bool avx2 = __builtin_cpu_supports("avx2");
-  if (avx2) i = SemSuspeitoAte(r.data(), i, r.size());
+  if (r.size() >= i + 32 && avx2) i = SemSuspeitoAte(r.data(), i, r.size());
 #endif
 #if defined(__SSE2__)
   const __m128i aspas = _mm_set1_epi16(u'"'), colchete = _mm_set1_epi16(u']'), parentese = _mm_set1_epi16(u')');
