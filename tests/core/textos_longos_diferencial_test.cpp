@@ -172,7 +172,11 @@ std::string Roda(const Texto& fonte, bool semPlanos) {
 }
 
 TEST(TextosLongos, GeneratedProgramsRunTheSameWithAndWithoutPlans) {
-  if (std::getenv("ZV_MOSTRA")) { Texto f = Gerador(std::atoi(std::getenv("ZV_MOSTRA"))).Programa(); std::printf("%s\n%s", Utf8(f).c_str(), Roda(f, false).c_str()); }
+  // ZV_MOSTRA=N prints program N and what its planned run shows, to look at one.
+  if (const char* n = std::getenv("ZV_MOSTRA")) {
+    Texto f = Gerador(static_cast<uint32_t>(std::atoi(n))).Programa();
+    std::printf("%s\n%s", Utf8(f).c_str(), Roda(f, false).c_str());
+  }
   for (uint32_t semente = 1; semente <= 300; ++semente) {
     Texto fonte = Gerador(semente).Programa();
     std::string com = Roda(fonte, false), sem = Roda(fonte, true);
