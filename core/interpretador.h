@@ -274,8 +274,8 @@ class Interpretador {
   bool ValorDaChamada(ChamadaTexto& c, Valor& v);
   bool LeParte(const RefVariavel& r, uint64_t geracao, Valor& v);
   void PreparaSalto(const Texto& texto, const Texto& linha, PlanoLinha& pl);
-  bool PreparaJuncao(const Texto& nome, const Texto& dir, PlanoLinha& pl);
-  bool JuncaoRapida(PlanoLinha& pl);
+  bool PreparaJoinStr(const Texto& nome, const Texto& dir, PlanoLinha& pl);
+  bool JoinStrRapido(PlanoLinha& pl);
   void PreparaRepStr(const Texto& args, PlanoLinha& pl);
   bool RepStrRapido(PlanoLinha& pl);
   // Whether a text spliced into a statement in quotes reads back as itself.

@@ -833,8 +833,8 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
       case T::SubStr:
         if (!SubStrRapido(*pl)) return sai(Seguimento::Generico);
         break;
-      case T::Juncao:
-        if (!JuncaoRapida(*pl)) return sai(Seguimento::Generico);
+      case T::JoinStr:
+        if (!JoinStrRapido(*pl)) return sai(Seguimento::Generico);
         break;
       case T::RepStr:
         if (!RepStrRapido(*pl)) return sai(Seguimento::Generico);

@@ -103,7 +103,7 @@ struct PlanoLinha {
     Chamada,     // alvo = F(args): partes are the arguments
     Salto,       // GoTo: desvio is the label's statement
     Nulo,        // a statement that does nothing, such as a label
-    Juncao,      // alvo = JoinStr(partes): each part a variable or a constant
+    JoinStr,     // alvo = JoinStr(partes): each part a variable or a constant
     RepStr       // RepStr fonte, partes: the new text, the start, the length
   };
   Tipo tipo = Tipo::Generico;

@@ -225,7 +225,7 @@ bool Interpretador::PreparaValorComChamada(const Texto& t, PlanoValor& p, bool n
 
 // "x = call" or "x = calculation with a call": one value, as Atribui finds it.
 bool Interpretador::PreparaAtribuicaoChamada(const Texto& nome, const Texto& dir, PlanoLinha& pl) {
-  if (PreparaJuncao(nome, dir, pl)) return true;
+  if (PreparaJoinStr(nome, dir, pl)) return true;
   Texto t = Apara(LimpaParenteses(dir));
   if (t.empty() || !PodeTerChamadaInterna(t)) return false;
   PlanoValor v;
@@ -344,7 +344,7 @@ bool Interpretador::VirgulaInofensiva(TextoV r) {
 // "text = JoinStr(a, b, ...)", each argument a variable or a constant. The
 // constants' texts are found once; the join grows the target in place when
 // the target is its first argument, the accumulator users write.
-bool Interpretador::PreparaJuncao(const Texto& nome, const Texto& dir, PlanoLinha& pl) {
+bool Interpretador::PreparaJoinStr(const Texto& nome, const Texto& dir, PlanoLinha& pl) {
   Texto fn, args;
   if (!Definido(u"JoinStr") || AchaChamadaInterna(dir, fn, args) != 1 || fn != u"JoinStr") return false;
   if (LimpaParenteses(Apara(dir)) != u"JoinStr(" + args + u")" || args.find_first_of(u"()[]") != NPOS) return false;
@@ -383,11 +383,11 @@ bool Interpretador::PreparaJuncao(const Texto& nome, const Texto& dir, PlanoLinh
   }
   pl.alvo = std::move(alvo);
   pl.partes = std::move(partes);
-  pl.tipo = PlanoLinha::Tipo::Juncao;
+  pl.tipo = PlanoLinha::Tipo::JoinStr;
   return true;
 }
 
-bool Interpretador::JuncaoRapida(PlanoLinha& pl) {
+bool Interpretador::JoinStrRapido(PlanoLinha& pl) {
   int64_t k;
   if (!IndiceRef(pl.alvo, k)) return false;
   Texto& alvo = variaveis.textos[static_cast<size_t>(pl.alvo.inicio + k)];
