@@ -52,6 +52,8 @@ using GanchoTotalSQL = Valor (*)(Interpretador& zv, const Texto& a, const Texto&
 // The part of a text that SubStr gives for a 1-based start and a length;
 // false where SubStr fails.
 using GanchoTrecho = bool (*)(TextoV texto, int64_t inicio, int64_t tamanho, TextoV& trecho);
+// The place StrPos gives for a search from a 1-based start of 1 or more.
+using GanchoPosicao = int32_t (*)(TextoV texto, TextoV busca, int64_t inicio);
 
 // Process-wide table of routines, filled once before any run.
 class TabelaComandos {
@@ -70,6 +72,8 @@ class TabelaComandos {
   GanchoTotalSQL totalSql = nullptr;
   // Set beside SubStr's routine so that plans may cut texts the same way.
   GanchoTrecho trecho = nullptr;
+  // Set beside StrPos's routine, for the same reason.
+  GanchoPosicao posicao = nullptr;
 
  private:
   std::array<DefinicaoComando, kTotalPalavras> definicoes_{};

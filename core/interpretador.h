@@ -292,6 +292,25 @@ class Interpretador {
   // Joins "text = a & b & c" (planos_juncao.cpp).
   void PreparaJuncao(const Texto& linha, const Texto& nome, const Texto& dir, PlanoLinha& pl, bool emCorpo);
   bool JuncaoRapida(PlanoLinha& pl);
+  // Plans of calls on long texts and of GoTo (planos_textos.cpp).
+  bool PreparaValorComChamada(const Texto& t, PlanoValor& p, bool numerico = false);
+  bool PreparaChamadaTexto(const Texto& nome, const Texto& args, ChamadaTexto& c, bool numerico);
+  bool PreparaAtribuicaoChamada(const Texto& nome, const Texto& dir, PlanoLinha& pl);
+  bool NumeroDaChamada(ChamadaTexto& c, double& x);
+  const Texto* TextoDaChamada(ChamadaTexto& c);
+  bool ValorDaChamada(ChamadaTexto& c, Valor& v);
+  bool LeParte(const RefVariavel& r, uint64_t geracao, Valor& v);
+  void PreparaSalto(const Texto& texto, const Texto& linha, PlanoLinha& pl);
+  bool PreparaJoinStr(const Texto& nome, const Texto& dir, PlanoLinha& pl);
+  bool JoinStrRapido(PlanoLinha& pl);
+  void PreparaRepStr(const Texto& args, PlanoLinha& pl);
+  bool RepStrRapido(PlanoLinha& pl);
+  // Whether a text spliced into a statement in quotes reads back as itself.
+  bool VoltaIgual(TextoV r);
+  bool VirgulaAposElemento(const Texto& dir, PlanoLinha& pl);
+  bool VirgulaInofensiva(TextoV r);
+  // "text += value" with a text value: appended where the text lies.
+  bool AcrescentaTexto(PlanoLinha& pl, const Valor& d);
   // Runs plans one after another from `pl` while the statements have one.
   // Proximo: the statement at numero/pos/fim has none (the walk takes it);
   // Generico: `pl` itself was left to the walk; Fim: the walk ends. With
@@ -327,7 +346,11 @@ inline bool Interpretador::NumeroRapido(const PlanoValor& p, double& x, Valor::T
     tipo = Valor::Tipo::Double;
     return true;
   }
-  if (p.tipo != PlanoValor::Tipo::Aritmetica || !p.temArvore) return false;
+  if (p.tipo != PlanoValor::Tipo::Aritmetica || !p.temArvore) {
+    if (p.tipo != PlanoValor::Tipo::Chamada) return false;
+    tipo = Valor::Tipo::Double;
+    return NumeroDaChamada(*p.chamada, x);
+  }
   tipo = Valor::Tipo::Decimal;
   return CalculoRapido(p, x);
 }

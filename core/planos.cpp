@@ -104,7 +104,11 @@ bool Interpretador::CalculoRapido(const PlanoValor& p, double& x) {
   for (size_t n = 0; n < p.refs.size(); ++n) {
     const RefVariavel& r = p.refs[n];
     int64_t i;
-    if (r.tipo != TipoVariavel::Integer || !IndiceRef(r, i)) return false;
+    if (r.tipo != TipoVariavel::Integer || !IndiceRef(r, i)) [[unlikely]] {
+      // A call's hole (typed String, so that it lands here): its whole number.
+      if (r.chamada && NumeroDaChamada(*r.chamada, valores[n])) continue;
+      return false;
+    }
     int32_t v = variaveis.inteiros[static_cast<size_t>(r.inicio + i)];
     if (v < 0) return false;
     valores[n] = v;
@@ -117,6 +121,7 @@ bool Interpretador::CalculoRapido(const PlanoValor& p, double& x) {
 // The text of an operand that is surely a text, in place; null otherwise.
 const Texto* Interpretador::TextoRapido(const PlanoValor& p) {
   if (p.tipo == PlanoValor::Tipo::Constante) return &p.constante;
+  if (p.tipo == PlanoValor::Tipo::Chamada) return TextoDaChamada(*p.chamada);
   int64_t i;
   if (p.tipo != PlanoValor::Tipo::Variavel || p.var.tipo != TipoVariavel::String || !IndiceRef(p.var, i))
     return nullptr;
@@ -129,7 +134,11 @@ void Interpretador::PreparaValor(const Texto& texto, PlanoValor& p) {
   p = PlanoValor();
   p.fonte = texto;
   Texto t = Apara(LimpaParenteses(texto));
-  if (PodeTerChamadaInterna(t) || PodeTerChamadaUsuario(t)) return;
+  if (PodeTerChamadaUsuario(t)) return;
+  if (PodeTerChamadaInterna(t)) {
+    PreparaValorComChamada(t, p);
+    return;
+  }
   if (LeNumero(t, p.numero)) {
     p.tipo = PlanoValor::Tipo::Numero;
     return;
@@ -184,6 +193,12 @@ Valor Interpretador::AvaliaValor(const PlanoValor& p, uint64_t geracao) {
       if (LeRef(p.var, geracao, v)) return v;
       return LeVariavel(p.var.nome);
     }
+    case PlanoValor::Tipo::Chamada: {
+      Valor v;
+      if (ValorDaChamada(*p.chamada, v)) return v;
+      bool numerico = p.chamada->numerico;
+      return ValorNumerico(p.fonte, numerico);
+    }
     case PlanoValor::Tipo::Aritmetica:
       break;
   }
@@ -193,7 +208,7 @@ Valor Interpretador::AvaliaValor(const PlanoValor& p, uint64_t geracao) {
     double valores[kMaxBuracos];
     size_t i = 0;
     for (; i < p.refs.size(); ++i) {
-      if (!LeRef(p.refs[i], geracao, v) || v.tipo != Valor::Tipo::Int32 || v.i < 0) break;
+      if (!LeParte(p.refs[i], geracao, v) || v.tipo != Valor::Tipo::Int32 || v.i < 0) break;
       valores[i] = v.i;
     }
     if (i == p.refs.size()) {
@@ -207,7 +222,7 @@ Valor Interpretador::AvaliaValor(const PlanoValor& p, uint64_t geracao) {
   for (size_t i = 0; i < p.refs.size(); ++i) {
     b += p.pedacos[i];
     // An index out of range has a box to show: the text's own way shows it.
-    if (!LeRef(p.refs[i], geracao, v)) return ValorNumerico(p.fonte);
+    if (!LeParte(p.refs[i], geracao, v)) return ValorNumerico(p.fonte);
     if (v.tipo == Valor::Tipo::Int32) {
       char n[16];
       int k = 0;
@@ -321,6 +336,7 @@ void Interpretador::PreparaAtribuicao(const Texto& linha, const Texto& nome, Pla
     if (!emCorpo) PreparaChamada(nome, dir, pl);
     return;
   }
+  if (PreparaAtribuicaoChamada(nome, dir, pl)) return;
   if (PodeTerChamadaInterna(dir)) {
     if (ResolveRef(nome, pl.alvo) && pl.alvo.tipo == TipoVariavel::String) PreparaSubStr(dir, pl);
     return;
@@ -346,9 +362,10 @@ void Interpretador::PreparaAtribuicao(const Texto& linha, const Texto& nome, Pla
 void Interpretador::PreparaSubStr(const Texto& dir, PlanoLinha& pl) {
   Texto nome, args;
   if (!Comandos().trecho || AchaChamadaInterna(dir, nome, args) != 1 || nome != u"SubStr") return;
-  if (LimpaParenteses(dir) != u"SubStr(" + args + u")" || args.find_first_of(u"()\"[]") != NPOS) return;
+  if (LimpaParenteses(dir) != u"SubStr(" + args + u")" || args.find_first_of(u"\"[]") != NPOS) return;
+  if (PodeTerChamadaInterna(args) || PodeTerChamadaUsuario(args)) return;
   // With arguments that name a variable only one character would be kept.
-  if (PosicaoVariavel(Apara(args)) >= 0) return;
+  if (PosicaoVariavel(Apara(args)) >= 0 && !VirgulaAposElemento(dir, pl)) return;
   std::vector<Texto> a;
   try {
     a = SeparaArgumentos(args, 6);
@@ -388,18 +405,19 @@ bool Interpretador::SubStrRapido(PlanoLinha& pl) {
   }
   TextoV r;
   if (!Comandos().trecho(t, limites[0], limites[1], r)) return false;
-  // The result comes back quoted and is read again as a value: only a plain
-  // one that no variable is named after reads back as itself.
-  if (r.find_first_of(u"\",()[] ") != TextoV::npos) return false;
-  if (r.size() + 2 <= 50 && variaveis.HaNomeComAspas()) {
-    Texto aspas;
-    aspas.reserve(r.size() + 2);
-    aspas += u'"';
-    aspas += r;
-    aspas += u'"';
-    if (variaveis.Posicao(aspas) >= 0) return false;
+  // The result comes back quoted and is read again as a value.
+  if (!VoltaIgual(r) || (pl.virgula && !VirgulaInofensiva(r))) return false;
+  Texto& alvo = variaveis.textos[static_cast<size_t>(pl.alvo.inicio + k)];
+  if (r.empty()) {
+    alvo.clear();
+  } else if (&alvo == &t) {
+    // The text cut where it lies: its end dropped, then its front.
+    size_t de = static_cast<size_t>(r.data() - t.data()), n = r.size();
+    alvo.resize(de + n);
+    alvo.erase(0, de);
+  } else {
+    alvo.assign(r.data(), r.size());
   }
-  variaveis.textos[static_cast<size_t>(pl.alvo.inicio + k)].assign(r.data(), r.size());
   forcaTexto = false;
   return true;
 }
@@ -452,9 +470,11 @@ void Interpretador::PreparaLinha(const Texto& texto, PlanoLinha& pl, bool emCorp
     pl.tipo = T::Composto;
     return;
   }
-  if (Contem(maius, u"NEWWINDOW") || (linha.compare(kColunaComando, 2, u"DB") == 0 && Comandos().db) ||
-      Contem(linha, u"GoTo"))
+  if (Contem(maius, u"NEWWINDOW") || (linha.compare(kColunaComando, 2, u"DB") == 0 && Comandos().db)) return;
+  if (Contem(linha, u"GoTo")) {
+    PreparaSalto(texto, linha, pl);
     return;
+  }
   // The statement after a jump target: its number, found as the walk finds it.
   auto numeroNaMarca = [&texto](size_t h) { return NumeroEm(texto, texto.rfind(u"&#", h) + 2); };
   if ((p = linha.find(u"While[")) != NPOS) {
@@ -520,7 +540,12 @@ void Interpretador::PreparaLinha(const Texto& texto, PlanoLinha& pl, bool emCorp
     pl.tipo = T::Retorno;
     return;
   }
-  if (PosicaoVariavel(palavra) >= 0) PreparaAtribuicao(linha, palavra, pl, emCorpo);
+  if (PosicaoVariavel(palavra) >= 0)
+    PreparaAtribuicao(linha, palavra, pl, emCorpo);
+  else if (TerminaCom(palavra, u":") && ComandoNulo(linha))
+    pl.tipo = T::Nulo;
+  else if (m == u"REPSTR" && b != NPOS)
+    PreparaRepStr(resto.substr(b + 1), pl);
 }
 
 Planos& Interpretador::PlanosDoTexto() {
@@ -746,6 +771,7 @@ void Interpretador::ExecutaPlanoGeral(PlanoLinha& pl) {
     }
     case T::Composto: {
       Valor d = AvaliaValor(pl.valor, g);
+      if (AcrescentaTexto(pl, d)) break;
       Valor v;
       if (!LeRef(pl.alvo, g, v)) v = LeVariavel(pl.alvo.nome);
       GravaRef(pl.alvo, g, pl.mais ? SomaValores(v, d) : SubtraiValores(v, d));
@@ -815,6 +841,12 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
         if (!JuncaoRapida(*pl)) return sai(Seguimento::Generico);
         break;
       }
+      case T::JoinStr:
+        if (!JoinStrRapido(*pl)) return sai(Seguimento::Generico);
+        break;
+      case T::RepStr:
+        if (!RepStrRapido(*pl)) return sai(Seguimento::Generico);
+        break;
       case T::While:
       case T::If: {
         Veredito v;
@@ -828,7 +860,10 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
         break;
       }
       case T::Loop:
+      case T::Salto:
         desvia = true;
+        break;
+      case T::Nulo:
         break;
       case T::EndIf:
         falsas[pl->profundidade] = false;

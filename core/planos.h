@@ -22,6 +22,7 @@ namespace zv {
 class Interpretador;
 struct ModeloFuncao;
 struct PlanoLinha;
+struct ChamadaTexto;
 
 // A variable as a statement names it ("x", "L(3)", "L(i)"), found.
 struct RefVariavel {
@@ -32,11 +33,13 @@ struct RefVariavel {
   int64_t indice = 0;  // the fixed index
   TipoVariavel tipoIndice = TipoVariavel::Integer;
   int32_t posIndice = 0;  // value of the index variable
+  // A hole of a calculation that a text command fills (see planos_textos.cpp).
+  std::shared_ptr<ChamadaTexto> chamada;
 };
 
 // The value of an expression as ValorNumerico works it out.
 struct PlanoValor {
-  enum class Tipo : uint8_t { Lento, Numero, Constante, Variavel, Aritmetica };
+  enum class Tipo : uint8_t { Lento, Numero, Constante, Variavel, Aritmetica, Chamada };
   Tipo tipo = Tipo::Lento;
   Texto fonte;    // the expression as given (for the walk's own way)
   double numero = 0;
@@ -49,6 +52,20 @@ struct PlanoValor {
   bool pecaUnica = false;  // the whole text was one piece: it stays text
   bool temArvore = false;  // the calculation parsed once, for whole values of 0 or more
   ArvoreCalculo arvore;
+  std::shared_ptr<ChamadaTexto> chamada;  // Chamada: the whole value is one call
+};
+
+// A call of StrLen, StrPos, ConvStr or SubStr that a plan works out on the
+// stored text itself instead of a copy of it.
+struct ChamadaTexto {
+  enum class Funcao : uint8_t { StrLen, StrPos, ConvStr, SubStr };
+  Funcao funcao = Funcao::StrLen;
+  RefVariavel texto;         // the text read; ConvStr: the number
+  PlanoValor busca, inicio;  // StrPos: what is looked for and from where; SubStr: inicio
+  PlanoValor tamanho;        // SubStr: the length
+  bool temInicio = false, temTamanho = false;
+  bool numerico = false;     // the walk reads it as an assignment to a number does
+  Texto resultado;           // ConvStr, SubStr: the text of the last call
 };
 
 // What a condition came to: "TRUE", "FALSE" or anything else.
@@ -108,7 +125,11 @@ struct PlanoLinha {
     Retorno,     // Return: its value in valor
     FimFuncao,   // a line with EndFunction: the routine's walk ends
     Chamada,     // alvo = F(args): partes are the arguments
-    Juncao       // text = a & b & c: the parts in juncao
+    Juncao,      // text = a & b & c: the parts in juncao
+    Salto,       // GoTo: desvio is the label's statement
+    Nulo,        // a statement that does nothing, such as a label
+    JoinStr,     // alvo = JoinStr(partes): each part a variable or a constant
+    RepStr       // RepStr fonte, partes: the new text, the start, the length
   };
   Tipo tipo = Tipo::Generico;
   size_t pos = NPOS, fim = 0;
@@ -120,6 +141,7 @@ struct PlanoLinha {
   PlanoValor valor;             // Composto, Retorno
   std::vector<PlanoValor> partes;  // Atribuicao; SubStr: its start and length
   RefVariavel fonte;               // SubStr: the text it cuts
+  bool virgula = false;            // SubStr: the walk keeps the comma behind an element
   PlanoCondicao condicao;       // While, If
   int profundidade = 0;         // If, Else, EndIf: the depth tag
   int32_t numeroSalto = -1;     // While false: the Loop; Else: the EndIf

@@ -207,6 +207,7 @@ void RegistraTextos() {
   c.trecho = Trecho;
   c.Define(u"StrLen", StrLen);
   c.Define(u"StrPos", StrPos);
+  c.posicao = PosicaoTexto;
   c.Define(u"RepStr", RepStr);
   c.Define(u"Trim", Trim);
   c.Define(u"SeqStr", SeqStr);

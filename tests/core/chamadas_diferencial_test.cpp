@@ -10,6 +10,7 @@
 
 #include "core/interpretador.h"
 #include "runtime/headless_host.h"
+#include "tests/core/execucao_comparada.h"
 
 namespace zv {
 namespace {
@@ -127,40 +128,7 @@ class Gerador {
 };
 
 // What a run shows: its boxes, how far it went and its variables.
-std::string Roda(const Texto& fonte, bool semPlanos) {
-  char* buffer = nullptr;
-  size_t tamanho = 0;
-  std::FILE* f = open_memstream(&buffer, &tamanho);
-  std::string r;
-  {
-    HostConsole host(f);
-    Interpretador zv(host);
-    zv.semPlanos = semPlanos;
-    zv.limiteInstrucoes = 5000;
-    zv.fonte.textos[0] = fonte;
-    zv.Executa();
-    std::fflush(f);
-    r.assign(buffer, tamanho);
-    r += "statements " + std::to_string(zv.instrucoesExecutadas) + "\n";
-    const Variaveis& v = zv.variaveis;
-    for (TipoVariavel t : {TipoVariavel::String, TipoVariavel::Integer, TipoVariavel::Decimal}) {
-      for (const EntradaVariavel& e : v.Diretorio(t)) {
-        r += Utf8(e.nome) + "@" + std::to_string(e.inicio) + ":";
-        for (int32_t i = 0; i < e.tamanho; ++i) {
-          size_t k = static_cast<size_t>(e.inicio + i);
-          r += t == TipoVariavel::String    ? Utf8(v.textos[k])
-               : t == TipoVariavel::Integer ? std::to_string(v.inteiros[k])
-                                            : Utf8(NumeroParaTexto(v.decimais[k]));
-          r += ";";
-        }
-        r += "\n";
-      }
-    }
-  }
-  std::fclose(f);
-  std::free(buffer);
-  return r;
-}
+std::string Roda(const Texto& fonte, bool semPlanos) { return RodaParaComparar(fonte, semPlanos, 5000, true); }
 
 TEST(ChamadasPlanejadas, GeneratedProgramsRunTheSameWithAndWithoutPlans) {
   for (uint32_t semente = 1; semente <= 400; ++semente) {

@@ -16,6 +16,7 @@
 #include "core/interpretador.h"
 #include "library/biblioteca.h"
 #include "runtime/headless_host.h"
+#include "tests/core/execucao_comparada.h"
 
 namespace zv {
 namespace {
@@ -120,38 +121,7 @@ class GeradorJuncoes {
 std::string Roda(const Texto& fonte, bool semPlanos, int64_t limite = 5000) {
   static const bool registrada = (RegistraBiblioteca(), true);
   (void)registrada;
-  char* buffer = nullptr;
-  size_t tamanho = 0;
-  std::FILE* f = open_memstream(&buffer, &tamanho);
-  std::string r;
-  {
-    HostConsole host(f);
-    Interpretador zv(host);
-    zv.semPlanos = semPlanos;
-    zv.limiteInstrucoes = limite;
-    zv.fonte.textos[0] = fonte;
-    zv.Executa();
-    std::fflush(f);
-    r.assign(buffer, tamanho);
-    r += "statements " + std::to_string(zv.instrucoesExecutadas) + "\n";
-    const Variaveis& v = zv.variaveis;
-    for (TipoVariavel t : {TipoVariavel::String, TipoVariavel::Integer, TipoVariavel::Decimal}) {
-      for (const EntradaVariavel& e : v.Diretorio(t)) {
-        r += Utf8(e.nome) + "@" + std::to_string(e.inicio) + ":";
-        for (int32_t i = 0; i < e.tamanho; ++i) {
-          size_t k = static_cast<size_t>(e.inicio + i);
-          r += t == TipoVariavel::String    ? Utf8(v.textos[k])
-               : t == TipoVariavel::Integer ? std::to_string(v.inteiros[k])
-                                            : Utf8(NumeroParaTexto(v.decimais[k]));
-          r += ";";
-        }
-        r += "\n";
-      }
-    }
-  }
-  std::fclose(f);
-  std::free(buffer);
-  return r;
+  return RodaParaComparar(fonte, semPlanos, limite, true);
 }
 
 TEST(JuncoesPlanejadas, GeneratedProgramsRunTheSameWithAndWithoutPlans) {
