@@ -297,6 +297,7 @@ class Interpretador {
   bool PreparaChamadaTexto(const Texto& nome, const Texto& args, ChamadaTexto& c, bool numerico);
   bool PreparaAtribuicaoChamada(const Texto& nome, const Texto& dir, PlanoLinha& pl);
   bool NumeroDaChamada(ChamadaTexto& c, double& x);
+  bool CalculoComChamada(const PlanoValor& p, double& x);
   const Texto* TextoDaChamada(ChamadaTexto& c);
   bool ValorDaChamada(ChamadaTexto& c, Valor& v);
   bool LeParte(const RefVariavel& r, uint64_t geracao, Valor& v);
@@ -352,6 +353,9 @@ inline bool Interpretador::NumeroRapido(const PlanoValor& p, double& x, Valor::T
     return NumeroDaChamada(*p.chamada, x);
   }
   tipo = Valor::Tipo::Decimal;
+  // A call's hole goes its own way, so that the commonest calculations pay
+  // nothing for it.
+  if (p.temChamada) [[unlikely]] return CalculoComChamada(p, x);
   return CalculoRapido(p, x);
 }
 

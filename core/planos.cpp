@@ -15,7 +15,6 @@ namespace zv {
 namespace {
 
 constexpr uint32_t kSemMarca = UINT32_MAX;
-constexpr size_t kMaxBuracos = 16;
 
 bool CaractereDeNome(char16_t c) { return ELetra(c) || EDigito(c) || c == u'_' || c == u'.'; }
 
@@ -104,11 +103,7 @@ bool Interpretador::CalculoRapido(const PlanoValor& p, double& x) {
   for (size_t n = 0; n < p.refs.size(); ++n) {
     const RefVariavel& r = p.refs[n];
     int64_t i;
-    if (r.tipo != TipoVariavel::Integer || !IndiceRef(r, i)) [[unlikely]] {
-      // A call's hole (typed String, so that it lands here): its whole number.
-      if (r.chamada && NumeroDaChamada(*r.chamada, valores[n])) continue;
-      return false;
-    }
+    if (r.tipo != TipoVariavel::Integer || !IndiceRef(r, i)) return false;
     int32_t v = variaveis.inteiros[static_cast<size_t>(r.inicio + i)];
     if (v < 0) return false;
     valores[n] = v;

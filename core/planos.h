@@ -25,16 +25,22 @@ struct PlanoLinha;
 struct ChamadaTexto;
 
 // A variable as a statement names it ("x", "L(3)", "L(i)"), found.
+// Variables a planned calculation reads at most; one with more goes the
+// walk's way.
+inline constexpr size_t kMaxBuracos = 16;
+
+// Laid out in 64 bytes: the hot loops index arrays of them.
 struct RefVariavel {
   Texto nome;
-  TipoVariavel tipo = TipoVariavel::Integer;
-  int32_t inicio = 0, tamanho = 0;
-  bool indiceVariavel = false;
   int64_t indice = 0;  // the fixed index
-  TipoVariavel tipoIndice = TipoVariavel::Integer;
+  int32_t inicio = 0, tamanho = 0;
   int32_t posIndice = 0;  // value of the index variable
-  // A hole of a calculation that a text command fills (see planos_textos.cpp).
-  std::shared_ptr<ChamadaTexto> chamada;
+  TipoVariavel tipo = TipoVariavel::Integer;
+  TipoVariavel tipoIndice = TipoVariavel::Integer;
+  bool indiceVariavel = false;
+  // A hole of a calculation that a text command fills (see
+  // planos_textos.cpp); the PlanoValor that holds the ref owns it.
+  ChamadaTexto* chamada = nullptr;
 };
 
 // The value of an expression as ValorNumerico works it out.
@@ -51,8 +57,11 @@ struct PlanoValor {
   std::vector<RefVariavel> refs;
   bool pecaUnica = false;  // the whole text was one piece: it stays text
   bool temArvore = false;  // the calculation parsed once, for whole values of 0 or more
+  bool temChamada = false; // a text command fills one of the refs (CalculoComChamada)
   ArvoreCalculo arvore;
-  std::shared_ptr<ChamadaTexto> chamada;  // Chamada: the whole value is one call
+  // Chamada: the whole value is one call; Aritmetica: the call in one of
+  // the refs.
+  std::shared_ptr<ChamadaTexto> chamada;
 };
 
 // A call of StrLen, StrPos, ConvStr or SubStr that a plan works out on the

@@ -192,7 +192,7 @@ bool Interpretador::PreparaValorComChamada(const Texto& t, PlanoValor& p, bool n
       RefVariavel r;
       r.nome = chamada;
       r.tipo = TipoVariavel::String;  // never read as a variable
-      r.chamada = c;
+      r.chamada = c.get();
       refs.push_back(std::move(r));
       i = fim - 1;
       continue;
@@ -218,8 +218,31 @@ bool Interpretador::PreparaValorComChamada(const Texto& t, PlanoValor& p, bool n
   pedacos.push_back(std::move(pedaco));
   p.pedacos = std::move(pedacos);
   p.refs = std::move(refs);
-  p.temArvore = p.refs.size() <= 16 && p.arvore.Compila(p.pedacos);
+  p.temArvore = p.refs.size() <= kMaxBuracos && p.arvore.Compila(p.pedacos);
+  p.temChamada = true;
+  p.chamada = std::move(c);
   p.tipo = PlanoValor::Tipo::Aritmetica;
+  return true;
+}
+
+// CalculoRapido for a calculation with a call's hole (typed String, so that
+// no variable read takes it): the call's whole number stands there.
+bool Interpretador::CalculoComChamada(const PlanoValor& p, double& x) {
+  double valores[kMaxBuracos];
+  for (size_t n = 0; n < p.refs.size(); ++n) {
+    const RefVariavel& r = p.refs[n];
+    if (r.chamada) {
+      if (!NumeroDaChamada(*r.chamada, valores[n])) return false;
+      continue;
+    }
+    int64_t i;
+    if (r.tipo != TipoVariavel::Integer || !IndiceRef(r, i)) return false;
+    int32_t v = variaveis.inteiros[static_cast<size_t>(r.inicio + i)];
+    if (v < 0) return false;
+    valores[n] = v;
+  }
+  double r;
+  x = p.arvore.Calcula(valores, r) ? NumeroRelido(r) : 0;
   return true;
 }
 
