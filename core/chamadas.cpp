@@ -136,10 +136,12 @@ bool Interpretador::ChamadaSemNomes(const Texto& nome, ModeloFuncao& m, const Pl
     TipoVariavel t = m.tiposLocais[i];
     size_t k = static_cast<size_t>(cp->vagas[i].second);
     if (textos[i]) {
-      if (t == TipoVariavel::String)
+      if (t == TipoVariavel::String) {
         variaveis.textos[k] = *textos[i];
-      else
+        variaveis.Escreveu(k);
+      } else {
         GravaNaPosicao(t, k, Valor::DeTexto(*textos[i]));
+      }
     } else if (t == TipoVariavel::Integer && tipos[i] == Valor::Tipo::Int32) {
       variaveis.inteiros[k] = static_cast<int32_t>(numeros[i]);
     } else {

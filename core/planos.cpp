@@ -393,7 +393,8 @@ void Interpretador::PreparaSubStr(const Texto& dir, PlanoLinha& pl) {
 bool Interpretador::SubStrRapido(PlanoLinha& pl) {
   int64_t i, k;
   if (!IndiceRef(pl.fonte, i) || !IndiceRef(pl.alvo, k)) return false;
-  const Texto& t = variaveis.textos[static_cast<size_t>(pl.fonte.inicio + i)];
+  const size_t q = static_cast<size_t>(pl.fonte.inicio + i), a = static_cast<size_t>(pl.alvo.inicio + k);
+  const Texto& t = variaveis.textos[q];
   int64_t limites[2] = {0, static_cast<int64_t>(t.size())};
   for (size_t n = 0; n < pl.partes.size(); ++n) {
     // As a whole number, the way the argument reaches SubStr.
@@ -406,17 +407,21 @@ bool Interpretador::SubStrRapido(PlanoLinha& pl) {
   TextoV r;
   if (!Comandos().trecho(t, limites[0], limites[1], r)) return false;
   // The result comes back quoted and is read again as a value.
-  if (!VoltaIgual(r) || (pl.virgula && !VirgulaInofensiva(r))) return false;
-  Texto& alvo = variaveis.textos[static_cast<size_t>(pl.alvo.inicio + k)];
+  if (!VoltaIgualGuardado(q, r) || (pl.virgula && !VirgulaInofensiva(r))) return false;
+  Texto& alvo = variaveis.textos[a];
   if (r.empty()) {
     alvo.clear();
-  } else if (&alvo == &t) {
-    // The text cut where it lies: its end dropped, then its front.
+    variaveis.Escreveu(a);
+  } else if (a == q) {
+    // The text cut where it lies: its end dropped, then its front. All of
+    // what is left was found clean.
     size_t de = static_cast<size_t>(r.data() - t.data()), n = r.size();
     alvo.resize(de + n);
     alvo.erase(0, de);
+    variaveis.AnotaLimpo(a, n);
   } else {
     alvo.assign(r.data(), r.size());
+    variaveis.Escreveu(a);
   }
   forcaTexto = false;
   return true;
@@ -703,6 +708,7 @@ bool Interpretador::AtribuicaoRapida(PlanoLinha& pl) {
     const Texto* t = TextoRapido(p);
     if (!t || t->size() > kMaxTexto) return false;
     variaveis.textos[k] = *t;
+    variaveis.Escreveu(k);
     forcaTexto = false;
     return true;
   }

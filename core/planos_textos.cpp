@@ -273,7 +273,9 @@ const Texto* Interpretador::TextoDaChamada(ChamadaTexto& c) {
     if (!NumeroRapido(c.inicio, x, tx) || !ArredondaInt32(x, inicio)) return nullptr;
     if (c.temTamanho && (!NumeroRapido(c.tamanho, x, tx) || !ArredondaInt32(x, tamanho))) return nullptr;
     TextoV r;
-    if (!Comandos().trecho(t, inicio, tamanho, r) || !VoltaIgual(r)) return nullptr;
+    if (!Comandos().trecho(t, inicio, tamanho, r) ||
+        !VoltaIgualGuardado(static_cast<size_t>(c.texto.inicio + i), r))
+      return nullptr;
     c.resultado.assign(r.data(), r.size());
     return &c.resultado;
   }
@@ -313,14 +315,28 @@ bool Interpretador::LeParte(const RefVariavel& r, uint64_t geracao, Valor& v) {
 // as a value: it comes back as itself unless it holds a quote or a nesting
 // tag, ends with ')' (taken for the end of a quoted argument) or a variable
 // is named after it.
-bool Interpretador::VoltaIgual(TextoV r) {
+bool Interpretador::VoltaIgual(TextoV r) { return VoltaIgualDesde(r, 0); }
+
+// As VoltaIgual, with the characters before `desde` known to hold nothing
+// suspect on their own: only a tag that ends after them is still looked for.
+bool Interpretador::VoltaIgualDesde(TextoV r, size_t desde) {
   if (!r.empty() && r.back() == u')') return false;
-  if (!SemSuspeitos(r, 0, 0)) return false;
+  char16_t a2 = desde >= 2 ? r[desde - 2] : 0, a1 = desde >= 1 ? r[desde - 1] : 0;
+  if (!SemSuspeitos(r.substr(desde), a2, a1)) return false;
   if (r.size() + 2 <= 50 && variaveis.HaNomeComAspas()) {
     Texto aspas = u"\"" + Texto(r) + u"\"";
     if (variaveis.Posicao(aspas) >= 0) return false;
   }
   return true;
+}
+
+// A part of a clean prefix is clean itself: its suspects are the prefix's,
+// with no more characters before them.
+bool Interpretador::VoltaIgualGuardado(size_t k, TextoV r) {
+  const Texto& t = variaveis.textos[k];
+  if (r.empty() || r.data() < t.data() || r.data() + r.size() > t.data() + t.size()) return VoltaIgual(r);
+  size_t de = static_cast<size_t>(r.data() - t.data()), limpo = variaveis.PrefixoLimpo(k);
+  return VoltaIgualDesde(r, limpo > de ? std::min(limpo - de, r.size()) : 0);
 }
 
 // "text = SubStr(L(i), ...)": the walk takes the arguments for the element's
@@ -390,7 +406,9 @@ bool Interpretador::PreparaJoinStr(const Texto& nome, const Texto& dir, PlanoLin
 bool Interpretador::JoinStrRapido(PlanoLinha& pl) {
   int64_t k;
   if (!IndiceRef(pl.alvo, k)) return false;
-  Texto& alvo = variaveis.textos[static_cast<size_t>(pl.alvo.inicio + k)];
+  const size_t a = static_cast<size_t>(pl.alvo.inicio + k);
+  Texto& alvo = variaveis.textos[a];
+  size_t limpo = 0;  // of the first part, known to the store
   // Each part's text; numbers are made into `numeros` first, so that the
   // pointers stay put.
   const size_t n = pl.partes.size();
@@ -409,6 +427,7 @@ bool Interpretador::JoinStrRapido(PlanoLinha& pl) {
     size_t q = static_cast<size_t>(p.var.inicio + j);
     if (p.var.tipo == TipoVariavel::String) {
       textos[i] = &variaveis.textos[q];
+      if (i == 0) limpo = variaveis.PrefixoLimpo(q);
       continue;
     }
     Valor v = p.var.tipo == TipoVariavel::Integer ? Valor::DeInt32(variaveis.inteiros[q])
@@ -431,7 +450,13 @@ bool Interpretador::JoinStrRapido(PlanoLinha& pl) {
   char16_t a2 = 0, a1 = 0;
   for (size_t i = 0; i < n; ++i) {
     TextoV t = parte(i);
-    if (!SemSuspeitos(t, a2, a1)) return false;
+    // The first part is read only behind what the store knows clean.
+    size_t de = i == 0 ? limpo : 0;
+    if (de > 0) {
+      a2 = de >= 2 ? t[de - 2] : 0;
+      a1 = t[de - 1];
+    }
+    if (!SemSuspeitos(t.substr(de), a2, a1)) return false;
     total += t.size();
     if (t.size() >= 2) {
       a2 = t[t.size() - 2];
@@ -458,11 +483,14 @@ bool Interpretador::JoinStrRapido(PlanoLinha& pl) {
       else
         alvo.append(parte(i));
     }
+    // All of it was found clean.
+    variaveis.AnotaLimpo(a, alvo.size());
   } else {
     Texto r;
     r.reserve(total);
     for (size_t i = 0; i < n; ++i) r += parte(i);
     alvo = std::move(r);
+    variaveis.Escreveu(a);
   }
   forcaTexto = false;
   return true;
@@ -527,6 +555,7 @@ bool Interpretador::RepStrRapido(PlanoLinha& pl) {
   size_t de = static_cast<size_t>(inicio - 1);
   size_t n = std::min(novo->size(), alvo.size() - de);
   if (tamanho > 0) n = std::min(n, static_cast<size_t>(tamanho));
+  variaveis.Escreveu(static_cast<size_t>(pl.fonte.inicio + k), de);
   if (novo == &alvo)
     alvo.replace(de, n, Texto(alvo, 0, n));
   else

@@ -171,6 +171,8 @@ bool Variaveis::Remove(TextoV nome) {
       decimais.erase(decimais.begin() + f, decimais.begin() + f + s);
       break;
   }
+  // Values behind it moved down.
+  if (static_cast<TipoVariavel>(l.tipo) == TipoVariavel::String) indiceLimpo_ = -1;
   if (--it->second.second == 0)
     indice_.erase(it);
   else
@@ -190,6 +192,7 @@ void Variaveis::Limpa() {
   std::fill(guardadosComDigito_.begin(), guardadosComDigito_.end(), 0);
   std::fill(consultadosComDigito_.begin(), consultadosComDigito_.end(), 0);
   nomesComAspas_ = 0;
+  indiceLimpo_ = -1;
   entradaEncontrada = nullptr;
 }
 

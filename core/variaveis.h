@@ -3,6 +3,7 @@
 // that a lookup doesn't scan.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <unordered_map>
 #include <unordered_set>
@@ -58,9 +59,10 @@ class Variaveis {
       decimais.push_back(0.0);
   }
   [[gnu::always_inline]] void RetiraValor(TipoVariavel t) {
-    if (t == TipoVariavel::String)
+    if (t == TipoVariavel::String) {
       textos.pop_back();
-    else if (t == TipoVariavel::Integer)
+      if (indiceLimpo_ >= static_cast<int64_t>(textos.size())) indiceLimpo_ = -1;
+    } else if (t == TipoVariavel::Integer)
       inteiros.pop_back();
     else
       decimais.pop_back();
@@ -97,6 +99,22 @@ class Variaveis {
     Lembranca& operator=(const Lembranca&) = delete;
   };
 
+  // How long a prefix of one stored text is known to read back in quotes
+  // as itself (no quote, no nesting tag), so that the plans check a text
+  // they grow or cut only where it changed. Whatever changes any of those
+  // first characters forgets it (Escreveu); appends leave it true.
+  size_t PrefixoLimpo(size_t k) const {
+    return static_cast<int64_t>(k) == indiceLimpo_ ? std::min(prefixoLimpo_, textos[k].size()) : 0;
+  }
+  void AnotaLimpo(size_t k, size_t n) {
+    indiceLimpo_ = static_cast<int64_t>(k);
+    prefixoLimpo_ = n;
+  }
+  // The text at k changed from its character `de` on.
+  void Escreveu(size_t k, size_t de = 0) {
+    if (static_cast<int64_t>(k) == indiceLimpo_) prefixoLimpo_ = std::min(prefixoLimpo_, de);
+  }
+
   const std::vector<EntradaVariavel>& Diretorio(TipoVariavel t) const { return dir_[int(t)]; }
   std::vector<Texto> textos;      // ValoresTexto
   std::vector<int32_t> inteiros;  // ValoresInteiro
@@ -125,6 +143,8 @@ class Variaveis {
   std::vector<uint32_t> guardadosComDigito_ = std::vector<uint32_t>(128 * 51);
   std::vector<uint32_t> consultadosComDigito_ = std::vector<uint32_t>(128 * 51);
   uint32_t nomesComAspas_ = 0;
+  int64_t indiceLimpo_ = -1;
+  size_t prefixoLimpo_ = 0;
 };
 
 }  // namespace zv
