@@ -310,7 +310,6 @@ class Interpretador {
   // The same for a part of the stored text k, read only where the store
   // doesn't know it clean.
   bool VoltaIgualGuardado(size_t k, TextoV r);
-  bool VoltaIgualDesde(TextoV r, size_t desde);
   bool VirgulaAposElemento(const Texto& dir, PlanoLinha& pl);
   bool VirgulaInofensiva(TextoV r);
   // "text += value" with a text value: appended where the text lies.

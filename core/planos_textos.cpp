@@ -315,14 +315,9 @@ bool Interpretador::LeParte(const RefVariavel& r, uint64_t geracao, Valor& v) {
 // as a value: it comes back as itself unless it holds a quote or a nesting
 // tag, ends with ')' (taken for the end of a quoted argument) or a variable
 // is named after it.
-bool Interpretador::VoltaIgual(TextoV r) { return VoltaIgualDesde(r, 0); }
-
-// As VoltaIgual, with the characters before `desde` known to hold nothing
-// suspect on their own: only a tag that ends after them is still looked for.
-bool Interpretador::VoltaIgualDesde(TextoV r, size_t desde) {
+bool Interpretador::VoltaIgual(TextoV r) {
   if (!r.empty() && r.back() == u')') return false;
-  char16_t a2 = desde >= 2 ? r[desde - 2] : 0, a1 = desde >= 1 ? r[desde - 1] : 0;
-  if (!SemSuspeitos(r.substr(desde), a2, a1)) return false;
+  if (!SemSuspeitos(r, 0, 0)) return false;
   if (r.size() + 2 <= 50 && variaveis.HaNomeComAspas()) {
     Texto aspas = u"\"" + Texto(r) + u"\"";
     if (variaveis.Posicao(aspas) >= 0) return false;
@@ -331,12 +326,18 @@ bool Interpretador::VoltaIgualDesde(TextoV r, size_t desde) {
 }
 
 // A part of a clean prefix is clean itself: its suspects are the prefix's,
-// with no more characters before them.
+// with no more characters before them. Only the rest is read, with the two
+// characters before it. (No variable's name is as long as the parts this
+// looks up.)
 bool Interpretador::VoltaIgualGuardado(size_t k, TextoV r) {
+  if (r.size() < 64) return VoltaIgual(r);  // read sooner than looked up
   const Texto& t = variaveis.textos[k];
-  if (r.empty() || r.data() < t.data() || r.data() + r.size() > t.data() + t.size()) return VoltaIgual(r);
+  if (r.data() < t.data() || r.data() + r.size() > t.data() + t.size()) return VoltaIgual(r);
   size_t de = static_cast<size_t>(r.data() - t.data()), limpo = variaveis.PrefixoLimpo(k);
-  return VoltaIgualDesde(r, limpo > de ? std::min(limpo - de, r.size()) : 0);
+  size_t desde = limpo > de ? std::min(limpo - de, r.size()) : 0;
+  if (r.back() == u')') return false;
+  char16_t a2 = desde >= 2 ? r[desde - 2] : 0, a1 = desde >= 1 ? r[desde - 1] : 0;
+  return SemSuspeitos(r.substr(desde), a2, a1);
 }
 
 // "text = SubStr(L(i), ...)": the walk takes the arguments for the element's
