@@ -281,7 +281,7 @@ bool Interpretador::JulgaRapido(const PlanoCondicao& c, Veredito& veredito) {
     const Texto *sa, *sb;
     if (NumeroRapido(c.operandos[0], a, ta) && NumeroRapido(c.operandos[1], b, tb)) {
       cmp = a < b ? -1 : (a > b ? 1 : 0);
-    } else if ((sa = TextoRapido(c.operandos[0])) && (sb = TextoRapido(c.operandos[1]))) {
+    } else if ((variaveis.Assenta(), sa = TextoRapido(c.operandos[0])) && (sb = TextoRapido(c.operandos[1]))) {
       int r = sa->compare(*sb);
       cmp = r < 0 ? -1 : (r > 0 ? 1 : 0);
     }
@@ -394,8 +394,8 @@ bool Interpretador::SubStrRapido(PlanoLinha& pl) {
   int64_t i, k;
   if (!IndiceRef(pl.fonte, i) || !IndiceRef(pl.alvo, k)) return false;
   const size_t q = static_cast<size_t>(pl.fonte.inicio + i), a = static_cast<size_t>(pl.alvo.inicio + k);
-  const Texto& t = variaveis.textos[q];
-  int64_t limites[2] = {0, static_cast<int64_t>(t.size())};
+  // The numbers first: a StrPos or StrLen among them may read this text.
+  int64_t limites[2] = {0, -1};
   for (size_t n = 0; n < pl.partes.size(); ++n) {
     // As a whole number, the way the argument reaches SubStr.
     double x;
@@ -404,22 +404,34 @@ bool Interpretador::SubStrRapido(PlanoLinha& pl) {
     if (!NumeroRapido(pl.partes[n], x, tx) || !ArredondaInt32(x, v)) return false;
     limites[n] = v;
   }
+  const Texto& t = variaveis.textos[q];
+  const size_t caidos = variaveis.Caidos(q);
+  TextoV valor = TextoV(t).substr(caidos);
+  if (limites[1] < 0 && pl.partes.size() < 2) limites[1] = static_cast<int64_t>(valor.size());
   TextoV r;
-  if (!Comandos().trecho(t, limites[0], limites[1], r)) return false;
+  if (!Comandos().trecho(valor, limites[0], limites[1], r)) return false;
   // The result comes back quoted and is read again as a value.
   if (!VoltaIgualGuardado(q, r) || (pl.virgula && !VirgulaInofensiva(r))) return false;
   Texto& alvo = variaveis.textos[a];
   if (r.empty()) {
+    if (variaveis.Caidos(a)) variaveis.Cai(a, 0);
     alvo.clear();
     variaveis.Escreveu(a);
   } else if (a == q) {
-    // The text cut where it lies: its end dropped, then its front. All of
-    // what is left was found clean.
+    // The text cut where it lies: its end dropped, its front left to drop
+    // until it outweighs the rest. All of what is left was found clean.
     size_t de = static_cast<size_t>(r.data() - t.data()), n = r.size();
     alvo.resize(de + n);
-    alvo.erase(0, de);
-    variaveis.AnotaLimpo(a, n);
+    if (de > n) {
+      variaveis.Cai(a, 0);
+      alvo.erase(0, de);
+      de = 0;
+    } else {
+      variaveis.Cai(a, de);
+    }
+    variaveis.AnotaLimpo(a, de + n);
   } else {
+    if (variaveis.Caidos(a)) variaveis.Cai(a, 0);
     alvo.assign(r.data(), r.size());
     variaveis.Escreveu(a);
   }
@@ -803,6 +815,29 @@ void Interpretador::ExecutaPlanoGeral(PlanoLinha& pl) {
   }
 }
 
+// Plans whose fast ways read texts only through SubStr, StrLen and StrPos,
+// which see a front still to drop.
+bool Interpretador::LeCaidos(const PlanoLinha& pl) {
+  using T = PlanoLinha::Tipo;
+  switch (pl.tipo) {
+    case T::SubStr:
+    case T::While:
+    case T::If:
+    case T::Loop:
+    case T::Salto:
+    case T::Nulo:
+    case T::EndIf:
+    case T::Else:
+      return true;
+    case T::Incremento:
+    case T::Composto:
+    case T::Atribuicao:
+      return pl.alvo.tipo != TipoVariavel::String;
+    default:
+      return false;
+  }
+}
+
 Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLinha* pl, int32_t& numeroSaida,
                                                      size_t& posSaida, size_t& fimSaida, CondicoesFalsas& falsas,
                                                      const CorpoPlanejado* corpo) {
@@ -822,9 +857,16 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     fimSaida = fim;
     return s;
   };
+  // Texts with a front still to drop are whole again before anything but
+  // the plans that know them reads the store, and when these plans stop.
+  struct Assentador {
+    Variaveis& v;
+    ~Assentador() { v.Assenta(); }
+  } assentador{variaveis};
   for (;;) {
     editorAtual = pl->editor;
     linhaAtual = pl->linha;
+    if (variaveis.HaCaidos() && !LeCaidos(*pl)) variaveis.Assenta();
     bool desvia = false;
     bool feito = true;  // false: a fast way gave the statement up
     switch (pl->tipo) {
@@ -858,6 +900,7 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
         Veredito v;
         if (!JulgaRapido(pl->condicao, v)) [[unlikely]] {
           if (corpo) return sai(Seguimento::Generico);
+          variaveis.Assenta();
           EmUso u(pl);
           v = Julga(pl->condicao, pl->geracao);
         }
@@ -894,6 +937,7 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     }
     if (!feito) [[unlikely]] {
       if (corpo) return sai(Seguimento::Generico);
+      variaveis.Assenta();
       EmUso u(pl);
       ExecutaPlanoGeral(*pl);
     }

@@ -244,7 +244,10 @@ bool Interpretador::NumeroDaChamada(ChamadaTexto& c, double& x) {
   if (c.funcao == ChamadaTexto::Funcao::ConvStr || c.funcao == ChamadaTexto::Funcao::SubStr ||
       !IndiceRef(c.texto, i))
     return false;
-  const Texto& t = variaveis.textos[static_cast<size_t>(c.texto.inicio + i)];
+  // What is looked for is read whole.
+  if (c.busca.tipo == PlanoValor::Tipo::Variavel) variaveis.Assenta();
+  const size_t q = static_cast<size_t>(c.texto.inicio + i);
+  TextoV t = TextoV(variaveis.textos[q]).substr(variaveis.Caidos(q));
   if (c.funcao == ChamadaTexto::Funcao::StrLen) {
     x = static_cast<double>(t.size());
     return true;
@@ -265,6 +268,7 @@ bool Interpretador::NumeroDaChamada(ChamadaTexto& c, double& x) {
 const Texto* Interpretador::TextoDaChamada(ChamadaTexto& c) {
   int64_t i;
   if (c.funcao == ChamadaTexto::Funcao::SubStr) {
+    variaveis.Assenta();  // its result is read whole by plans that don't know a front to drop
     if (!IndiceRef(c.texto, i)) return nullptr;
     const Texto& t = variaveis.textos[static_cast<size_t>(c.texto.inicio + i)];
     int32_t inicio, tamanho = static_cast<int32_t>(std::min<size_t>(t.size(), INT32_MAX));

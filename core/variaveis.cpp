@@ -144,6 +144,7 @@ bool Variaveis::Remove(TextoV nome) {
   auto it = indice_.find(chave);
   if (it == indice_.end()) return false;
   Local l = it->second.first;
+  Assenta();
   auto& d = dir_[l.tipo];
   // What was found before moves down when it stands behind this entry.
   bool muda = Consultado(chave);
@@ -193,6 +194,8 @@ void Variaveis::Limpa() {
   std::fill(consultadosComDigito_.begin(), consultadosComDigito_.end(), 0);
   nomesComAspas_ = 0;
   indiceLimpo_ = -1;
+  indiceCaido_ = -1;
+  caidos_ = 0;
   entradaEncontrada = nullptr;
 }
 

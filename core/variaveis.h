@@ -60,6 +60,7 @@ class Variaveis {
   }
   [[gnu::always_inline]] void RetiraValor(TipoVariavel t) {
     if (t == TipoVariavel::String) {
+      Assenta();
       textos.pop_back();
       if (indiceLimpo_ >= static_cast<int64_t>(textos.size())) indiceLimpo_ = -1;
     } else if (t == TipoVariavel::Integer)
@@ -115,6 +116,30 @@ class Variaveis {
     if (static_cast<int64_t>(k) == indiceLimpo_) prefixoLimpo_ = std::min(prefixoLimpo_, de);
   }
 
+  // Characters cut off the front of one stored text and not yet moved out:
+  // its value is what follows them, and its clean prefix counts them (what
+  // lies between them and the prefix's end is clean). Only the plans that
+  // know it read that text so (SubStr's, and StrLen's and StrPos's in a
+  // number); before anything else reads the store, Assenta moves them out.
+  // They are moved once they outnumber what is kept, so each character is
+  // moved at most once more than it would be read.
+  size_t Caidos(size_t k) const { return static_cast<int64_t>(k) == indiceCaido_ ? caidos_ : 0; }
+  bool HaCaidos() const { return caidos_ != 0; }
+  void Assenta() {
+    if (caidos_ == 0) return;
+    textos[static_cast<size_t>(indiceCaido_)].erase(0, caidos_);
+    if (indiceLimpo_ == indiceCaido_) prefixoLimpo_ = prefixoLimpo_ > caidos_ ? prefixoLimpo_ - caidos_ : 0;
+    caidos_ = 0;
+    indiceCaido_ = -1;
+  }
+  // The text at k is to drop `n` characters from its front in all.
+  void Cai(size_t k, size_t n) {
+    if (static_cast<int64_t>(k) != indiceCaido_) Assenta();
+    indiceCaido_ = static_cast<int64_t>(k);
+    caidos_ = n;
+    if (n == 0) indiceCaido_ = -1;
+  }
+
   const std::vector<EntradaVariavel>& Diretorio(TipoVariavel t) const { return dir_[int(t)]; }
   std::vector<Texto> textos;      // ValoresTexto
   std::vector<int32_t> inteiros;  // ValoresInteiro
@@ -145,6 +170,8 @@ class Variaveis {
   uint32_t nomesComAspas_ = 0;
   int64_t indiceLimpo_ = -1;
   size_t prefixoLimpo_ = 0;
+  int64_t indiceCaido_ = -1;
+  size_t caidos_ = 0;
 };
 
 }  // namespace zv

@@ -135,7 +135,8 @@ class Gerador {
 };
 
 // Loops that grow a text with JoinStr and eat it from the front with SubStr,
-// mixed with every other kind of write to the same variable, with pieces
+// read by StrLen, StrPos and SubStr while its front is still to drop, mixed
+// with every other kind of write to the same variable, with pieces
 // that make quotes and nesting tags across the joins and the cuts. No text
 // is joined to a long one, so they grow by a few characters a turn.
 class GeradorAcumulador {
@@ -177,7 +178,7 @@ class GeradorAcumulador {
   }
   std::string Alvo() { return Escolhe({"s", "s", "s", "a(1)", "a(k)"}); }
   std::string Sentenca() {
-    switch (Um(16)) {
+    switch (Um(19)) {
       case 0:
       case 1:
       case 2:
@@ -207,7 +208,12 @@ class GeradorAcumulador {
       case 12:
         return Escolhe({"t", "a(1)"}) + " = JoinStr(s, " + Escolhe({"x", "y"}) + ")";
       case 13:
-        return "p = StrPos(s, " + Escolhe({"x", "\";\"", "\"(\"", "y"}) + ")";
+        return "p = StrPos(s, " + Escolhe({"x", "\";\"", "\"(\"", "y"}) + Escolhe({"", ", k + 1", ", p + 1"}) + ")";
+      case 16:
+        return "p = " + Escolhe({"StrLen(s)", "StrLen(s) - StrPos(s, \";\")", "p + StrLen(a(1))"});
+      case 17:
+        return "If " + Escolhe({"StrPos(s, \";\") > 2", "SubStr(s, 1, 1) = \"w\"", "StrLen(s) < k + 9"}) +
+               "\r\n    a(2) = SubStr(s, " + Escolhe({"2, 5", "p", "k + 1"}) + ")\r\n  EndIf";
       case 14:
         return "x = " + Peca();
       default:
