@@ -88,7 +88,16 @@ Interpretador::Seguimento Interpretador::CorreCorpo(CorpoPlanejado& cp, Condicoe
   numero = cp.primeiro;
   size_t pos = pl->pos, fim = pl->fim;
   if (pl->tipo == PlanoLinha::Tipo::Generico) return Seguimento::Generico;
-  return CorrePlanos(cp.modelo, pl, numero, pos, fim, falsas, &cp);
+  // A text cut by the plans is whole again for the walk, whichever way they stop.
+  Seguimento s;
+  try {
+    s = CorrePlanos(cp.modelo, pl, numero, pos, fim, falsas, &cp);
+  } catch (...) {
+    variaveis.Assenta();
+    throw;
+  }
+  variaveis.Assenta();
+  return s;
 }
 
 // The walk goes on over this call's own body, from where the plans stopped.

@@ -289,7 +289,6 @@ class Interpretador {
   bool RetornoRapido(PlanoLinha& pl);
   void PreparaSubStr(const Texto& dir, PlanoLinha& pl);
   bool SubStrRapido(PlanoLinha& pl);
-  bool LeCaidos(const PlanoLinha& pl);
   // Joins "text = a & b & c" (planos_juncao.cpp).
   void PreparaJuncao(const Texto& linha, const Texto& nome, const Texto& dir, PlanoLinha& pl, bool emCorpo);
   bool JuncaoRapida(PlanoLinha& pl);

@@ -686,6 +686,7 @@ bool Interpretador::CompostoRapido(PlanoLinha& pl) {
   if (!IndiceRef(pl.alvo, i)) return false;
   size_t k = static_cast<size_t>(pl.alvo.inicio + i);
   if (pl.alvo.tipo == TipoVariavel::String) {
+    variaveis.Assenta();
     const Texto* d = pl.mais ? TextoRapido(pl.valor) : nullptr;
     Texto& x = variaveis.textos[k];
     if (!d || x.size() + d->size() > kMaxTexto) return false;
@@ -717,6 +718,7 @@ bool Interpretador::AtribuicaoRapida(PlanoLinha& pl) {
   size_t k = static_cast<size_t>(pl.alvo.inicio + i);
   const PlanoValor& p = pl.partes[0];
   if (pl.alvo.tipo == TipoVariavel::String) {
+    variaveis.Assenta();
     const Texto* t = TextoRapido(p);
     if (!t || t->size() > kMaxTexto) return false;
     variaveis.textos[k] = *t;
@@ -815,29 +817,6 @@ void Interpretador::ExecutaPlanoGeral(PlanoLinha& pl) {
   }
 }
 
-// Plans whose fast ways read texts only through SubStr, StrLen and StrPos,
-// which see a front still to drop.
-bool Interpretador::LeCaidos(const PlanoLinha& pl) {
-  using T = PlanoLinha::Tipo;
-  switch (pl.tipo) {
-    case T::SubStr:
-    case T::While:
-    case T::If:
-    case T::Loop:
-    case T::Salto:
-    case T::Nulo:
-    case T::EndIf:
-    case T::Else:
-      return true;
-    case T::Incremento:
-    case T::Composto:
-    case T::Atribuicao:
-      return pl.alvo.tipo != TipoVariavel::String;
-    default:
-      return false;
-  }
-}
-
 Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLinha* pl, int32_t& numeroSaida,
                                                      size_t& posSaida, size_t& fimSaida, CondicoesFalsas& falsas,
                                                      const CorpoPlanejado* corpo) {
@@ -857,16 +836,13 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     fimSaida = fim;
     return s;
   };
-  // Texts with a front still to drop are whole again before anything but
-  // the plans that know them reads the store, and when these plans stop.
-  struct Assentador {
-    Variaveis& v;
-    ~Assentador() { v.Assenta(); }
-  } assentador{variaveis};
+  // A text with a front still to drop (see Variaveis::Caidos) is made whole
+  // before any plan but those of SubStr, of numbers and of conditions reads
+  // the store, before a statement's slow way, and by the callers when these
+  // plans stop (those plans throw nothing).
   for (;;) {
     editorAtual = pl->editor;
     linhaAtual = pl->linha;
-    if (variaveis.HaCaidos() && !LeCaidos(*pl)) variaveis.Assenta();
     bool desvia = false;
     bool feito = true;  // false: a fast way gave the statement up
     switch (pl->tipo) {
@@ -885,14 +861,17 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
         if (!SubStrRapido(*pl)) return sai(Seguimento::Generico);
         break;
       case T::Juncao: {
+        variaveis.Assenta();
         EmUso u(pl);
         if (!JuncaoRapida(*pl)) return sai(Seguimento::Generico);
         break;
       }
       case T::JoinStr:
+        variaveis.Assenta();
         if (!JoinStrRapido(*pl)) return sai(Seguimento::Generico);
         break;
       case T::RepStr:
+        variaveis.Assenta();
         if (!RepStrRapido(*pl)) return sai(Seguimento::Generico);
         break;
       case T::While:
@@ -925,11 +904,13 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
         }
         break;
       case T::Retorno:
+        variaveis.Assenta();
         feito = RetornoRapido(*pl);
         break;
       case T::FimFuncao:
         return sai(Seguimento::Fim);
       case T::Chamada: {
+        variaveis.Assenta();
         EmUso u(pl);
         ExecutaChamada(*pl);
         break;

@@ -182,6 +182,13 @@ bool Variaveis::Remove(TextoV nome) {
   return true;
 }
 
+void Variaveis::MoveCaidos() {
+  textos[static_cast<size_t>(indiceCaido_)].erase(0, caidos_);
+  if (indiceLimpo_ == indiceCaido_) prefixoLimpo_ = prefixoLimpo_ > caidos_ ? prefixoLimpo_ - caidos_ : 0;
+  caidos_ = 0;
+  indiceCaido_ = -1;
+}
+
 void Variaveis::Limpa() {
   ++geracao;
   for (auto& d : dir_) d.clear();

@@ -126,11 +126,7 @@ class Variaveis {
   size_t Caidos(size_t k) const { return static_cast<int64_t>(k) == indiceCaido_ ? caidos_ : 0; }
   bool HaCaidos() const { return caidos_ != 0; }
   void Assenta() {
-    if (caidos_ == 0) return;
-    textos[static_cast<size_t>(indiceCaido_)].erase(0, caidos_);
-    if (indiceLimpo_ == indiceCaido_) prefixoLimpo_ = prefixoLimpo_ > caidos_ ? prefixoLimpo_ - caidos_ : 0;
-    caidos_ = 0;
-    indiceCaido_ = -1;
+    if (caidos_ != 0) [[unlikely]] MoveCaidos();
   }
   // The text at k is to drop `n` characters from its front in all.
   void Cai(size_t k, size_t n) {
@@ -152,6 +148,7 @@ class Variaveis {
     uint32_t indice;  // in its directory
   };
   int32_t Acha(const Texto& chave);
+  [[gnu::noinline]] void MoveCaidos();
   void Acrescenta(TipoVariavel t, Texto nome, int32_t inicio, int32_t tamanho);
   static size_t Forma(char16_t inicial, size_t tamanho) { return (inicial & 127u) * 51 + (tamanho > 50 ? 50 : tamanho); }
   static bool TemDigito(const Texto& nome);
