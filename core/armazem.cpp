@@ -93,6 +93,7 @@ void Interpretador::GravaNaPosicao(TipoVariavel tipo, size_t k, const Valor& val
     switch (tipo) {
       case TipoVariavel::String:
         variaveis.textos[k] = valor.ComoTexto();
+        variaveis.Escreveu(k);
         break;
       case TipoVariavel::Integer:
         variaveis.inteiros[k] = valor.ComoInt32();

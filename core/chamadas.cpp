@@ -88,7 +88,16 @@ Interpretador::Seguimento Interpretador::CorreCorpo(CorpoPlanejado& cp, Condicoe
   numero = cp.primeiro;
   size_t pos = pl->pos, fim = pl->fim;
   if (pl->tipo == PlanoLinha::Tipo::Generico) return Seguimento::Generico;
-  return CorrePlanos(cp.modelo, pl, numero, pos, fim, falsas, &cp);
+  // A text cut by the plans is whole again for the walk, whichever way they stop.
+  Seguimento s;
+  try {
+    s = CorrePlanos(cp.modelo, pl, numero, pos, fim, falsas, &cp);
+  } catch (...) {
+    variaveis.Assenta();
+    throw;
+  }
+  variaveis.Assenta();
+  return s;
 }
 
 // The walk goes on over this call's own body, from where the plans stopped.
@@ -136,10 +145,12 @@ bool Interpretador::ChamadaSemNomes(const Texto& nome, ModeloFuncao& m, const Pl
     TipoVariavel t = m.tiposLocais[i];
     size_t k = static_cast<size_t>(cp->vagas[i].second);
     if (textos[i]) {
-      if (t == TipoVariavel::String)
+      if (t == TipoVariavel::String) {
         variaveis.textos[k] = *textos[i];
-      else
+        variaveis.Escreveu(k);
+      } else {
         GravaNaPosicao(t, k, Valor::DeTexto(*textos[i]));
+      }
     } else if (t == TipoVariavel::Integer && tipos[i] == Valor::Tipo::Int32) {
       variaveis.inteiros[k] = static_cast<int32_t>(numeros[i]);
     } else {

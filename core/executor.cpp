@@ -147,7 +147,15 @@ void Interpretador::Caminha(const Texto& texto, const Texto& textoExibicao, int3
       }
       if (!modoDepuracao) {
         if (PlanoLinha* pl = PlanoDe(texto, numero, pos, fim); pl && pl->tipo != PlanoLinha::Tipo::Generico) {
-          Seguimento s = CorrePlanos(texto, pl, numero, pos, fim, falsas, nullptr);
+          // A text cut by the plans is whole again for the walk, whichever way they stop.
+          Seguimento s;
+          try {
+            s = CorrePlanos(texto, pl, numero, pos, fim, falsas, nullptr);
+          } catch (...) {
+            variaveis.Assenta();
+            throw;
+          }
+          variaveis.Assenta();
           if (s == Seguimento::Fim) return;
           if (s == Seguimento::Proximo) continue;
         }

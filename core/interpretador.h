@@ -308,6 +308,9 @@ class Interpretador {
   bool RepStrRapido(PlanoLinha& pl);
   // Whether a text spliced into a statement in quotes reads back as itself.
   bool VoltaIgual(TextoV r);
+  // The same for a part of the stored text k, read only where the store
+  // doesn't know it clean.
+  bool VoltaIgualGuardado(size_t k, TextoV r);
   bool VirgulaAposElemento(const Texto& dir, PlanoLinha& pl);
   bool VirgulaInofensiva(TextoV r);
   // "text += value" with a text value: appended where the text lies.

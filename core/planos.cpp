@@ -276,7 +276,7 @@ bool Interpretador::JulgaRapido(const PlanoCondicao& c, Veredito& veredito) {
     const Texto *sa, *sb;
     if (NumeroRapido(c.operandos[0], a, ta) && NumeroRapido(c.operandos[1], b, tb)) {
       cmp = a < b ? -1 : (a > b ? 1 : 0);
-    } else if ((sa = TextoRapido(c.operandos[0])) && (sb = TextoRapido(c.operandos[1]))) {
+    } else if ((variaveis.Assenta(), sa = TextoRapido(c.operandos[0])) && (sb = TextoRapido(c.operandos[1]))) {
       int r = sa->compare(*sb);
       cmp = r < 0 ? -1 : (r > 0 ? 1 : 0);
     }
@@ -388,8 +388,9 @@ void Interpretador::PreparaSubStr(const Texto& dir, PlanoLinha& pl) {
 bool Interpretador::SubStrRapido(PlanoLinha& pl) {
   int64_t i, k;
   if (!IndiceRef(pl.fonte, i) || !IndiceRef(pl.alvo, k)) return false;
-  const Texto& t = variaveis.textos[static_cast<size_t>(pl.fonte.inicio + i)];
-  int64_t limites[2] = {0, static_cast<int64_t>(t.size())};
+  const size_t q = static_cast<size_t>(pl.fonte.inicio + i), a = static_cast<size_t>(pl.alvo.inicio + k);
+  // The numbers first: a StrPos or StrLen among them may read this text.
+  int64_t limites[2] = {0, -1};
   for (size_t n = 0; n < pl.partes.size(); ++n) {
     // As a whole number, the way the argument reaches SubStr.
     double x;
@@ -398,20 +399,36 @@ bool Interpretador::SubStrRapido(PlanoLinha& pl) {
     if (!NumeroRapido(pl.partes[n], x, tx) || !ArredondaInt32(x, v)) return false;
     limites[n] = v;
   }
+  const Texto& t = variaveis.textos[q];
+  const size_t caidos = variaveis.Caidos(q);
+  TextoV valor = TextoV(t).substr(caidos);
+  if (limites[1] < 0 && pl.partes.size() < 2) limites[1] = static_cast<int64_t>(valor.size());
   TextoV r;
-  if (!Comandos().trecho(t, limites[0], limites[1], r)) return false;
+  if (!Comandos().trecho(valor, limites[0], limites[1], r)) return false;
   // The result comes back quoted and is read again as a value.
-  if (!VoltaIgual(r) || (pl.virgula && !VirgulaInofensiva(r))) return false;
-  Texto& alvo = variaveis.textos[static_cast<size_t>(pl.alvo.inicio + k)];
+  if (!VoltaIgualGuardado(q, r) || (pl.virgula && !VirgulaInofensiva(r))) return false;
+  Texto& alvo = variaveis.textos[a];
   if (r.empty()) {
+    if (variaveis.Caidos(a)) variaveis.Cai(a, 0);
     alvo.clear();
-  } else if (&alvo == &t) {
-    // The text cut where it lies: its end dropped, then its front.
+    variaveis.Escreveu(a);
+  } else if (a == q) {
+    // The text cut where it lies: its end dropped, its front left to drop
+    // until it outweighs the rest. All of what is left was found clean.
     size_t de = static_cast<size_t>(r.data() - t.data()), n = r.size();
     alvo.resize(de + n);
-    alvo.erase(0, de);
+    if (de > n) {
+      variaveis.Cai(a, 0);
+      alvo.erase(0, de);
+      de = 0;
+    } else {
+      variaveis.Cai(a, de);
+    }
+    variaveis.AnotaLimpo(a, de + n);
   } else {
+    if (variaveis.Caidos(a)) variaveis.Cai(a, 0);
     alvo.assign(r.data(), r.size());
+    variaveis.Escreveu(a);
   }
   forcaTexto = false;
   return true;
@@ -664,6 +681,7 @@ bool Interpretador::CompostoRapido(PlanoLinha& pl) {
   if (!IndiceRef(pl.alvo, i)) return false;
   size_t k = static_cast<size_t>(pl.alvo.inicio + i);
   if (pl.alvo.tipo == TipoVariavel::String) {
+    variaveis.Assenta();
     const Texto* d = pl.mais ? TextoRapido(pl.valor) : nullptr;
     Texto& x = variaveis.textos[k];
     if (!d || x.size() + d->size() > kMaxTexto) return false;
@@ -695,9 +713,11 @@ bool Interpretador::AtribuicaoRapida(PlanoLinha& pl) {
   size_t k = static_cast<size_t>(pl.alvo.inicio + i);
   const PlanoValor& p = pl.partes[0];
   if (pl.alvo.tipo == TipoVariavel::String) {
+    variaveis.Assenta();
     const Texto* t = TextoRapido(p);
     if (!t || t->size() > kMaxTexto) return false;
     variaveis.textos[k] = *t;
+    variaveis.Escreveu(k);
     forcaTexto = false;
     return true;
   }
@@ -811,6 +831,10 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     fimSaida = fim;
     return s;
   };
+  // A text with a front still to drop (see Variaveis::Caidos) is made whole
+  // before any plan but those of SubStr, of numbers and of conditions reads
+  // the store, before a statement's slow way, and by the callers when these
+  // plans stop (those plans throw nothing).
   for (;;) {
     editorAtual = pl->editor;
     linhaAtual = pl->linha;
@@ -832,14 +856,17 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
         if (!SubStrRapido(*pl)) return sai(Seguimento::Generico);
         break;
       case T::Juncao: {
+        variaveis.Assenta();
         EmUso u(pl);
         if (!JuncaoRapida(*pl)) return sai(Seguimento::Generico);
         break;
       }
       case T::JoinStr:
+        variaveis.Assenta();
         if (!JoinStrRapido(*pl)) return sai(Seguimento::Generico);
         break;
       case T::RepStr:
+        variaveis.Assenta();
         if (!RepStrRapido(*pl)) return sai(Seguimento::Generico);
         break;
       case T::While:
@@ -847,6 +874,7 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
         Veredito v;
         if (!JulgaRapido(pl->condicao, v)) [[unlikely]] {
           if (corpo) return sai(Seguimento::Generico);
+          variaveis.Assenta();
           EmUso u(pl);
           v = Julga(pl->condicao, pl->geracao);
         }
@@ -871,11 +899,13 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
         }
         break;
       case T::Retorno:
+        variaveis.Assenta();
         feito = RetornoRapido(*pl);
         break;
       case T::FimFuncao:
         return sai(Seguimento::Fim);
       case T::Chamada: {
+        variaveis.Assenta();
         EmUso u(pl);
         ExecutaChamada(*pl);
         break;
@@ -883,6 +913,7 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     }
     if (!feito) [[unlikely]] {
       if (corpo) return sai(Seguimento::Generico);
+      variaveis.Assenta();
       EmUso u(pl);
       ExecutaPlanoGeral(*pl);
     }

@@ -164,7 +164,10 @@ bool Interpretador::JuncaoRapida(PlanoLinha& pl) {
   if (vezesDoAlvo == 1 && primeiroDoAlvo == 0) {
     // s = s & ...: the text grows where it stands, its room doubling.
     for (size_t k = 1; k < n; ++k) t.append(j.pedacos[k]);
-  } else if (vezesDoAlvo == 1 && primeiroDoAlvo == n - 1) {
+    return true;
+  }
+  variaveis.Escreveu(alvo);
+  if (vezesDoAlvo == 1 && primeiroDoAlvo == n - 1) {
     // s = ... & s: what comes before goes in front.
     Texto frente;
     frente.reserve(total - t.size());

@@ -267,7 +267,10 @@ bool Interpretador::NumeroDaChamada(ChamadaTexto& c, double& x) {
   if (c.funcao == ChamadaTexto::Funcao::ConvStr || c.funcao == ChamadaTexto::Funcao::SubStr ||
       !IndiceRef(c.texto, i))
     return false;
-  const Texto& t = variaveis.textos[static_cast<size_t>(c.texto.inicio + i)];
+  // What is looked for is read whole.
+  if (c.busca.tipo == PlanoValor::Tipo::Variavel) variaveis.Assenta();
+  const size_t q = static_cast<size_t>(c.texto.inicio + i);
+  TextoV t = TextoV(variaveis.textos[q]).substr(variaveis.Caidos(q));
   if (c.funcao == ChamadaTexto::Funcao::StrLen) {
     x = static_cast<double>(t.size());
     return true;
@@ -288,6 +291,7 @@ bool Interpretador::NumeroDaChamada(ChamadaTexto& c, double& x) {
 const Texto* Interpretador::TextoDaChamada(ChamadaTexto& c) {
   int64_t i;
   if (c.funcao == ChamadaTexto::Funcao::SubStr) {
+    variaveis.Assenta();  // its result is read whole by plans that don't know a front to drop
     if (!IndiceRef(c.texto, i)) return nullptr;
     const Texto& t = variaveis.textos[static_cast<size_t>(c.texto.inicio + i)];
     int32_t inicio, tamanho = static_cast<int32_t>(std::min<size_t>(t.size(), INT32_MAX));
@@ -296,7 +300,9 @@ const Texto* Interpretador::TextoDaChamada(ChamadaTexto& c) {
     if (!NumeroRapido(c.inicio, x, tx) || !ArredondaInt32(x, inicio)) return nullptr;
     if (c.temTamanho && (!NumeroRapido(c.tamanho, x, tx) || !ArredondaInt32(x, tamanho))) return nullptr;
     TextoV r;
-    if (!Comandos().trecho(t, inicio, tamanho, r) || !VoltaIgual(r)) return nullptr;
+    if (!Comandos().trecho(t, inicio, tamanho, r) ||
+        !VoltaIgualGuardado(static_cast<size_t>(c.texto.inicio + i), r))
+      return nullptr;
     c.resultado.assign(r.data(), r.size());
     return &c.resultado;
   }
@@ -344,6 +350,21 @@ bool Interpretador::VoltaIgual(TextoV r) {
     if (variaveis.Posicao(aspas) >= 0) return false;
   }
   return true;
+}
+
+// A part of a clean prefix is clean itself: its suspects are the prefix's,
+// with no more characters before them. Only the rest is read, with the two
+// characters before it. (No variable's name is as long as the parts this
+// looks up.)
+bool Interpretador::VoltaIgualGuardado(size_t k, TextoV r) {
+  if (r.size() < 64) return VoltaIgual(r);  // read sooner than looked up
+  const Texto& t = variaveis.textos[k];
+  if (r.data() < t.data() || r.data() + r.size() > t.data() + t.size()) return VoltaIgual(r);
+  size_t de = static_cast<size_t>(r.data() - t.data()), limpo = variaveis.PrefixoLimpo(k);
+  size_t desde = limpo > de ? std::min(limpo - de, r.size()) : 0;
+  if (r.back() == u')') return false;
+  char16_t a2 = desde >= 2 ? r[desde - 2] : 0, a1 = desde >= 1 ? r[desde - 1] : 0;
+  return SemSuspeitos(r.substr(desde), a2, a1);
 }
 
 // "text = SubStr(L(i), ...)": the walk takes the arguments for the element's
@@ -413,7 +434,9 @@ bool Interpretador::PreparaJoinStr(const Texto& nome, const Texto& dir, PlanoLin
 bool Interpretador::JoinStrRapido(PlanoLinha& pl) {
   int64_t k;
   if (!IndiceRef(pl.alvo, k)) return false;
-  Texto& alvo = variaveis.textos[static_cast<size_t>(pl.alvo.inicio + k)];
+  const size_t a = static_cast<size_t>(pl.alvo.inicio + k);
+  Texto& alvo = variaveis.textos[a];
+  size_t limpo = 0;  // of the first part, known to the store
   // Each part's text; numbers are made into `numeros` first, so that the
   // pointers stay put.
   const size_t n = pl.partes.size();
@@ -432,6 +455,7 @@ bool Interpretador::JoinStrRapido(PlanoLinha& pl) {
     size_t q = static_cast<size_t>(p.var.inicio + j);
     if (p.var.tipo == TipoVariavel::String) {
       textos[i] = &variaveis.textos[q];
+      if (i == 0) limpo = variaveis.PrefixoLimpo(q);
       continue;
     }
     Valor v = p.var.tipo == TipoVariavel::Integer ? Valor::DeInt32(variaveis.inteiros[q])
@@ -454,7 +478,13 @@ bool Interpretador::JoinStrRapido(PlanoLinha& pl) {
   char16_t a2 = 0, a1 = 0;
   for (size_t i = 0; i < n; ++i) {
     TextoV t = parte(i);
-    if (!SemSuspeitos(t, a2, a1)) return false;
+    // The first part is read only behind what the store knows clean.
+    size_t de = i == 0 ? limpo : 0;
+    if (de > 0) {
+      a2 = de >= 2 ? t[de - 2] : 0;
+      a1 = t[de - 1];
+    }
+    if (!SemSuspeitos(t.substr(de), a2, a1)) return false;
     total += t.size();
     if (t.size() >= 2) {
       a2 = t[t.size() - 2];
@@ -481,11 +511,14 @@ bool Interpretador::JoinStrRapido(PlanoLinha& pl) {
       else
         alvo.append(parte(i));
     }
+    // All of it was found clean.
+    variaveis.AnotaLimpo(a, alvo.size());
   } else {
     Texto r;
     r.reserve(total);
     for (size_t i = 0; i < n; ++i) r += parte(i);
     alvo = std::move(r);
+    variaveis.Escreveu(a);
   }
   forcaTexto = false;
   return true;
@@ -550,6 +583,7 @@ bool Interpretador::RepStrRapido(PlanoLinha& pl) {
   size_t de = static_cast<size_t>(inicio - 1);
   size_t n = std::min(novo->size(), alvo.size() - de);
   if (tamanho > 0) n = std::min(n, static_cast<size_t>(tamanho));
+  variaveis.Escreveu(static_cast<size_t>(pl.fonte.inicio + k), de);
   if (novo == &alvo)
     alvo.replace(de, n, Texto(alvo, 0, n));
   else

@@ -144,6 +144,7 @@ bool Variaveis::Remove(TextoV nome) {
   auto it = indice_.find(chave);
   if (it == indice_.end()) return false;
   Local l = it->second.first;
+  Assenta();
   auto& d = dir_[l.tipo];
   // What was found before moves down when it stands behind this entry.
   bool muda = Consultado(chave);
@@ -171,12 +172,21 @@ bool Variaveis::Remove(TextoV nome) {
       decimais.erase(decimais.begin() + f, decimais.begin() + f + s);
       break;
   }
+  // Values behind it moved down.
+  if (static_cast<TipoVariavel>(l.tipo) == TipoVariavel::String) indiceLimpo_ = -1;
   if (--it->second.second == 0)
     indice_.erase(it);
   else
     Reindexa(chave);
   entradaEncontrada = nullptr;
   return true;
+}
+
+void Variaveis::MoveCaidos() {
+  textos[static_cast<size_t>(indiceCaido_)].erase(0, caidos_);
+  if (indiceLimpo_ == indiceCaido_) prefixoLimpo_ = prefixoLimpo_ > caidos_ ? prefixoLimpo_ - caidos_ : 0;
+  caidos_ = 0;
+  indiceCaido_ = -1;
 }
 
 void Variaveis::Limpa() {
@@ -190,6 +200,9 @@ void Variaveis::Limpa() {
   std::fill(guardadosComDigito_.begin(), guardadosComDigito_.end(), 0);
   std::fill(consultadosComDigito_.begin(), consultadosComDigito_.end(), 0);
   nomesComAspas_ = 0;
+  indiceLimpo_ = -1;
+  indiceCaido_ = -1;
+  caidos_ = 0;
   entradaEncontrada = nullptr;
 }
 

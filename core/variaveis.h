@@ -3,6 +3,7 @@
 // that a lookup doesn't scan.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <unordered_map>
 #include <unordered_set>
@@ -58,9 +59,11 @@ class Variaveis {
       decimais.push_back(0.0);
   }
   [[gnu::always_inline]] void RetiraValor(TipoVariavel t) {
-    if (t == TipoVariavel::String)
+    if (t == TipoVariavel::String) {
+      Assenta();
       textos.pop_back();
-    else if (t == TipoVariavel::Integer)
+      if (indiceLimpo_ >= static_cast<int64_t>(textos.size())) indiceLimpo_ = -1;
+    } else if (t == TipoVariavel::Integer)
       inteiros.pop_back();
     else
       decimais.pop_back();
@@ -97,6 +100,42 @@ class Variaveis {
     Lembranca& operator=(const Lembranca&) = delete;
   };
 
+  // How long a prefix of one stored text is known to read back in quotes
+  // as itself (no quote, no nesting tag), so that the plans check a text
+  // they grow or cut only where it changed. Whatever changes any of those
+  // first characters forgets it (Escreveu); appends leave it true.
+  size_t PrefixoLimpo(size_t k) const {
+    return static_cast<int64_t>(k) == indiceLimpo_ ? std::min(prefixoLimpo_, textos[k].size()) : 0;
+  }
+  void AnotaLimpo(size_t k, size_t n) {
+    indiceLimpo_ = static_cast<int64_t>(k);
+    prefixoLimpo_ = n;
+  }
+  // The text at k changed from its character `de` on.
+  void Escreveu(size_t k, size_t de = 0) {
+    if (static_cast<int64_t>(k) == indiceLimpo_) prefixoLimpo_ = std::min(prefixoLimpo_, de);
+  }
+
+  // Characters cut off the front of one stored text and not yet moved out:
+  // its value is what follows them, and its clean prefix counts them (what
+  // lies between them and the prefix's end is clean). Only the plans that
+  // know it read that text so (SubStr's, and StrLen's and StrPos's in a
+  // number); before anything else reads the store, Assenta moves them out.
+  // They are moved once they outnumber what is kept, so each character is
+  // moved at most once more than it would be read.
+  size_t Caidos(size_t k) const { return static_cast<int64_t>(k) == indiceCaido_ ? caidos_ : 0; }
+  bool HaCaidos() const { return caidos_ != 0; }
+  void Assenta() {
+    if (caidos_ != 0) [[unlikely]] MoveCaidos();
+  }
+  // The text at k is to drop `n` characters from its front in all.
+  void Cai(size_t k, size_t n) {
+    if (static_cast<int64_t>(k) != indiceCaido_) Assenta();
+    indiceCaido_ = static_cast<int64_t>(k);
+    caidos_ = n;
+    if (n == 0) indiceCaido_ = -1;
+  }
+
   const std::vector<EntradaVariavel>& Diretorio(TipoVariavel t) const { return dir_[int(t)]; }
   std::vector<Texto> textos;      // ValoresTexto
   std::vector<int32_t> inteiros;  // ValoresInteiro
@@ -109,6 +148,7 @@ class Variaveis {
     uint32_t indice;  // in its directory
   };
   int32_t Acha(const Texto& chave);
+  [[gnu::noinline]] void MoveCaidos();
   void Acrescenta(TipoVariavel t, Texto nome, int32_t inicio, int32_t tamanho);
   static size_t Forma(char16_t inicial, size_t tamanho) { return (inicial & 127u) * 51 + (tamanho > 50 ? 50 : tamanho); }
   static bool TemDigito(const Texto& nome);
@@ -125,6 +165,10 @@ class Variaveis {
   std::vector<uint32_t> guardadosComDigito_ = std::vector<uint32_t>(128 * 51);
   std::vector<uint32_t> consultadosComDigito_ = std::vector<uint32_t>(128 * 51);
   uint32_t nomesComAspas_ = 0;
+  int64_t indiceLimpo_ = -1;
+  size_t prefixoLimpo_ = 0;
+  int64_t indiceCaido_ = -1;
+  size_t caidos_ = 0;
 };
 
 }  // namespace zv
