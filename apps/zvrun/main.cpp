@@ -1,5 +1,7 @@
-// zvrun: runs a Zarvolt program. With --headless it needs no window: boxes
-// are JSON lines on standard output and take their answers from --answers.
+// zvrun: runs a Zarvolt program. On the desktop it opens the run window and
+// runs until that closes. With --headless it needs no display: boxes are
+// JSON lines on standard output and take their answers from --answers, and
+// the windows stand on Qt's offscreen platform, driven by --events.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -10,17 +12,25 @@
 #include <string>
 
 #include "core/interpretador.h"
-#include "runtime/headless_host.h"
+#include "runtime/aplicacao.h"
+#include "runtime/janela_host.h"
+#include "runtime/janelas.h"
 #include "runtime/lancador.h"
+#include "runtime/roteiro.h"
 
 namespace fs = std::filesystem;
 using namespace zv;
 
 namespace {
 
-const char* kAjuda = R"(Usage: zvrun --headless [options] FILE [-- ARGUMENTS...]
+const char* kAjuda = R"(Usage: zvrun [--headless] [options] FILE [-- ARGUMENTS...]
 
-Runs a Zarvolt program that needs no window.
+Runs a Zarvolt program. Without --headless the run window opens on the
+desktop, and the run lasts until the main window is closed: the end of the
+main text doesn't end it. With --headless nothing is shown: the windows are
+made on Qt's offscreen platform (only when the program uses a window
+command), and the run ends when the main text has ended and the event
+script is used up.
 
 FILE is a source file. A file that begins with "#ZV7#" is read as a .Zvc
 document (main code and code tabs); any other file is taken as the main code
@@ -35,7 +45,24 @@ KIND is info, critical, question, error (the run-time error box) or step
 and a line end.
 
 Options:
-  --headless           run without a window (the only mode of this tool yet)
+  --headless           run without a display (see above)
+  --events FILE        user actions, one JSON object a line, each delivered at
+                       a pump point once the one before it was handled:
+                       {"click":NAME}, {"dblclick":NAME} (optional "kind":
+                       the control's keyword, "window": its window),
+                       {"type":TEXT,"into":NAME}, {"key":KEY,"into":NAME,
+                       "modifiers":["shift","ctrl","alt"]}, {"keydown":KEY},
+                       {"keyup":KEY}, {"mouse":"move"|"down"|"up"|"click"|
+                       "dblclick","x":PX,"y":PY,"button":"left"|"right",
+                       "window":NAME}, {"close":WINDOW}, {"wait":MS}.
+                       KEY is a Qt key name without "Key_" (Enter, Tab, F6,
+                       A) or the key code the program sees. An action naming
+                       nothing that exists is skipped with a warning
+  --linger MS          pump MS milliseconds more before the run ends
+  --dump-windows       after the run, one JSON line per window and one per
+                       control it shows (before the tear-down)
+  --screenshot DIR     after the run, a PNG of each visible window in DIR,
+                       named after the window
   --answers A,B,...    answers to the boxes in order: OK, Cancel, Yes, No;
                        when the list runs out each box gets its default button
   --dump-prepared      print the prepared program text and run nothing
@@ -86,7 +113,9 @@ void DespejaVariaveis(const Interpretador& zv) {
 }
 
 struct Opcoes {
-  bool headless = false, dumpPrepared = false, dumpVars = false;
+  bool headless = false, dumpPrepared = false, dumpVars = false, dumpWindows = false;
+  std::string eventos, fotos;
+  int demora = 0;
   std::vector<Resposta> respostas;
   PedidoExecucao pedido;
 };
@@ -122,12 +151,14 @@ int main(int argc, char** argv) {
       op.dumpPrepared = true;
     } else if (a == "--dump-vars") {
       op.dumpVars = true;
+    } else if (a == "--dump-windows") {
+      op.dumpWindows = true;
     } else if (a == "--no-plans") {
       op.pedido.semPlanos = true;
     } else if (a == "--step") {
       op.pedido.passoAPasso = true;
     } else if (a == "--answers" || a == "--max-statements" || a == "--config-dir" ||
-               a == "--locale") {
+               a == "--locale" || a == "--events" || a == "--screenshot" || a == "--linger") {
       if (i + 1 >= argc) return Uso(a + " needs a value");
       std::string v = argv[++i];
       if (a == "--answers") {
@@ -141,6 +172,15 @@ int main(int argc, char** argv) {
         char* fim;
         op.pedido.maxInstrucoes = std::strtoll(v.c_str(), &fim, 10);
         if (*fim || op.pedido.maxInstrucoes <= 0) return Uso("--max-statements needs a positive number");
+      } else if (a == "--events") {
+        op.eventos = v;
+      } else if (a == "--screenshot") {
+        op.fotos = v;
+      } else if (a == "--linger") {
+        char* fim;
+        long n = std::strtol(v.c_str(), &fim, 10);
+        if (*fim || n < 0 || n > 3600000) return Uso("--linger needs a number of milliseconds");
+        op.demora = static_cast<int>(n);
       } else if (a == "--locale") {
         // Read by the date commands the first time they ask for the locale,
         // which is after this point.
@@ -164,23 +204,44 @@ int main(int argc, char** argv) {
     op.pedido.linhaComando += argv[i];
   }
   if (op.pedido.arquivo.empty()) return Uso("no program file given");
-  if (!op.headless && !op.dumpPrepared)
-    return Uso("the run window isn't available in this build: use --headless");
+  if (op.dumpPrepared) op.headless = true;
+  if (op.headless) {
+    // Windows of a headless run stand on the offscreen platform, whatever
+    // the environment says; set before anything can make the application.
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+  } else if (!TemTela()) {
+    std::fprintf(stderr, "zvrun: no display to open the run window on; use --headless to run without one\n");
+    return 2;
+  }
 
   FontePrograma fonte;
   std::string erro;
   if (!CarregaFonte(op.pedido.arquivo, fonte, erro)) return Uso(erro);
 
-  HostConsole host;
+  HostJanela host(op.headless ? HostJanela::Modo::SemTela : HostJanela::Modo::Tela);
   host.respostas = op.respostas;
+  host.demoraFinal = op.demora;
+  if (!op.eventos.empty()) {
+    host.roteiro = std::make_unique<RoteiroEventos>();
+    if (!host.roteiro->Carrega(op.eventos, erro)) return Uso(erro);
+  }
   if (op.dumpPrepared) host.mudo = true;
   Lancador lancador(host, op.pedido, fonte);
   Interpretador& zv = lancador.interpretador();
+  host.Liga(&zv);
   if (op.dumpPrepared) return DespejaPreparado(zv);
-  lancador.Executa();
+  lancador.Executa([&host] { host.AguardaFim(); });
   if (zv.limiteAtingido)
     std::fprintf(stderr, "zvrun: the run was ended after %lld statements (--max-statements)\n",
                  static_cast<long long>(op.pedido.maxInstrucoes));
+  SistemaJanelas& janelas = Janelas(zv);
+  if (op.dumpWindows) {
+    std::string d = janelas.DespejaJanelas();
+    std::fwrite(d.data(), 1, d.size(), stdout);
+    std::fflush(stdout);
+  }
+  if (!op.fotos.empty() && !janelas.Fotografa(op.fotos, erro)) std::fprintf(stderr, "zvrun: %s\n", erro.c_str());
   if (op.dumpVars) DespejaVariaveis(zv);
+  janelas.Desmonta();
   return 0;
 }

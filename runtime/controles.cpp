@@ -1,0 +1,527 @@
+// The control commands of this slice: Button, Text and Label, with the
+// forms they share (creation, .Remove, members), their tables and mirror
+// variables, and what their events write.
+#include "runtime/controles.h"
+
+#include <QIcon>
+#include <QTextCursor>
+
+#include "controls/btn_esp.h"
+#include "controls/caixa_texto.h"
+#include "controls/rot.h"
+#include "library/arquivos.h"
+#include "runtime/janelas.h"
+#include "runtime/mensagens.h"
+
+namespace zv {
+
+const InfoControle& Info(TipoControle t) {
+  static const InfoControle kInfo[kTiposControle] = {
+      {u"AnimatedGif", nullptr, nullptr, false},
+      {u"Button", nullptr, nullptr, true},
+      {u"Text", u".Txt", u"String", true},
+      {u"Currency", u".Value", u"Decimal", true},
+      {u"Check", u".Value", u"Integer", true},
+      {u"Label", u".Txt", u"String", false},
+      {u"Link", nullptr, nullptr, false},
+      {u"Radio", u".Value", u"Integer", true},
+      {u"Combo", u".Txt", u"String", true},
+      {u"Frame", nullptr, nullptr, false},
+      {u"Mask", u".Txt", u"String", true},
+      {u"Calendar", u".Txt", u"String", true},
+      {u"ScrollBar", u".Value", u"Integer", true},
+      {u"Box", u".Txt", u"String", true},
+      {u"Picture", nullptr, nullptr, false},
+      {u"Image", nullptr, nullptr, false},
+      {u"Video", nullptr, nullptr, false},
+  };
+  return kInfo[static_cast<int>(t)];
+}
+
+int TabelaControles::Acha(TextoV nomeMaiusculo) const {
+  for (int s = 0; s < contagem && static_cast<size_t>(s) < nomes.size(); ++s)
+    if (!nomes[static_cast<size_t>(s)].empty() && Maiusculas(nomes[static_cast<size_t>(s)]) == nomeMaiusculo) return s;
+  return -1;
+}
+
+int TabelaControles::Livre() {
+  for (int s = 0; s < contagem; ++s)
+    if (nomes[static_cast<size_t>(s)].empty()) return s;
+  // Tables grow one slot at a time; the count is 16-bit, as the original's.
+  if (contagem == INT16_MAX) throw FalhaHost(falha::Estouro);
+  instancias.emplace_back();
+  nomes.emplace_back();
+  donos.emplace_back();
+  multiLinha.push_back(0);
+  return contagem++;
+}
+
+namespace {
+
+Texto Arg(const std::vector<Texto>& a, size_t k) { return k < a.size() ? a[k] : Texto(); }
+Texto TextoNT(Interpretador& zv, const Texto& t) { return t.empty() ? Texto() : zv.ValorNumerico(t).ComoTexto(); }
+Texto TextoT(Interpretador& zv, const Texto& t) { return t.empty() ? Texto() : zv.ValorTexto(t).ComoTexto(); }
+double Num(Interpretador& zv, const Texto& t) { return t.empty() ? 0.0 : zv.ValorNumerico(t).ComoDouble(); }
+QString Q(const Texto& t) { return QString::fromStdU16String(t); }
+Texto T(const QString& s) { return s.toStdU16String(); }
+
+// The default sizes of a control that isn't given one: the original's
+// design-time instance 0, 1215 by 495 twips.
+constexpr int kLarguraPadrao = 81;
+constexpr int kAlturaBotao = 33;
+
+// The name of a member or removal form: before the first ".", read through
+// the String variable of that name when it begins with "$".
+Texto NomeDoMembro(Interpretador& zv, const Texto& primeiro) {
+  Texto n = Apara(primeiro.substr(0, primeiro.find(u'.')));
+  if (!n.empty() && n[0] == u'$') return zv.LeVariavel(n).ComoTexto();
+  return n;
+}
+
+// TRUE, FALSE or anything else, as the properties compare their value.
+int Logico(Interpretador& zv, const Texto& v) {
+  Texto m = Maiusculas(TextoNT(zv, v));
+  return m == u"TRUE" ? 1 : m == u"FALSE" ? 0 : -1;
+}
+
+QColor CorDeValor(Interpretador& zv, const Texto& v) { return CorDe(Num(zv, v)); }
+
+void CorDeFundo(QWidget* w, const QColor& c) {
+  QPalette p = w->palette();
+  p.setColor(QPalette::Base, c);
+  p.setColor(QPalette::Button, c);
+  p.setColor(QPalette::Window, c);
+  w->setPalette(p);
+  w->setAutoFillBackground(true);
+}
+
+void CorDeFrente(QWidget* w, const QColor& c) {
+  QPalette p = w->palette();
+  p.setColor(QPalette::Text, c);
+  p.setColor(QPalette::ButtonText, c);
+  p.setColor(QPalette::WindowText, c);
+  w->setPalette(p);
+}
+
+Qt::Alignment Alinhamento(int n) {
+  if (n == 1) return Qt::AlignRight | Qt::AlignVCenter;
+  if (n == 2) return Qt::AlignHCenter | Qt::AlignVCenter;
+  return Qt::AlignLeft | Qt::AlignVCenter;
+}
+
+// A picture argument: empty clears, a file loads; false when it isn't there.
+bool Figura(Interpretador& zv, BtnEsp* b, const Texto& valor) {
+  Texto nome = TextoT(zv, valor);
+  if (nome.empty()) {
+    b->setIcon(QIcon());
+    return true;
+  }
+  Texto arquivo = ResolveArquivo(zv, nome);
+  QPixmap p;
+  if (arquivo.empty() || !p.load(Q(arquivo))) return false;
+  b->setIcon(QIcon(p));
+  b->setIconSize(p.size());
+  return true;
+}
+
+}  // namespace
+
+// ---- Events -------------------------------------------------------------------
+
+void SistemaJanelas::RelataControle(TipoControle tipo, int slot, const DadosEvento& e) {
+  if (encerrada_) return;
+  TabelaControles& t = controles[static_cast<size_t>(tipo)];
+  auto s = static_cast<size_t>(slot);
+  if (s >= t.nomes.size() || t.nomes[s].empty()) return;
+  const Texto nome = t.nomes[s];
+  switch (e.tipo) {
+    case EventoControle::Clique:
+      zv->GravaVariavel(u"RefIndex", Valor::DeInt32(slot), false);
+      if (tipo == TipoControle::Botao) {
+        zv->ultimoBotao = nome;
+        zv->GravaVariavel(u"TestButton", Valor::DeTexto(nome), false);
+      }
+      break;
+    case EventoControle::DuploClique:
+      if (tipo != TipoControle::Botao) zv->GravaVariavel(u"RefIndex", Valor::DeInt32(slot), false);
+      break;
+    case EventoControle::GanhouFoco:
+      zv->GravaVariavel(u"GotFocus", Valor::DeTexto(nome), false);
+      if (tipo == TipoControle::Texto && t.multiLinha[s]) Atual()->previaDeTeclas = false;
+      break;
+    case EventoControle::PerdeuFoco:
+      zv->GravaVariavel(u"LostFocus", Valor::DeTexto(nome), false);
+      if (tipo == TipoControle::Texto && t.multiLinha[s]) Atual()->previaDeTeclas = true;
+      break;
+    case EventoControle::TeclaDesce:
+      if (tipo == TipoControle::Botao) TeclaDesce(e.tecla, e.shift);
+      break;
+    default:
+      break;
+  }
+}
+
+// Timer2: the text mirror. Every 5 ms while on, each live text control's
+// text goes into its variable; off again when there is none.
+void SistemaJanelas::LigaEspelhos() {
+  if (espelhosLigados_) return;
+  espelhosLigados_ = true;
+  zv->host().IniciaTimer(TimerEspelhos, 5, [this] { TiqueEspelhos(); });
+}
+
+void SistemaJanelas::TiqueEspelhos() {
+  TabelaControles& t = controles[static_cast<size_t>(TipoControle::Texto)];
+  bool algum = false;
+  for (size_t s = 0; s < t.nomes.size(); ++s) {
+    QWidget* w = t.instancias[s];
+    if (!w || t.nomes[s].empty()) continue;
+    algum = true;
+    QString texto = t.multiLinha[s] ? static_cast<TextoMultiLinha*>(w)->toPlainText()
+                                    : static_cast<CaixaTexto*>(w)->text();
+    zv->GravaVariavel(t.nomes[s] + u".Txt", Valor::DeTexto(T(texto)), false);
+  }
+  if (!algum) {
+    espelhosLigados_ = false;
+    zv->host().ParaTimer(TimerEspelhos);
+  }
+}
+
+// ---- Creation -------------------------------------------------------------------
+
+namespace {
+
+// Steps 1, 2 and 4 to 5 of a creation: the slot, the name and owner, the
+// instance, the mirror variable. The caller places and shows it.
+template <class W>
+W* NovoControle(SistemaJanelas& s, TipoControle tipo, const Texto& nome, int& slot,
+                const std::function<W*(QWidget*, int)>& faz) {
+  TabelaControles& t = s.controles[static_cast<size_t>(tipo)];
+  slot = t.Livre();
+  auto k = static_cast<size_t>(slot);
+  t.nomes[k] = nome;
+  t.donos[k] = s.nomeFormAtual;
+  W* w = faz(s.Atual(), slot);
+  t.instancias[k] = w;
+  const InfoControle& info = Info(tipo);
+  if (info.espelho) s.zv->CriaVariavel(nome + info.espelho, info.tipoEspelho);
+  w->relata = [&s, tipo, slot](const DadosEvento& e) { s.RelataControle(tipo, slot, e); };
+  return w;
+}
+
+void Mostra(SistemaJanelas& s, QWidget* w, TipoControle tipo) {
+  // Controls start with the font of the original's design-time instance
+  // (the platform's small sans serif), not the window's printing font.
+  if (tipo == TipoControle::Botao || tipo == TipoControle::Texto) {
+    QFont f(QStringLiteral("MS Sans Serif"), 8);
+    f.setStyleHint(QFont::SansSerif);
+    w->setFont(f);
+  }
+  w->show();
+  if (Info(tipo).focavel) w->setProperty("zvTabIndex", static_cast<int>(s.proximoTabIndex++));
+}
+
+}  // namespace
+
+Valor SistemaJanelas::CriaBotao(const std::vector<Texto>& a) {
+  int slot;
+  Texto nome = TextoT(*zv, Arg(a, 0));
+  Texto t2 = Maiusculas(Apara(Arg(a, 1)));
+  bool forma3 = ComecaCom(t2, u"TYPE");
+  bool forma2 = !forma3 && !(Arg(a, 4).empty() && Arg(a, 5).empty() && Arg(a, 6).empty() && Arg(a, 7).empty());
+  BtnEsp* b = NovoControle<BtnEsp>(*this, TipoControle::Botao, nome, slot,
+                                   [](QWidget* pai, int) { return new BtnEsp(pai); });
+  QFontMetrics fm(b->font());
+  if (forma3) {
+    // The skins come with the skinned button; until then a plain button.
+    b->move(PxColuna(Num(*zv, Arg(a, 3))), PxLinha(Num(*zv, Arg(a, 2))));
+    bool semNada = Arg(a, 4).empty() && Arg(a, 5).empty() && Arg(a, 6).empty();
+    Texto cap = semNada ? Texto(u"OK") : TextoT(*zv, Arg(a, 4));
+    b->setText(Q(cap));
+    b->resize(std::max(kLarguraPadrao, fm.horizontalAdvance(Q(cap)) + 16), kAlturaBotao);
+    if (!Figura(*zv, b, Arg(a, 5))) zv->ErroExecucao(msg::FiguraForma3);
+    b->setToolTip(Q(TextoT(*zv, Arg(a, 6))));
+  } else if (forma2) {
+    b->setGeometry(PxColuna(Num(*zv, Arg(a, 2))), PxLinha(Num(*zv, Arg(a, 1))), PxColuna(Num(*zv, Arg(a, 4))),
+                   PxLinha(Num(*zv, Arg(a, 3))));
+    b->setText(Q(TextoT(*zv, Arg(a, 5))));
+    if (!Figura(*zv, b, Arg(a, 6))) zv->ErroExecucao(msg::FiguraForma2);
+    b->setToolTip(Q(TextoT(*zv, Arg(a, 7))));
+  } else {
+    Texto cap = TextoT(*zv, Arg(a, 3));
+    if (cap.empty()) cap = u"OK";
+    b->setText(Q(cap));
+    b->setGeometry(PxColuna(Num(*zv, Arg(a, 2))), PxLinha(Num(*zv, Arg(a, 1))),
+                   std::max(kLarguraPadrao, fm.horizontalAdvance(Q(cap)) + 16), kAlturaBotao);
+  }
+  Mostra(*this, b, TipoControle::Botao);
+  return Valor();
+}
+
+Valor SistemaJanelas::CriaTexto(const std::vector<Texto>& a) {
+  Texto nome = TextoT(*zv, Arg(a, 0));
+  TabelaControles& t = controles[static_cast<size_t>(TipoControle::Texto)];
+  // A slot taken again keeps its multi-line flag, whatever this Height says.
+  double altura = Arg(a, 4).empty() ? 1 : Num(*zv, Arg(a, 4));
+  int16_t antes = t.contagem;
+  int slot;
+  QWidget* w = nullptr;
+  bool multi = false;
+  auto faz = [&](QWidget* pai, int s) -> QWidget* {
+    auto k = static_cast<size_t>(s);
+    if (s >= antes) t.multiLinha[k] = altura >= 3;
+    multi = t.multiLinha[k];
+    if (multi) return new TextoMultiLinha(pai);
+    return new CaixaTexto(pai);
+  };
+  // The two classes report alike; one creation for both.
+  TabelaControles& tab = t;
+  slot = tab.Livre();
+  auto k = static_cast<size_t>(slot);
+  tab.nomes[k] = nome;
+  tab.donos[k] = nomeFormAtual;
+  w = faz(Atual(), slot);
+  tab.instancias[k] = w;
+  zv->CriaVariavel(nome + u".Txt", u"String");
+  RelatorControle r = [this, slot](const DadosEvento& e) { RelataControle(TipoControle::Texto, slot, e); };
+  if (multi)
+    static_cast<TextoMultiLinha*>(w)->relata = r;
+  else
+    static_cast<CaixaTexto*>(w)->relata = r;
+  int largura = Arg(a, 3).empty() ? kLarguraPadrao : PxColuna(Num(*zv, Arg(a, 3)));
+  w->setGeometry(PxColuna(Num(*zv, Arg(a, 2))), PxLinha(Num(*zv, Arg(a, 1))), largura, PxLinha(altura < 1 ? 1 : altura));
+  Mostra(*this, w, TipoControle::Texto);
+  LigaEspelhos();
+  return Valor();
+}
+
+Valor SistemaJanelas::CriaRotulo(const std::vector<Texto>& a) {
+  int slot;
+  Texto nome = TextoT(*zv, Arg(a, 0));
+  // Labels live in the main window's array and are moved onto the current
+  // window; made on it directly here, which ends the same.
+  Rot* r = NovoControle<Rot>(*this, TipoControle::Rotulo, nome, slot, [](QWidget* pai, int) { return new Rot(pai); });
+  QString cap = Q(TextoNT(*zv, Arg(a, 1)));
+  r->setText(cap);
+  int altura = Arg(a, 4).empty() ? PxLinha(1) : PxLinha(Num(*zv, Arg(a, 4)));
+  int largura = Arg(a, 5).empty() ? QFontMetrics(r->font()).horizontalAdvance(cap) + 2 : PxColuna(Num(*zv, Arg(a, 5)));
+  r->setGeometry(PxColuna(Num(*zv, Arg(a, 3))), PxLinha(Num(*zv, Arg(a, 2))), largura, altura);
+  Mostra(*this, r, TipoControle::Rotulo);
+  return Valor();
+}
+
+// ---- Members --------------------------------------------------------------------
+
+// The common properties; false when the property isn't one of them.
+bool SistemaJanelas::MembroComum(TipoControle tipo, QWidget* w, const Texto& prop, const Texto& primeiro,
+                                 const Texto& valor) {
+  if (prop == u".ENABLED") {
+    int v = Logico(*zv, valor);
+    if (v >= 0) w->setEnabled(v == 1);
+  } else if (prop == u".VISIBLE" || (tipo == TipoControle::Botao && Contem(Maiusculas(primeiro), u"VISIBLE"))) {
+    int v = Logico(*zv, valor);
+    if (v >= 0) w->setVisible(v == 1);
+  } else if (prop == u".BACKCOLOR") {
+    CorDeFundo(w, CorDeValor(*zv, valor));
+  } else if (prop == u".FORECOLOR") {
+    CorDeFrente(w, CorDeValor(*zv, valor));
+  } else if (prop == u".FONTNAME") {
+    QFont f = w->font();
+    f.setFamily(Q(TextoT(*zv, valor)));
+    w->setFont(f);
+  } else if (prop == u".FONTSIZE") {
+    QFont f = w->font();
+    double s = Num(*zv, valor);
+    if (s > 0) f.setPointSizeF(s);
+    w->setFont(f);
+  } else if (prop == u".BOLD" || prop == u".ITALIC") {
+    QFont f = w->font();
+    bool sim = Logico(*zv, valor) == 1;
+    if (prop == u".BOLD")
+      f.setBold(sim);
+    else
+      f.setItalic(sim);
+    w->setFont(f);
+  } else if (prop == u".SETFOCUS") {
+    if (tipo != TipoControle::Rotulo) w->setFocus(Qt::OtherFocusReason);
+  } else if (prop == u".TABINDEX") {
+    if (Info(tipo).focavel) w->setProperty("zvTabIndex", static_cast<int>(zv->ValorNumerico(valor.empty() ? u"0" : valor).ComoInt16()));
+  } else if (prop == u".TIP") {
+    if (tipo != TipoControle::Botao) w->setToolTip(Q(TextoT(*zv, valor)));
+  } else if (prop == u".PARENT") {
+    // Into an Image control: there are no images yet, so every name is
+    // unknown, and an unknown name does nothing.
+  } else {
+    return false;
+  }
+  return true;
+}
+
+void SistemaJanelas::Membro(TipoControle tipo, int slot, const std::vector<Texto>& a) {
+  TabelaControles& t = controles[static_cast<size_t>(tipo)];
+  auto k = static_cast<size_t>(slot);
+  QWidget* w = t.instancias[k];
+  if (!w) return;
+  Texto primeiro = Apara(Arg(a, 0));
+  Texto resto = primeiro.substr(primeiro.find(u'.'));
+  Texto prop = Maiusculas(resto.substr(0, resto.find(u' ')));
+  Texto valor = Arg(a, 2);
+  const Texto nome = t.nomes[k];
+  switch (tipo) {
+    case TipoControle::Botao: {
+      auto* b = static_cast<BtnEsp*>(w);
+      if (prop == u".CAPTION") {
+        b->setText(Q(TextoNT(*zv, valor)));
+        return;
+      }
+      if (prop == u".PICTURE") {
+        if (!Figura(*zv, b, valor)) zv->ErroExecucao(msg::FiguraForma2);
+        return;
+      }
+      break;
+    }
+    case TipoControle::Rotulo: {
+      auto* r = static_cast<Rot*>(w);
+      if (prop == u".TXT") {
+        r->setText(Q(TextoNT(*zv, valor)));
+        return;
+      }
+      if (prop == u".ALIGNMENT") {
+        int n = static_cast<int>(Num(*zv, valor));
+        r->setAlignment((n == 1 ? Qt::AlignRight : n == 2 ? Qt::AlignHCenter : Qt::AlignLeft) | Qt::AlignTop);
+        return;
+      }
+      break;
+    }
+    case TipoControle::Texto:
+      if (MembroTexto(slot, prop, a)) return;
+      break;
+    default:
+      break;
+  }
+  MembroComum(tipo, w, prop, primeiro, valor);
+}
+
+bool SistemaJanelas::MembroTexto(int slot, const Texto& prop, const std::vector<Texto>& a) {
+  TabelaControles& t = controles[static_cast<size_t>(TipoControle::Texto)];
+  auto k = static_cast<size_t>(slot);
+  bool multi = t.multiLinha[k];
+  QWidget* w = t.instancias[k];
+  auto* linha = multi ? nullptr : static_cast<CaixaTexto*>(w);
+  auto* rico = multi ? static_cast<TextoMultiLinha*>(w) : nullptr;
+  Texto valor = Arg(a, 2);
+  if (prop == u".TXT") {
+    QString v = Q(TextoNT(*zv, valor));
+    if (multi)
+      rico->setPlainText(v);
+    else
+      linha->setText(v);
+    zv->GravaVariavel(t.nomes[k] + u".Txt", Valor::DeTexto(T(multi ? rico->toPlainText() : linha->text())), false);
+  } else if (prop == u".SELECT") {
+    if (multi) {
+      Texto primeiro = Apara(Arg(a, 0));
+      std::vector<Texto> args(a.begin() + 1, a.end());
+      if (ContaArgumentos(args) < 2) {
+        rico->selectAll();
+      } else {
+        QTextCursor c = rico->textCursor();
+        int ini = static_cast<int>(Num(*zv, args[0])) - 1, tam = static_cast<int>(Num(*zv, args[1]));
+        int total = static_cast<int>(rico->toPlainText().size());
+        ini = std::clamp(ini, 0, total);
+        c.setPosition(ini);
+        c.setPosition(std::clamp(ini + tam, 0, total), QTextCursor::KeepAnchor);
+        QTextCharFormat f;
+        if (args.size() > 2 && !args[2].empty()) f.setFontFamilies({Q(TextoT(*zv, args[2]))});
+        if (args.size() > 3 && !args[3].empty()) f.setFontPointSize(Num(*zv, args[3]));
+        if (args.size() > 4 && !args[4].empty()) f.setFontWeight(Maiusculas(TextoNT(*zv, args[4])) == u"BOLD" ? QFont::Bold : QFont::Normal);
+        if (args.size() > 5 && !args[5].empty()) f.setForeground(CorDeValor(*zv, args[5]));
+        c.mergeCharFormat(f);
+        rico->setTextCursor(c);
+      }
+    } else {
+      linha->selectAll();
+    }
+  } else if (prop == u".FORECOLOR" && multi) {
+    QTextCursor c = rico->textCursor();
+    c.select(QTextCursor::Document);
+    QTextCharFormat f;
+    f.setForeground(CorDeValor(*zv, valor));
+    c.mergeCharFormat(f);
+    c.clearSelection();
+    rico->setTextCursor(c);
+  } else if (prop == u".ALIGNMENT") {
+    int n = static_cast<int>(Num(*zv, valor));
+    if (multi)
+      rico->setAlignment(Alinhamento(n) & Qt::AlignHorizontal_Mask);
+    else
+      linha->setAlignment(Alinhamento(n));
+  } else if (prop == u".MAX") {
+    int n = static_cast<int>(Num(*zv, valor));
+    if (!multi) linha->setMaxLength(n > 0 ? n : 32767);
+  } else if (prop == u".RIGHTMARGIN") {
+    if (multi) {
+      rico->setLineWrapMode(QTextEdit::FixedPixelWidth);
+      rico->setLineWrapColumnOrWidth(PxColuna(Num(*zv, valor)));
+    }
+  } else if (prop == u".CURSORPOS") {
+    int n = static_cast<int>(Num(*zv, valor));
+    if (multi) {
+      QTextCursor c = rico->textCursor();
+      c.setPosition(std::clamp(n, 0, static_cast<int>(rico->toPlainText().size())));
+      rico->setTextCursor(c);
+    } else {
+      linha->setCursorPosition(n);
+    }
+    w->setFocus(Qt::OtherFocusReason);
+  } else if (prop == u".NUMERIC") {
+    if (!multi) linha->numerico = Logico(*zv, valor) == 1;
+  } else {
+    return false;
+  }
+  return true;
+}
+
+// ---- The commands ----------------------------------------------------------------
+
+namespace {
+
+Valor Controle(Interpretador& zv, const Texto& argumentos, TipoControle tipo) {
+  std::vector<Texto> a = zv.SeparaArgumentos(argumentos, 51, true);
+  SistemaJanelas& s = Janelas(zv);
+  Texto primeiro = Apara(Arg(a, 0));
+  if (primeiro.find(u'.') == NPOS) {
+    if (primeiro.empty()) return Valor();
+    switch (tipo) {
+      case TipoControle::Botao:
+        return s.CriaBotao(a);
+      case TipoControle::Texto:
+        return s.CriaTexto(a);
+      case TipoControle::Rotulo:
+        return s.CriaRotulo(a);
+      default:
+        return Valor();
+    }
+  }
+  TabelaControles& t = s.controles[static_cast<size_t>(tipo)];
+  int slot = t.Acha(Maiusculas(NomeDoMembro(zv, primeiro)));
+  if (slot < 0) return Valor();
+  if (Contem(primeiro, u"Remove")) {
+    s.LiberaControle(tipo, slot, slot > 0);
+    return Valor();
+  }
+  s.Membro(tipo, slot, a);
+  return Valor();
+}
+
+Valor CmdButton(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Botao); }
+Valor CmdText(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Texto); }
+Valor CmdLabel(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Rotulo); }
+
+}  // namespace
+
+void RegistraControles(TabelaComandos& t) {
+  t.Define(u"Button", CmdButton);
+  t.Define(u"Text", CmdText);
+  t.Define(u"Label", CmdLabel);
+}
+
+}  // namespace zv
