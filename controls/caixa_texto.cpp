@@ -2,6 +2,8 @@
 
 #include <QKeyEvent>
 
+#include "controls/teclas.h"
+
 namespace zv {
 
 CaixaTexto::CaixaTexto(QWidget* pai) : QLineEdit(pai) {}
@@ -27,6 +29,7 @@ void CaixaTexto::focusOutEvent(QFocusEvent* e) {
 }
 
 void CaixaTexto::keyPressEvent(QKeyEvent* e) {
+  if (relata && !e->isAutoRepeat()) relata({EventoControle::TeclaDesce, CodigoTecla(e), EstadoShift(e)});
   if (numerico) {
     // Keys that type a character: only the digits pass. Keys that type
     // nothing (arrows, Tab) aren't key presses of the text and pass too.
@@ -38,6 +41,11 @@ void CaixaTexto::keyPressEvent(QKeyEvent* e) {
     }
   }
   QLineEdit::keyPressEvent(e);
+}
+
+void CaixaTexto::keyReleaseEvent(QKeyEvent* e) {
+  QLineEdit::keyReleaseEvent(e);
+  if (relata && !e->isAutoRepeat()) relata({EventoControle::TeclaSobe, CodigoTecla(e), EstadoShift(e)});
 }
 
 TextoMultiLinha::TextoMultiLinha(QWidget* pai) : QTextEdit(pai) { setAcceptRichText(true); }

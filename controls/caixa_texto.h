@@ -23,6 +23,7 @@ class CaixaTexto : public QLineEdit {
   void focusInEvent(QFocusEvent* e) override;
   void focusOutEvent(QFocusEvent* e) override;
   void keyPressEvent(QKeyEvent* e) override;
+  void keyReleaseEvent(QKeyEvent* e) override;
 };
 
 class TextoMultiLinha : public QTextEdit {

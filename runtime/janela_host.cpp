@@ -186,6 +186,13 @@ void HostJanela::ExibeModal(QWidget* janela) {
   janela->setWindowModality(Qt::ApplicationModal);
   janela->show();
   while (janela->isVisible() && zv_ && zv_->executando) {
+    if (!Interativo()) {
+      // Headless, with the script used up, nobody will ever close it.
+      std::fprintf(stderr, "zvrun: the event script is used up while a modal window waits; the run ends\n");
+      zv_->pararPrograma = true;
+      janela->hide();
+      break;
+    }
     if (modo_ == Modo::Tela && !roteiro) {
       QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     } else {
