@@ -11,8 +11,8 @@ namespace zv {
 
 void GaranteAplicacao(bool semTela) {
   if (QCoreApplication::instance()) return;
-  if (semTela) {
-    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+  if (semTela) setenv("QT_QPA_PLATFORM", "offscreen", 1);
+  {
     // Qt wants a private runtime folder and complains on standard error
     // when a bare environment (a test, a container) has none.
     const char* r = std::getenv("XDG_RUNTIME_DIR");

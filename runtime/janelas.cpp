@@ -214,6 +214,11 @@ void SistemaJanelas::FechandoJanela(JanelaExecucao* j) {
 }
 
 void SistemaJanelas::FechaPrincipal() {
+  if (antesDoFim && !encerrada_) {
+    auto f = std::move(antesDoFim);
+    antesDoFim = nullptr;
+    f();
+  }
   if (encerrada_ || !principalFeita_) {
     encerrada_ = true;
     zv->executando = false;

@@ -78,6 +78,9 @@ class SistemaJanelas : public OuvinteJanela {
   void FechaPrincipal();
   // Tear-down without a close (the end of a headless run).
   void Desmonta();
+  // Called once when the run ends, before the tear-down: the runner's
+  // dumps and screenshots see the windows as the user last saw them.
+  std::function<void()> antesDoFim;
 
   // ---- Controls (controles.cpp) ------------------------------------------
   std::array<TabelaControles, kTiposControle> controles;

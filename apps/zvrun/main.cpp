@@ -230,18 +230,23 @@ int main(int argc, char** argv) {
   Interpretador& zv = lancador.interpretador();
   host.Liga(&zv);
   if (op.dumpPrepared) return DespejaPreparado(zv);
+  // Dumps and pictures come before the tear-down: at the end of a headless
+  // run, or when the main window closes on the desktop.
+  SistemaJanelas& janelas = Janelas(zv);
+  janelas.antesDoFim = [&] {
+    if (op.dumpWindows) {
+      std::string d = janelas.DespejaJanelas();
+      std::fwrite(d.data(), 1, d.size(), stdout);
+      std::fflush(stdout);
+    }
+    std::string e;
+    if (!op.fotos.empty() && !janelas.Fotografa(op.fotos, e)) std::fprintf(stderr, "zvrun: %s\n", e.c_str());
+    if (op.dumpVars) DespejaVariaveis(zv);
+  };
   lancador.Executa([&host] { host.AguardaFim(); });
   if (zv.limiteAtingido)
     std::fprintf(stderr, "zvrun: the run was ended after %lld statements (--max-statements)\n",
                  static_cast<long long>(op.pedido.maxInstrucoes));
-  SistemaJanelas& janelas = Janelas(zv);
-  if (op.dumpWindows) {
-    std::string d = janelas.DespejaJanelas();
-    std::fwrite(d.data(), 1, d.size(), stdout);
-    std::fflush(stdout);
-  }
-  if (!op.fotos.empty() && !janelas.Fotografa(op.fotos, erro)) std::fprintf(stderr, "zvrun: %s\n", erro.c_str());
-  if (op.dumpVars) DespejaVariaveis(zv);
   janelas.Desmonta();
   return 0;
 }
