@@ -34,10 +34,4 @@ void GaranteAplicacao(bool semTela) {
 
 bool AplicacaoCriada() { return QCoreApplication::instance() != nullptr; }
 
-bool TemTela() {
-  const char* d = std::getenv("DISPLAY");
-  const char* w = std::getenv("WAYLAND_DISPLAY");
-  return (d && *d) || (w && *w);
-}
-
 }  // namespace zv

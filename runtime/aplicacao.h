@@ -8,7 +8,5 @@ namespace zv {
 // platform, whatever the environment says (the headless runner and tests).
 void GaranteAplicacao(bool semTela);
 bool AplicacaoCriada();
-// True when a desktop session can be reached (DISPLAY or WAYLAND_DISPLAY).
-bool TemTela();
 
 }  // namespace zv

@@ -328,9 +328,16 @@ void SistemaJanelas::Activate(int slot, const Texto& nome, bool estatica) {
   j->tag = nomeFormAtual;
   zv->host().IniciaTimer(kIdTimerJanela + i, 1, [this, i, sub] { TiqueEstatica(i, sub); });
   ++modais_;
-  if (host)
-    host->ExibeModal(j);
-  else
+  if (host) {
+    QPointer<JanelaExecucao> janela = j;
+    janela->setWindowModality(Qt::ApplicationModal);
+    janela->show();
+    host->ExibeModal([janela] { return janela && janela->isVisible(); },
+                     [janela] {
+                       if (janela) janela->hide();
+                     });
+    if (janela) janela->setWindowModality(Qt::NonModal);
+  } else
     TiqueEstatica(i, sub);  // no loop to wait in: the code runs at once
   --modais_;
 }
@@ -540,7 +547,7 @@ Valor CmdTimer(Interpretador& zv, const Texto& args) {
 
 void RegistraControles(TabelaComandos& t);
 
-void RegistraJanelas() {
+void RegistraComandosJanela() {
   TabelaComandos& t = Comandos();
   DefinicaoComando semArgs;
   semArgs.semArgumentos = true;

@@ -1,16 +1,11 @@
 #include "runtime/janela_host.h"
 
-#include <QApplication>
-#include <QFontDatabase>
-#include <QGuiApplication>
-#include <QMessageBox>
-#include <QScreen>
+#include <QCoreApplication>
 #include <QTimer>
 #include <thread>
 
 #include "core/interpretador.h"
-#include "runtime/aplicacao.h"
-#include "runtime/janelas.h"
+#include "runtime/porta_janelas.h"
 #include "runtime/roteiro.h"
 
 namespace zv {
@@ -20,13 +15,26 @@ HostJanela::HostJanela(Modo modo, std::FILE* saida) : HostConsole(saida), modo_(
   if (modo_ == Modo::Tela) GaranteGui();
 }
 
+namespace {
+
+// The module, loaded if it isn't yet; a failure to load it is a host
+// failure of the command that needed it.
+ModuloJanelas& Modulo() {
+  std::string erro;
+  ModuloJanelas* m = CarregaModuloJanelas(&erro);
+  if (!m) throw FalhaHost(U(erro));
+  return *m;
+}
+
+}  // namespace
+
 HostJanela::~HostJanela() {
   for (auto& [id, t] : timers_) delete t.qt;
 }
 
 void HostJanela::GaranteGui() {
   if (gui_) return;
-  GaranteAplicacao(modo_ == Modo::SemTela);
+  Modulo().CriaAplicacao(modo_ == Modo::SemTela);
   gui_ = true;
   // Timers started before the GUI (a Timer_ Sub's tick) move onto Qt's.
   for (auto& [id, t] : timers_) {
@@ -72,52 +80,8 @@ void HostJanela::ParaTimer(int id) {
 
 Resposta HostJanela::MostraCaixa(const Caixa& caixa) {
   if (modo_ == Modo::SemTela) return HostConsole::MostraCaixa(caixa);
-  QMessageBox box;
-  box.setWindowTitle(QString::fromStdU16String(caixa.titulo));
-  QString texto = QString::fromStdU16String(caixa.texto);
-  texto.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(QChar(u'\r'), QChar(u'\n'));
-  box.setText(texto);
-  switch (caixa.tipo) {
-    case TipoCaixa::Info:
-      box.setIcon(QMessageBox::Information);
-      break;
-    case TipoCaixa::Pergunta:
-      box.setIcon(QMessageBox::Question);
-      break;
-    case TipoCaixa::Passo:
-      box.setIcon(QMessageBox::NoIcon);
-      break;
-    default:
-      box.setIcon(QMessageBox::Critical);
-  }
-  QMessageBox::StandardButton padrao = QMessageBox::Ok;
-  switch (caixa.botoes) {
-    case Botoes::OK:
-      box.setStandardButtons(QMessageBox::Ok);
-      break;
-    case Botoes::OKCancel:
-      box.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
-      if (caixa.padrao == Resposta::Cancel) padrao = QMessageBox::Cancel;
-      break;
-    case Botoes::YesNo:
-      box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
-      padrao = caixa.padrao == Resposta::Yes ? QMessageBox::Yes : QMessageBox::No;
-      break;
-  }
-  box.setDefaultButton(padrao);
   // The box runs its own loop: a pump point, where timers may fire.
-  switch (box.exec()) {
-    case QMessageBox::Cancel:
-      return Resposta::Cancel;
-    case QMessageBox::Yes:
-      return Resposta::Yes;
-    case QMessageBox::No:
-      return Resposta::No;
-    default:
-      // The close box of a box with Cancel counts as Cancel, as on the
-      // original platform.
-      return caixa.botoes == Botoes::OKCancel && box.clickedButton() == nullptr ? Resposta::Cancel : Resposta::OK;
-  }
+  return Modulo().MostraCaixa(caixa);
 }
 
 void HostJanela::Bombeia() {
@@ -137,7 +101,10 @@ void HostJanela::EntregaRoteiro() {
   if (acao.contains(QStringLiteral("wait"))) {
     esperaAte_ = agora + std::chrono::milliseconds(acao.value(QStringLiteral("wait")).toInt());
   } else {
-    Janelas(*zv_).EntregaAcao(acao, linha);
+    if (ModuloJanelas* m = ModuloJanelasCarregado())
+      m->EntregaAcao(*zv_, acao, linha);
+    else
+      std::fprintf(stderr, "zvrun: event line %d: the program has no window yet; skipped\n", linha);
     if (gui_) QCoreApplication::processEvents(QEventLoop::AllEvents);
   }
   entregando_ = false;
@@ -145,12 +112,11 @@ void HostJanela::EntregaRoteiro() {
 
 void HostJanela::FechaJanela() {
   HostConsole::FechaJanela();
-  if (zv_)
-    Janelas(*zv_).FechaPrincipal();
+  Termina();
 }
 
 void HostJanela::MostraJanela() {
-  if (modo_ == Modo::Tela && zv_) Janelas(*zv_).Principal();
+  if (modo_ == Modo::Tela && zv_) Modulo().MostraPrincipal(*zv_);
 }
 
 void HostJanela::Escreve(const Texto& texto) {
@@ -172,25 +138,17 @@ bool HostJanela::Interativo() const {
 
 Plataforma HostJanela::DadosPlataforma() const {
   Plataforma p = HostConsole::DadosPlataforma();
-  if (modo_ == Modo::Tela && gui_) {
-    if (QScreen* s = QGuiApplication::primaryScreen()) {
-      p.larguraTela = s->geometry().width();
-      p.alturaTela = s->geometry().height();
-    }
-    p.totalFontes = static_cast<int>(QFontDatabase::families().size());
-  }
+  if (modo_ == Modo::Tela && gui_) Modulo().DadosTela(p);
   return p;
 }
 
-void HostJanela::ExibeModal(QWidget* janela) {
-  janela->setWindowModality(Qt::ApplicationModal);
-  janela->show();
-  while (janela->isVisible() && zv_ && zv_->executando) {
+void HostJanela::ExibeModal(const std::function<bool()>& aberta, const std::function<void()>& fecha) {
+  while (aberta() && zv_ && zv_->executando) {
     if (!Interativo()) {
       // Headless, with the script used up, nobody will ever close it.
       std::fprintf(stderr, "zvrun: the event script is used up while a modal window waits; the run ends\n");
       zv_->pararPrograma = true;
-      janela->hide();
+      fecha();
       break;
     }
     if (modo_ == Modo::Tela && !roteiro) {
@@ -200,16 +158,15 @@ void HostJanela::ExibeModal(QWidget* janela) {
       Bombeia();
     }
   }
-  janela->setWindowModality(Qt::NonModal);
 }
 
 void HostJanela::AguardaFim() {
   if (!zv_) return;
-  SistemaJanelas& j = Janelas(*zv_);
   if (modo_ == Modo::Tela) {
     // The end of the main text doesn't end the run: the window stays until
     // it is closed, and timers and events go on.
-    while (zv_->executando && j.PrincipalViva()) {
+    ModuloJanelas& m = Modulo();
+    while (zv_->executando && m.PrincipalViva(*zv_)) {
       if (roteiro && roteiro->Pendente()) {
         Dorme(1);
         Bombeia();
@@ -227,6 +184,19 @@ void HostJanela::AguardaFim() {
   while (zv_->executando && std::chrono::steady_clock::now() < fim) {
     Dorme(1);
     Bombeia();
+  }
+}
+
+void HostJanela::Termina() {
+  if (antesDoFim) {
+    auto f = std::move(antesDoFim);
+    antesDoFim = nullptr;
+    f();
+  }
+  if (ModuloJanelas* m = ModuloJanelasCarregado()) {
+    if (zv_) m->FechaPrincipal(*zv_);
+  } else if (zv_) {
+    zv_->executando = false;
   }
 }
 

@@ -17,7 +17,6 @@
 #include "runtime/headless_host.h"
 
 class QTimer;
-class QWidget;
 
 namespace zv {
 
@@ -52,11 +51,16 @@ class HostJanela : public HostConsole {
   // Makes the QApplication, if there is none, and moves the timers onto it.
   void GaranteGui();
   bool GuiAtiva() const { return gui_; }
-  // Shows a window modally: pumps until it is hidden or the run ends.
-  void ExibeModal(QWidget* janela);
+  // A modal wait: pumps while `aberta` says the window is open and the run
+  // goes on; `fecha` hides it when nobody could ever close it.
+  void ExibeModal(const std::function<bool()>& aberta, const std::function<void()>& fecha);
   // After the main text: on the desktop, until the main window closes;
   // headless, until the event script is used up, then --linger more.
   void AguardaFim();
+  // The end of the run: the main window closes (if the run made one) and
+  // the tear-down follows; `antesDoFim` runs first, once, in either case.
+  void Termina();
+  std::function<void()> antesDoFim;
 
  private:
   struct Timer {

@@ -214,9 +214,11 @@ void SistemaJanelas::FechandoJanela(JanelaExecucao* j) {
 }
 
 void SistemaJanelas::FechaPrincipal() {
-  if (antesDoFim && !encerrada_) {
-    auto f = std::move(antesDoFim);
-    antesDoFim = nullptr;
+  // The runner's dumps and screenshots see the windows as the user last
+  // saw them, before the tear-down.
+  if (host && host->antesDoFim && !encerrada_) {
+    auto f = std::move(host->antesDoFim);
+    host->antesDoFim = nullptr;
     f();
   }
   if (encerrada_ || !principalFeita_) {

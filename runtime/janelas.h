@@ -78,9 +78,6 @@ class SistemaJanelas : public OuvinteJanela {
   void FechaPrincipal();
   // Tear-down without a close (the end of a headless run).
   void Desmonta();
-  // Called once when the run ends, before the tear-down: the runner's
-  // dumps and screenshots see the windows as the user last saw them.
-  std::function<void()> antesDoFim;
 
   // ---- Controls (controles.cpp) ------------------------------------------
   std::array<TabelaControles, kTiposControle> controles;
@@ -160,8 +157,9 @@ class SistemaJanelas : public OuvinteJanela {
 // The run's window system, made on first use.
 SistemaJanelas& Janelas(Interpretador& zv);
 
-// The window commands and the control commands into the keyword table.
-void RegistraJanelas();
+// The window commands and the control commands into the keyword table
+// (the module's real routines, in place of the stand-ins).
+void RegistraComandosJanela();
 
 // A colour as the language gives it (red in the low byte).
 QColor CorDe(double valor);

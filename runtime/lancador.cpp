@@ -14,7 +14,7 @@
 #include "core/fonte.h"
 #include "data/data.h"
 #include "library/library.h"
-#include "runtime/janelas.h"
+#include "runtime/porta_janelas.h"
 
 // Sanitizers must be told that the stack changes under them, or they take
 // the deep stack's frames for an overflow of the thread's own.

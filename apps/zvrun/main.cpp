@@ -12,10 +12,9 @@
 #include <string>
 
 #include "core/interpretador.h"
-#include "runtime/aplicacao.h"
 #include "runtime/janela_host.h"
-#include "runtime/janelas.h"
 #include "runtime/lancador.h"
+#include "runtime/porta_janelas.h"
 #include "runtime/roteiro.h"
 
 namespace fs = std::filesystem;
@@ -232,21 +231,23 @@ int main(int argc, char** argv) {
   if (op.dumpPrepared) return DespejaPreparado(zv);
   // Dumps and pictures come before the tear-down: at the end of a headless
   // run, or when the main window closes on the desktop.
-  SistemaJanelas& janelas = Janelas(zv);
-  janelas.antesDoFim = [&] {
-    if (op.dumpWindows) {
-      std::string d = janelas.DespejaJanelas();
-      std::fwrite(d.data(), 1, d.size(), stdout);
-      std::fflush(stdout);
+  host.antesDoFim = [&] {
+    // Only a run that made a window has the module loaded.
+    if (ModuloJanelas* m = ModuloJanelasCarregado()) {
+      if (op.dumpWindows) {
+        std::string d = m->DespejaJanelas(zv);
+        std::fwrite(d.data(), 1, d.size(), stdout);
+        std::fflush(stdout);
+      }
+      std::string e;
+      if (!op.fotos.empty() && !m->Fotografa(zv, op.fotos, e)) std::fprintf(stderr, "zvrun: %s\n", e.c_str());
     }
-    std::string e;
-    if (!op.fotos.empty() && !janelas.Fotografa(op.fotos, e)) std::fprintf(stderr, "zvrun: %s\n", e.c_str());
     if (op.dumpVars) DespejaVariaveis(zv);
   };
   lancador.Executa([&host] { host.AguardaFim(); });
   if (zv.limiteAtingido)
     std::fprintf(stderr, "zvrun: the run was ended after %lld statements (--max-statements)\n",
                  static_cast<long long>(op.pedido.maxInstrucoes));
-  janelas.Desmonta();
+  host.Termina();
   return 0;
 }
