@@ -8,6 +8,7 @@
 
 #include "controls/btn_esp.h"
 #include "controls/caixa_texto.h"
+#include "controls/marcas.h"
 #include "controls/rot.h"
 #include "library/arquivos.h"
 #include "runtime/janelas.h"
@@ -137,6 +138,7 @@ void SistemaJanelas::RelataControle(TipoControle tipo, int slot, const DadosEven
   switch (e.tipo) {
     case EventoControle::Clique:
       zv->GravaVariavel(u"RefIndex", Valor::DeInt32(slot), false);
+      if (tipo == TipoControle::Check || tipo == TipoControle::Radio) EscreveMarca(tipo, slot);
       if (tipo == TipoControle::Botao) {
         zv->ultimoBotao = nome;
         zv->GravaVariavel(u"TestButton", Valor::DeTexto(nome), false);
@@ -159,6 +161,20 @@ void SistemaJanelas::RelataControle(TipoControle tipo, int slot, const DadosEven
     default:
       break;
   }
+}
+
+// A check's variable gets its Value; a click on a radio puts every radio's
+// variable to 0 (the table is global: other windows' radios too), then the
+// clicked one's to 1 if it is on.
+void SistemaJanelas::EscreveMarca(TipoControle tipo, int slot) {
+  TabelaControles& t = controles[static_cast<size_t>(tipo)];
+  auto k = static_cast<size_t>(slot);
+  auto* b = static_cast<QAbstractButton*>(t.instancias[k].data());
+  if (!b) return;
+  if (tipo == TipoControle::Radio)
+    for (size_t s = 0; s < t.nomes.size(); ++s)
+      if (!t.nomes[s].empty()) zv->GravaVariavel(t.nomes[s] + u".Value", Valor::DeInt32(0), false);
+  zv->GravaVariavel(t.nomes[k] + u".Value", Valor::DeInt32(b->isChecked() ? 1 : 0), false);
 }
 
 // Timer2: the text mirror. Every 5 ms while on, each live text control's
@@ -309,6 +325,31 @@ Valor SistemaJanelas::CriaRotulo(const std::vector<Texto>& a) {
   return Valor();
 }
 
+Valor SistemaJanelas::CriaMarca(TipoControle tipo, const std::vector<Texto>& a) {
+  int slot;
+  Texto nome = TextoT(*zv, Arg(a, 0));
+  QAbstractButton* b;
+  if (tipo == TipoControle::Check)
+    b = NovoControle<CaixaMarca>(*this, tipo, nome, slot, [](QWidget* pai, int) { return new CaixaMarca(pai); });
+  else
+    b = NovoControle<BotaoOpcao>(*this, tipo, nome, slot, [](QWidget* pai, int) { return new BotaoOpcao(pai); });
+  // The font of the current window, and as wide as the caption on it plus
+  // 25 pixels for the box.
+  b->setFont(Atual()->font());
+  QString cap = Q(TextoT(*zv, Arg(a, 3)));
+  b->setText(cap);
+  QFontMetrics fm(Atual()->font());
+  b->setGeometry(PxColuna(Num(*zv, Arg(a, 2))), PxLinha(Num(*zv, Arg(a, 1))), fm.horizontalAdvance(cap) + 25,
+                 std::max(PxLinha(1), fm.height() + 4));
+  Mostra(*this, b, tipo);
+  // An empty Value leaves it off.
+  if (tipo == TipoControle::Check && !Arg(a, 4).empty()) {
+    b->setChecked(Num(*zv, Arg(a, 4)) != 0);
+    EscreveMarca(tipo, slot);
+  }
+  return Valor();
+}
+
 // ---- Members --------------------------------------------------------------------
 
 // The common properties; false when the property isn't one of them.
@@ -394,6 +435,18 @@ void SistemaJanelas::Membro(TipoControle tipo, int slot, const std::vector<Texto
     }
     case TipoControle::Texto:
       if (MembroTexto(slot, prop, a)) return;
+      break;
+    case TipoControle::Check:
+    case TipoControle::Radio:
+      if (prop == u".VALUE") {
+        // Setting the value is a click, as on the original platform: the
+        // variables follow.
+        Texto v = Maiusculas(TextoNT(*zv, valor));
+        bool on = v == u"TRUE" || (v != u"FALSE" && Num(*zv, valor) != 0);
+        static_cast<QAbstractButton*>(w)->setChecked(on);
+        EscreveMarca(tipo, slot);
+        return;
+      }
       break;
     default:
       break;
@@ -497,6 +550,9 @@ Valor Controle(Interpretador& zv, const Texto& argumentos, TipoControle tipo) {
         return s.CriaTexto(a);
       case TipoControle::Rotulo:
         return s.CriaRotulo(a);
+      case TipoControle::Check:
+      case TipoControle::Radio:
+        return s.CriaMarca(tipo, a);
       default:
         return Valor();
     }
@@ -515,6 +571,8 @@ Valor Controle(Interpretador& zv, const Texto& argumentos, TipoControle tipo) {
 Valor CmdButton(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Botao); }
 Valor CmdText(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Texto); }
 Valor CmdLabel(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Rotulo); }
+Valor CmdCheck(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Check); }
+Valor CmdRadio(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Radio); }
 
 }  // namespace
 
@@ -522,6 +580,8 @@ void RegistraControles(TabelaComandos& t) {
   t.Define(u"Button", CmdButton);
   t.Define(u"Text", CmdText);
   t.Define(u"Label", CmdLabel);
+  t.Define(u"Check", CmdCheck);
+  t.Define(u"Radio", CmdRadio);
 }
 
 }  // namespace zv

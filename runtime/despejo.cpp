@@ -1,6 +1,7 @@
 // The windows as text (zvrun --dump-windows) and as pictures
 // (--screenshot): what tests compare and what a person looks at.
 #include <QDir>
+#include <QAbstractButton>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPixmap>
@@ -37,6 +38,13 @@ void Conteudo(TipoControle tipo, QWidget* w, std::string& s) {
     case TipoControle::Rotulo:
       s += Campo("text", static_cast<QLabel*>(w)->text());
       break;
+    case TipoControle::Check:
+    case TipoControle::Radio: {
+      auto* b = static_cast<QAbstractButton*>(w);
+      s += Campo("caption", b->text());
+      s += Campo("value", QString::number(b->isChecked() ? 1 : 0));
+      break;
+    }
     default:
       break;
   }

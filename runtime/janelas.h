@@ -90,6 +90,8 @@ class SistemaJanelas : public OuvinteJanela {
   Valor CriaBotao(const std::vector<Texto>& args);
   Valor CriaTexto(const std::vector<Texto>& args);
   Valor CriaRotulo(const std::vector<Texto>& args);
+  Valor CriaMarca(TipoControle tipo, const std::vector<Texto>& args);
+  void EscreveMarca(TipoControle tipo, int slot);
   void Membro(TipoControle tipo, int slot, const std::vector<Texto>& args);
   bool MembroComum(TipoControle tipo, QWidget* w, const Texto& prop, const Texto& primeiro, const Texto& valor);
   bool MembroTexto(int slot, const Texto& prop, const std::vector<Texto>& args);

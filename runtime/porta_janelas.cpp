@@ -64,11 +64,12 @@ struct Substituta {
   const char16_t* palavra;
   bool semArgumentos;
 };
-constexpr std::array<Substituta, 16> kPalavras = {{
+constexpr std::array<Substituta, 18> kPalavras = {{
     {u"Window", false},       {u"Position", false},       {u"Cls", true},          {u"ClearWindow", true},
     {u"Font", false},         {u"WindowWidth", true},     {u"WindowHeight", true}, {u"CaptureWindow", true},
     {u"UnCaptureWindow", true}, {u"Event", false},        {u"KeyTest", false},     {u"TestMouse", true},
     {u"Timer", false},        {u"Button", false},         {u"Text", false},        {u"Label", false},
+    {u"Check", false},        {u"Radio", false},
 }};
 
 ModuloJanelas& Modulo() {
