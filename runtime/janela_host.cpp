@@ -133,7 +133,10 @@ bool HostJanela::Interativo() const {
     fimMarcado_ = true;
     fimDoRoteiro_ = agora;
   }
-  return roteiro && agora < fimDoRoteiro_ + std::chrono::milliseconds(demoraFinal);
+  // "<=": the call that finds the script used up still says yes, so that a
+  // run with a script never gets the box of a run without a user; the
+  // waits that ask again a moment later end the run quietly.
+  return roteiro && agora <= fimDoRoteiro_ + std::chrono::milliseconds(demoraFinal);
 }
 
 Plataforma HostJanela::DadosPlataforma() const {
