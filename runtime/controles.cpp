@@ -540,6 +540,7 @@ namespace {
 Valor Controle(Interpretador& zv, const Texto& argumentos, TipoControle tipo) {
   std::vector<Texto> a = zv.SeparaArgumentos(argumentos, 51, true);
   SistemaJanelas& s = Janelas(zv);
+  s.LimpaDescartados();
   Texto primeiro = Apara(Arg(a, 0));
   if (primeiro.find(u'.') == NPOS) {
     if (primeiro.empty()) return Valor();

@@ -57,6 +57,7 @@ SistemaJanelas::~SistemaJanelas() {
     if (QCoreApplication::instance()) QCoreApplication::instance()->removeEventFilter(filtro_.get());
   }
   // Controls die with their windows; the windows go last.
+  LimpaDescartados();
   vivas_.clear();
 }
 
@@ -167,6 +168,11 @@ void SistemaJanelas::EscreveGrade() {
   zv->GravaVariavel(u"ScreenWidth", Valor::DeDouble(t.width() / colSize), false);
 }
 
+void SistemaJanelas::LimpaDescartados() {
+  for (QPointer<QWidget>& w : descartados_) delete w.data();
+  descartados_.clear();
+}
+
 // ---- Closing ------------------------------------------------------------------
 
 void SistemaJanelas::LiberaControle(TipoControle tipo, int slot, bool destroi) {
@@ -177,11 +183,12 @@ void SistemaJanelas::LiberaControle(TipoControle tipo, int slot, bool destroi) {
   t.nomes[s].clear();
   t.donos[s].clear();
   if (QWidget* w = t.instancias[s]) {
+    w->hide();
     if (destroi) {
+      // Not deleted here: a user's key or click may have led here, and its
+      // handler is still on the stack. It goes at the next command.
       t.instancias[s] = nullptr;
-      delete w;
-    } else {
-      w->hide();
+      descartados_.emplace_back(w);
     }
   }
 }

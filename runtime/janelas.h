@@ -84,6 +84,9 @@ class SistemaJanelas : public OuvinteJanela {
   int16_t proximoTabIndex = 0;  // ProximoTabIndex
   // Removes a control's mirror variable and frees its slot.
   void LiberaControle(TipoControle tipo, int slot, bool destroi);
+  // Deletes the controls removed so far; only from a command, where no
+  // widget's handler is on the stack.
+  void LimpaDescartados();
   void RelataControle(TipoControle tipo, int slot, const DadosEvento& e);
   void LigaEspelhos();
   void TiqueEspelhos();
@@ -138,6 +141,7 @@ class SistemaJanelas : public OuvinteJanela {
 
   std::unique_ptr<QObject> filtro_;  // key preview
   bool espelhosLigados_ = false;     // Timer2
+  std::vector<QPointer<QWidget>> descartados_;
   bool principalFeita_ = false;
   bool encerrada_ = false;
   std::array<QPointer<JanelaExecucao>, kSlotsJanelas> janelas_{};
