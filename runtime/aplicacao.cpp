@@ -4,10 +4,27 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 
 namespace zv {
+
+namespace {
+
+// The offscreen platform says on standard error that it can't pass size
+// hints to a window manager it hasn't got; a headless run's output stays
+// the program's own.
+QtMessageHandler anterior = nullptr;
+void FiltraMensagens(QtMsgType tipo, const QMessageLogContext& ctx, const QString& texto) {
+  if (texto.contains(QLatin1String("does not support propagateSizeHints"))) return;
+  if (anterior)
+    anterior(tipo, ctx, texto);
+  else
+    std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(tipo, ctx, texto)));
+}
+
+}  // namespace
 
 void GaranteAplicacao(bool semTela) {
   if (QCoreApplication::instance()) return;
@@ -28,6 +45,7 @@ void GaranteAplicacao(bool semTela) {
   static char* argv[] = {nome, nullptr};
   // Never destroyed: the run's widgets may outlive main's locals, and the
   // process ends right after the run.
+  if (semTela) anterior = qInstallMessageHandler(FiltraMensagens);
   auto* app = new QApplication(argc, argv);
   app->setQuitOnLastWindowClosed(false);
 }
