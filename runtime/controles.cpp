@@ -8,7 +8,9 @@
 
 #include "controls/btn_esp.h"
 #include "controls/caixa_texto.h"
+#include "controls/barras.h"
 #include "controls/marcas.h"
+#include "controls/sp_combo.h"
 #include "controls/rot.h"
 #include "library/arquivos.h"
 #include "runtime/janelas.h"
@@ -137,6 +139,8 @@ void SistemaJanelas::RelataControle(TipoControle tipo, int slot, const DadosEven
   const Texto nome = t.nomes[s];
   switch (e.tipo) {
     case EventoControle::Clique:
+      // A mask's click writes nothing.
+      if (tipo == TipoControle::Mascara) break;
       zv->GravaVariavel(u"RefIndex", Valor::DeInt32(slot), false);
       if (tipo == TipoControle::Check || tipo == TipoControle::Radio) EscreveMarca(tipo, slot);
       if (tipo == TipoControle::Botao) {
@@ -158,6 +162,12 @@ void SistemaJanelas::RelataControle(TipoControle tipo, int slot, const DadosEven
     case EventoControle::TeclaDesce:
       if (tipo == TipoControle::Botao) TeclaDesce(e.tecla, e.shift);
       break;
+    case EventoControle::TeclaSobe:
+      if (tipo == TipoControle::Mascara) EscreveEspelho(tipo, slot);
+      break;
+    case EventoControle::Mudou:
+      EscreveEspelho(tipo, slot);
+      break;
     default:
       break;
   }
@@ -175,6 +185,20 @@ void SistemaJanelas::EscreveMarca(TipoControle tipo, int slot) {
     for (size_t s = 0; s < t.nomes.size(); ++s)
       if (!t.nomes[s].empty()) zv->GravaVariavel(t.nomes[s] + u".Value", Valor::DeInt32(0), false);
   zv->GravaVariavel(t.nomes[k] + u".Value", Valor::DeInt32(b->isChecked() ? 1 : 0), false);
+}
+
+// The mirror variable of a combo, a mask or a scroll bar, from the control.
+void SistemaJanelas::EscreveEspelho(TipoControle tipo, int slot) {
+  TabelaControles& t = controles[static_cast<size_t>(tipo)];
+  auto k = static_cast<size_t>(slot);
+  QWidget* w = t.instancias[k];
+  if (!w || t.nomes[k].empty()) return;
+  if (tipo == TipoControle::Combo)
+    zv->GravaVariavel(t.nomes[k] + u".Txt", Valor::DeTexto(T(static_cast<SpCombo*>(w)->currentText())), false);
+  else if (tipo == TipoControle::Mascara)
+    zv->GravaVariavel(t.nomes[k] + u".Txt", Valor::DeTexto(T(static_cast<CaixaTexto*>(w)->text())), false);
+  else if (tipo == TipoControle::Barra)
+    zv->GravaVariavel(t.nomes[k] + u".Value", Valor::DeInt32(static_cast<BarraRolagem*>(w)->value()), false);
 }
 
 // Timer2: the text mirror. Every 5 ms while on, each live text control's
@@ -350,6 +374,75 @@ Valor SistemaJanelas::CriaMarca(TipoControle tipo, const std::vector<Texto>& a) 
   return Valor();
 }
 
+Valor SistemaJanelas::CriaCombo(const std::vector<Texto>& a) {
+  int slot;
+  SpCombo* c = NovoControle<SpCombo>(*this, TipoControle::Combo, TextoT(*zv, Arg(a, 0)), slot,
+                                     [](QWidget* pai, int) { return new SpCombo(pai); });
+  int largura = Arg(a, 3).empty() ? kLarguraPadrao : PxColuna(Num(*zv, Arg(a, 3)));
+  c->setGeometry(PxColuna(Num(*zv, Arg(a, 2))), PxLinha(Num(*zv, Arg(a, 1))), largura, c->sizeHint().height());
+  Mostra(*this, c, TipoControle::Combo);
+  return Valor();
+}
+
+Valor SistemaJanelas::CriaFrame(const std::vector<Texto>& a) {
+  int slot;
+  SpecialFrame* f = NovoControle<SpecialFrame>(*this, TipoControle::Frame, TextoT(*zv, Arg(a, 0)), slot,
+                                               [](QWidget* pai, int) { return new SpecialFrame(pai); });
+  f->setTitle(Q(TextoNT(*zv, Arg(a, 1))));
+  f->setGeometry(PxColuna(Num(*zv, Arg(a, 3))), PxLinha(Num(*zv, Arg(a, 2))), PxColuna(Num(*zv, Arg(a, 5))),
+                 PxLinha(Num(*zv, Arg(a, 4))));
+  // Behind the controls already on the window, as a frame drawn first.
+  f->lower();
+  Mostra(*this, f, TipoControle::Frame);
+  return Valor();
+}
+
+// The bar's thickness when the program gives only its length: the
+// original's 255 twips.
+constexpr int kEspessuraBarra = 17;
+
+Valor SistemaJanelas::CriaBarra(const std::vector<Texto>& a) {
+  int slot;
+  bool vertical = Num(*zv, Arg(a, 4)) == 0;
+  BarraRolagem* b = NovoControle<BarraRolagem>(
+      *this, TipoControle::Barra, TextoT(*zv, Arg(a, 0)), slot,
+      [vertical](QWidget* pai, int) { return new BarraRolagem(vertical ? Qt::Vertical : Qt::Horizontal, pai); });
+  b->setRange(0, static_cast<int>(Num(*zv, Arg(a, 1))));
+  int top = PxLinha(Num(*zv, Arg(a, 2))), left = PxColuna(Num(*zv, Arg(a, 3)));
+  double tam = Num(*zv, Arg(a, 5));
+  if (vertical)
+    b->setGeometry(left, top, kEspessuraBarra, PxLinha(tam));
+  else
+    b->setGeometry(left, top, PxColuna(tam), kEspessuraBarra);
+  Mostra(*this, b, TipoControle::Barra);
+  return Valor();
+}
+
+namespace {
+// The text a mask shows empty: every "#" a "_".
+Texto MascaraVazia(Texto m) {
+  for (char16_t& c : m)
+    if (c == u'#') c = u'_';
+  return m;
+}
+}  // namespace
+
+Valor SistemaJanelas::CriaMascara(const std::vector<Texto>& a) {
+  int slot;
+  CaixaTexto* m = NovoControle<CaixaTexto>(*this, TipoControle::Mascara, TextoT(*zv, Arg(a, 0)), slot,
+                                           [](QWidget* pai, int) { return new CaixaTexto(pai); });
+  Texto mascara = TextoT(*zv, Arg(a, 1));
+  m->setProperty("zvMascara", Q(mascara));
+  m->setText(Q(MascaraVazia(mascara)));
+  int largura = Arg(a, 4).empty() ? kLarguraPadrao : PxColuna(Num(*zv, Arg(a, 4)));
+  m->setGeometry(PxColuna(Num(*zv, Arg(a, 3))), PxLinha(Num(*zv, Arg(a, 2))), largura, PxLinha(1));
+  QObject::connect(m, &QLineEdit::textEdited, m, [this, tipo = TipoControle::Mascara, slot] { EscreveEspelho(tipo, slot); });
+  Mostra(*this, m, TipoControle::Mascara);
+  // Setting the mask changed the text: the variable follows.
+  EscreveEspelho(TipoControle::Mascara, slot);
+  return Valor();
+}
+
 // ---- Members --------------------------------------------------------------------
 
 // The common properties; false when the property isn't one of them.
@@ -436,6 +529,74 @@ void SistemaJanelas::Membro(TipoControle tipo, int slot, const std::vector<Texto
     case TipoControle::Texto:
       if (MembroTexto(slot, prop, a)) return;
       break;
+    case TipoControle::Combo: {
+      auto* c = static_cast<SpCombo*>(w);
+      if (prop == u".ADD") {
+        // The text stands behind the first blank of the first argument.
+        size_t b = primeiro.find(u' ');
+        c->addItem(Q(TextoNT(*zv, b == NPOS ? Texto() : Apara(primeiro.substr(b + 1)))));
+        return;
+      }
+      if (prop == u".TXT") {
+        c->setEditText(Q(TextoNT(*zv, valor)));
+        EscreveEspelho(tipo, slot);
+        return;
+      }
+      if (prop == u".LINES") {
+        c->setMaxVisibleItems(std::max(1, static_cast<int>(Num(*zv, valor))));
+        return;
+      }
+      break;
+    }
+    case TipoControle::Frame:
+      // Only these, and the removal.
+      if (prop != u".VISIBLE" && prop != u".TIP" && prop != u".PARENT") return;
+      break;
+    case TipoControle::Barra: {
+      auto* b = static_cast<BarraRolagem*>(w);
+      int n = static_cast<int>(Num(*zv, valor));
+      if (prop == u".MAX") {
+        b->setMaximum(n);
+      } else if (prop == u".SMALLSTEP") {
+        b->setSingleStep(n);
+      } else if (prop == u".LARGESTEP") {
+        b->setPageStep(n);
+      } else if (prop == u".VALUE") {
+        b->setValue(n);
+        EscreveEspelho(tipo, slot);
+      } else if (prop != u".ENABLED" && prop != u".VISIBLE" && prop != u".SETFOCUS" && prop != u".TABINDEX" &&
+                 prop != u".PARENT") {
+        return;  // no colours, font or tip
+      } else {
+        break;
+      }
+      return;
+    }
+    case TipoControle::Mascara: {
+      auto* m = static_cast<CaixaTexto*>(w);
+      if (prop == u".TXT") {
+        Texto v = TextoNT(*zv, valor);
+        m->setText(Q(v.empty() ? MascaraVazia(T(m->property("zvMascara").toString())) : v));
+        EscreveEspelho(tipo, slot);
+        return;
+      }
+      if (prop == u".MASK") {
+        Texto mascara = TextoT(*zv, valor);
+        m->setProperty("zvMascara", Q(mascara));
+        m->setText(Q(MascaraVazia(mascara)));
+        EscreveEspelho(tipo, slot);
+        return;
+      }
+      if (prop == u".SELECT") {
+        m->selectAll();
+        return;
+      }
+      if (prop == u".HEIGHT") {
+        m->resize(m->width(), PxLinha(Num(*zv, valor)));
+        return;
+      }
+      break;
+    }
     case TipoControle::Check:
     case TipoControle::Radio:
       if (prop == u".VALUE") {
@@ -554,6 +715,14 @@ Valor Controle(Interpretador& zv, const Texto& argumentos, TipoControle tipo) {
       case TipoControle::Check:
       case TipoControle::Radio:
         return s.CriaMarca(tipo, a);
+      case TipoControle::Combo:
+        return s.CriaCombo(a);
+      case TipoControle::Frame:
+        return s.CriaFrame(a);
+      case TipoControle::Barra:
+        return s.CriaBarra(a);
+      case TipoControle::Mascara:
+        return s.CriaMascara(a);
       default:
         return Valor();
     }
@@ -574,6 +743,10 @@ Valor CmdText(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoCo
 Valor CmdLabel(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Rotulo); }
 Valor CmdCheck(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Check); }
 Valor CmdRadio(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Radio); }
+Valor CmdCombo(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Combo); }
+Valor CmdFrame(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Frame); }
+Valor CmdScrollBar(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Barra); }
+Valor CmdMask(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Mascara); }
 
 }  // namespace
 
@@ -583,6 +756,10 @@ void RegistraControles(TabelaComandos& t) {
   t.Define(u"Label", CmdLabel);
   t.Define(u"Check", CmdCheck);
   t.Define(u"Radio", CmdRadio);
+  t.Define(u"Combo", CmdCombo);
+  t.Define(u"Frame", CmdFrame);
+  t.Define(u"ScrollBar", CmdScrollBar);
+  t.Define(u"Mask", CmdMask);
 }
 
 }  // namespace zv

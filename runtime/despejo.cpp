@@ -2,6 +2,9 @@
 // (--screenshot): what tests compare and what a person looks at.
 #include <QDir>
 #include <QAbstractButton>
+#include <QAbstractSlider>
+#include <QComboBox>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPixmap>
@@ -37,6 +40,18 @@ void Conteudo(TipoControle tipo, QWidget* w, std::string& s) {
       break;
     case TipoControle::Rotulo:
       s += Campo("text", static_cast<QLabel*>(w)->text());
+      break;
+    case TipoControle::Combo:
+      s += Campo("text", static_cast<QComboBox*>(w)->currentText());
+      break;
+    case TipoControle::Mascara:
+      s += Campo("text", static_cast<QLineEdit*>(w)->text());
+      break;
+    case TipoControle::Frame:
+      s += Campo("caption", static_cast<QGroupBox*>(w)->title());
+      break;
+    case TipoControle::Barra:
+      s += Campo("value", QString::number(static_cast<QAbstractSlider*>(w)->value()));
       break;
     case TipoControle::Check:
     case TipoControle::Radio: {

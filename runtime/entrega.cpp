@@ -1,5 +1,6 @@
 // Each action of the event script delivered as the real input events a
 // user's hand would make, sent to the widget.
+#include <QAbstractSlider>
 #include <QApplication>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -199,7 +200,15 @@ void SistemaJanelas::EntregaAcao(const QJsonObject& a, int linha) {
       Aviso(linha, "unknown mouse action " + tipo);
     return;
   }
-  if (a.contains(QLatin1String("scroll"))) return Aviso(linha, "no scroll bar named " + s("scroll"));
+  if (a.contains(QLatin1String("scroll"))) {
+    auto* b = principalFeita_ ? qobject_cast<QAbstractSlider*>(AchaControle(s("scroll"), QStringLiteral("ScrollBar"), s("window")))
+                              : nullptr;
+    if (!b) return Aviso(linha, "no scroll bar named " + s("scroll"));
+    Ativa(b);
+    // As the user's drag ends: the bar's position changes.
+    b->setSliderPosition(a.value(QLatin1String("value")).toInt());
+    return;
+  }
   if (a.contains(QLatin1String("close"))) {
     JanelaExecucao* j = AchaJanelaViva(s("close"));
     if (!j) return Aviso(linha, "no window named " + s("close"));

@@ -95,6 +95,11 @@ class SistemaJanelas : public OuvinteJanela {
   Valor CriaRotulo(const std::vector<Texto>& args);
   Valor CriaMarca(TipoControle tipo, const std::vector<Texto>& args);
   void EscreveMarca(TipoControle tipo, int slot);
+  void EscreveEspelho(TipoControle tipo, int slot);
+  Valor CriaCombo(const std::vector<Texto>& args);
+  Valor CriaFrame(const std::vector<Texto>& args);
+  Valor CriaBarra(const std::vector<Texto>& args);
+  Valor CriaMascara(const std::vector<Texto>& args);
   void Membro(TipoControle tipo, int slot, const std::vector<Texto>& args);
   bool MembroComum(TipoControle tipo, QWidget* w, const Texto& prop, const Texto& primeiro, const Texto& valor);
   bool MembroTexto(int slot, const Texto& prop, const std::vector<Texto>& args);
