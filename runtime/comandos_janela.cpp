@@ -546,6 +546,7 @@ Valor CmdTimer(Interpretador& zv, const Texto& args) {
 }  // namespace
 
 void RegistraControles(TabelaComandos& t);
+void RegistraDialogos(TabelaComandos& t);
 
 void RegistraComandosJanela() {
   TabelaComandos& t = Comandos();
@@ -567,6 +568,7 @@ void RegistraComandosJanela() {
   t.Define(u"TestMouse", CmdTestMouse, semArgs);
   t.Define(u"Timer", CmdTimer);
   RegistraControles(t);
+  RegistraDialogos(t);
 }
 
 }  // namespace zv

@@ -62,8 +62,17 @@ Options:
                        control it shows (before the tear-down)
   --screenshot DIR     after the run, a PNG of each visible window in DIR,
                        named after the window
-  --answers A,B,...    answers to the boxes in order: OK, Cancel, Yes, No;
-                       when the list runs out each box gets its default button
+  --answers A,B,...    what the user answers, in order: a box takes the next
+                       entry as its button (OK, Cancel, Yes, No; anything
+                       else leaves its default button), a dialogue as what
+                       was chosen: a file path, a colour number, a font as
+                       Name;size;bold;italic, a text, or Cancel. When the
+                       list runs out boxes get their default button and
+                       dialogues are cancelled (GetText gives its default)
+  --answers-file FILE  the same, one answer a line (for texts with commas)
+  Dialogues (DialogBox, GetText) are JSON lines too:
+    {"dialog":KIND,"title":TITLE,"text":PROMPT,"default":DEFAULT}
+  with KIND open, save, color, printer, font or input.
   --dump-prepared      print the prepared program text and run nothing
   --dump-vars          after the run, print each variable as a JSON line:
                        {"var":NAME,"type":TYPE,"values":[...]} (String, then
@@ -115,7 +124,7 @@ struct Opcoes {
   bool headless = false, dumpPrepared = false, dumpVars = false, dumpWindows = false;
   std::string eventos, fotos;
   int demora = 0;
-  std::vector<Resposta> respostas;
+  std::vector<std::string> respostas;
   PedidoExecucao pedido;
 };
 
@@ -157,15 +166,19 @@ int main(int argc, char** argv) {
     } else if (a == "--step") {
       op.pedido.passoAPasso = true;
     } else if (a == "--answers" || a == "--max-statements" || a == "--config-dir" ||
-               a == "--locale" || a == "--events" || a == "--screenshot" || a == "--linger") {
+               a == "--locale" || a == "--events" || a == "--screenshot" || a == "--linger" ||
+               a == "--answers-file") {
       if (i + 1 >= argc) return Uso(a + " needs a value");
       std::string v = argv[++i];
       if (a == "--answers") {
         std::stringstream ss(v);
-        for (std::string item; std::getline(ss, item, ',');) {
-          Resposta r;
-          if (!LeResposta(item, r)) return Uso("unknown answer '" + item + "' (use OK, Cancel, Yes or No)");
-          op.respostas.push_back(r);
+        for (std::string item; std::getline(ss, item, ',');) op.respostas.push_back(item);
+      } else if (a == "--answers-file") {
+        std::ifstream f(v);
+        if (!f) return Uso("can't read the answers file " + v);
+        for (std::string item; std::getline(f, item);) {
+          if (!item.empty() && item.back() == '\r') item.pop_back();
+          op.respostas.push_back(item);
         }
       } else if (a == "--max-statements") {
         char* fim;
