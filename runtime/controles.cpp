@@ -9,10 +9,13 @@
 #include "controls/btn_esp.h"
 #include "controls/caixa_texto.h"
 #include "controls/barras.h"
+#include "controls/calendario.h"
+#include "controls/entra_num.h"
 #include "controls/marcas.h"
 #include "controls/sp_combo.h"
 #include "controls/rot.h"
 #include "library/arquivos.h"
+#include "library/datas.h"
 #include "runtime/janelas.h"
 #include "runtime/mensagens.h"
 
@@ -157,10 +160,13 @@ void SistemaJanelas::RelataControle(TipoControle tipo, int slot, const DadosEven
       break;
     case EventoControle::PerdeuFoco:
       zv->GravaVariavel(u"LostFocus", Valor::DeTexto(nome), false);
+      if (tipo == TipoControle::Moeda && !t.instancias[s]->window()->isHidden()) EscreveEspelho(tipo, slot);
       if (tipo == TipoControle::Texto && t.multiLinha[s]) Atual()->previaDeTeclas = true;
       break;
     case EventoControle::TeclaDesce:
       if (tipo == TipoControle::Botao) TeclaDesce(e.tecla, e.shift);
+      // The value as it stands before the key is applied.
+      if (tipo == TipoControle::Moeda) EscreveEspelho(tipo, slot);
       break;
     case EventoControle::TeclaSobe:
       if (tipo == TipoControle::Mascara) EscreveEspelho(tipo, slot);
@@ -199,6 +205,11 @@ void SistemaJanelas::EscreveEspelho(TipoControle tipo, int slot) {
     zv->GravaVariavel(t.nomes[k] + u".Txt", Valor::DeTexto(T(static_cast<CaixaTexto*>(w)->text())), false);
   else if (tipo == TipoControle::Barra)
     zv->GravaVariavel(t.nomes[k] + u".Value", Valor::DeInt32(static_cast<BarraRolagem*>(w)->value()), false);
+  else if (tipo == TipoControle::Moeda)
+    zv->GravaVariavel(t.nomes[k] + u".Value", Valor::DeDouble(static_cast<EntraNum*>(w)->Valor()), false);
+  else if (tipo == TipoControle::Calendario)
+    zv->GravaVariavel(t.nomes[k] + u".Txt",
+                      Valor::DeTexto(TextoMomento(Momento(static_cast<Calendario*>(w)->date()), LocaleDatas())), false);
 }
 
 // Timer2: the text mirror. Every 5 ms while on, each live text control's
@@ -418,6 +429,29 @@ Valor SistemaJanelas::CriaBarra(const std::vector<Texto>& a) {
   return Valor();
 }
 
+Valor SistemaJanelas::CriaMoeda(const std::vector<Texto>& a) {
+  int slot;
+  EntraNum* m = NovoControle<EntraNum>(*this, TipoControle::Moeda, TextoT(*zv, Arg(a, 0)), slot,
+                                       [](QWidget* pai, int) { return new EntraNum(pai); });
+  int largura = Arg(a, 3).empty() ? kLarguraPadrao : PxColuna(Num(*zv, Arg(a, 3)));
+  m->setGeometry(PxColuna(Num(*zv, Arg(a, 2))), PxLinha(Num(*zv, Arg(a, 1))), largura, PxLinha(1));
+  Mostra(*this, m, TipoControle::Moeda);
+  return Valor();
+}
+
+Valor SistemaJanelas::CriaCalendario(const std::vector<Texto>& a) {
+  int slot;
+  Calendario* c = NovoControle<Calendario>(*this, TipoControle::Calendario, TextoT(*zv, Arg(a, 0)), slot,
+                                           [](QWidget* pai, int) { return new Calendario(pai); });
+  c->setDisplayFormat(FormatoDataCurta(LocaleDatas()));
+  int largura = Arg(a, 3).empty() ? kLarguraPadrao + 24 : PxColuna(Num(*zv, Arg(a, 3)));
+  c->setGeometry(PxColuna(Num(*zv, Arg(a, 2))), PxLinha(Num(*zv, Arg(a, 1))), largura, c->sizeHint().height());
+  Mostra(*this, c, TipoControle::Calendario);
+  // Written at creation with the control's own default date.
+  EscreveEspelho(TipoControle::Calendario, slot);
+  return Valor();
+}
+
 namespace {
 // The text a mask shows empty: every "#" a "_".
 Texto MascaraVazia(Texto m) {
@@ -597,6 +631,34 @@ void SistemaJanelas::Membro(TipoControle tipo, int slot, const std::vector<Texto
       }
       break;
     }
+    case TipoControle::Moeda: {
+      auto* m = static_cast<EntraNum*>(w);
+      if (prop == u".HEIGHT") {
+        m->resize(m->width(), PxLinha(Num(*zv, valor)));
+      } else if (prop == u".DECIMALPLACES") {
+        m->DefineCasas(static_cast<int>(Num(*zv, valor)));
+      } else if (prop == u".VALUE") {
+        m->DefineValor(Num(*zv, valor));
+      } else if (prop == u".FONTNAME" || prop == u".FONTSIZE" || prop == u".BOLD" || prop == u".ITALIC") {
+        // no font properties
+      } else {
+        break;
+      }
+      return;
+    }
+    case TipoControle::Calendario: {
+      auto* c = static_cast<Calendario*>(w);
+      if (prop == u".TXT") {
+        QDateTime m;
+        if (LeData(TextoNT(*zv, valor), LocaleDatas(), m)) c->setDate(m.date());
+        EscreveEspelho(tipo, slot);
+        return;
+      }
+      if (prop == u".BACKCOLOR" || prop == u".FORECOLOR" || prop == u".FONTNAME" || prop == u".FONTSIZE" ||
+          prop == u".BOLD" || prop == u".ITALIC")
+        return;  // no colours or font
+      break;
+    }
     case TipoControle::Check:
     case TipoControle::Radio:
       if (prop == u".VALUE") {
@@ -723,6 +785,10 @@ Valor Controle(Interpretador& zv, const Texto& argumentos, TipoControle tipo) {
         return s.CriaBarra(a);
       case TipoControle::Mascara:
         return s.CriaMascara(a);
+      case TipoControle::Moeda:
+        return s.CriaMoeda(a);
+      case TipoControle::Calendario:
+        return s.CriaCalendario(a);
       default:
         return Valor();
     }
@@ -747,6 +813,8 @@ Valor CmdCombo(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoC
 Valor CmdFrame(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Frame); }
 Valor CmdScrollBar(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Barra); }
 Valor CmdMask(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Mascara); }
+Valor CmdCurrency(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Moeda); }
+Valor CmdCalendar(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Calendario); }
 
 }  // namespace
 
@@ -760,6 +828,8 @@ void RegistraControles(TabelaComandos& t) {
   t.Define(u"Frame", CmdFrame);
   t.Define(u"ScrollBar", CmdScrollBar);
   t.Define(u"Mask", CmdMask);
+  t.Define(u"Currency", CmdCurrency);
+  t.Define(u"Calendar", CmdCalendar);
 }
 
 }  // namespace zv

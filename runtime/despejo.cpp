@@ -4,6 +4,7 @@
 #include <QAbstractButton>
 #include <QAbstractSlider>
 #include <QComboBox>
+#include <QDateEdit>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -11,6 +12,7 @@
 #include <QPushButton>
 #include <QTextEdit>
 
+#include "controls/entra_num.h"
 #include "runtime/headless_host.h"
 #include "runtime/janelas.h"
 
@@ -46,6 +48,12 @@ void Conteudo(TipoControle tipo, QWidget* w, std::string& s) {
       break;
     case TipoControle::Mascara:
       s += Campo("text", static_cast<QLineEdit*>(w)->text());
+      break;
+    case TipoControle::Moeda:
+      s += Campo("value", static_cast<EntraNum*>(w)->TextoValor());
+      break;
+    case TipoControle::Calendario:
+      s += Campo("text", static_cast<QDateEdit*>(w)->text());
       break;
     case TipoControle::Frame:
       s += Campo("caption", static_cast<QGroupBox*>(w)->title());

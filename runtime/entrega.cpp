@@ -55,13 +55,13 @@ void Clica(QWidget* w, QPoint p, Qt::MouseButton b, bool duplo) {
 // the program sees.
 int TeclaDoNome(const QJsonValue& v) {
   if (v.isDouble()) return TeclaDeCodigo(v.toInt());
+  // A text is a Qt key name first ("7" is the key 7), then a code.
   QString s = v.toString();
-  bool numero = false;
-  int n = s.toInt(&numero);
-  if (numero) return TeclaDeCodigo(n);
   bool ok = false;
   int k = QMetaEnum::fromType<Qt::Key>().keyToValue(("Key_" + s).toLatin1().constData(), &ok);
-  return ok ? k : Qt::Key_unknown;
+  if (ok) return k;
+  int n = s.toInt(&ok);
+  return ok ? TeclaDeCodigo(n) : Qt::Key_unknown;
 }
 
 QString TextoDaTecla(int k, Qt::KeyboardModifiers m) {

@@ -100,6 +100,8 @@ class SistemaJanelas : public OuvinteJanela {
   Valor CriaFrame(const std::vector<Texto>& args);
   Valor CriaBarra(const std::vector<Texto>& args);
   Valor CriaMascara(const std::vector<Texto>& args);
+  Valor CriaMoeda(const std::vector<Texto>& args);
+  Valor CriaCalendario(const std::vector<Texto>& args);
   void Membro(TipoControle tipo, int slot, const std::vector<Texto>& args);
   bool MembroComum(TipoControle tipo, QWidget* w, const Texto& prop, const Texto& primeiro, const Texto& valor);
   bool MembroTexto(int slot, const Texto& prop, const std::vector<Texto>& args);
