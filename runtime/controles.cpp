@@ -311,33 +311,30 @@ Valor SistemaJanelas::CriaBotao(const std::vector<Texto>& a) {
 Valor SistemaJanelas::CriaTexto(const std::vector<Texto>& a) {
   Texto nome = TextoT(*zv, Arg(a, 0));
   TabelaControles& t = controles[static_cast<size_t>(TipoControle::Texto)];
-  // A slot taken again keeps its multi-line flag, whatever this Height says.
   double altura = Arg(a, 4).empty() ? 1 : Num(*zv, Arg(a, 4));
+  // A slot taken again keeps its multi-line flag, whatever this Height says;
+  // a new slot is multi-line from three lines up.
   int16_t antes = t.contagem;
-  int slot;
-  QWidget* w = nullptr;
-  bool multi = false;
-  auto faz = [&](QWidget* pai, int s) -> QWidget* {
-    auto k = static_cast<size_t>(s);
-    if (s >= antes) t.multiLinha[k] = altura >= 3;
-    multi = t.multiLinha[k];
-    if (multi) return new TextoMultiLinha(pai);
-    return new CaixaTexto(pai);
-  };
-  // The two classes report alike; one creation for both.
-  TabelaControles& tab = t;
-  slot = tab.Livre();
+  int slot = t.Livre();
   auto k = static_cast<size_t>(slot);
-  tab.nomes[k] = nome;
-  tab.donos[k] = nomeFormAtual;
-  w = faz(Atual(), slot);
-  tab.instancias[k] = w;
-  zv->CriaVariavel(nome + u".Txt", u"String");
+  if (slot >= antes) t.multiLinha[k] = altura >= 3;
+  bool multi = t.multiLinha[k];
+  t.nomes[k] = nome;
+  t.donos[k] = nomeFormAtual;
+  QWidget* w;
+  // The two classes report alike.
   RelatorControle r = [this, slot](const DadosEvento& e) { RelataControle(TipoControle::Texto, slot, e); };
-  if (multi)
-    static_cast<TextoMultiLinha*>(w)->relata = r;
-  else
-    static_cast<CaixaTexto*>(w)->relata = r;
+  if (multi) {
+    auto* m = new TextoMultiLinha(Atual());
+    m->relata = r;
+    w = m;
+  } else {
+    auto* l = new CaixaTexto(Atual());
+    l->relata = r;
+    w = l;
+  }
+  t.instancias[k] = w;
+  zv->CriaVariavel(nome + u".Txt", u"String");
   int largura = Arg(a, 3).empty() ? kLarguraPadrao : PxColuna(Num(*zv, Arg(a, 3)));
   w->setGeometry(PxColuna(Num(*zv, Arg(a, 2))), PxLinha(Num(*zv, Arg(a, 1))), largura, PxLinha(altura < 1 ? 1 : altura));
   Mostra(*this, w, TipoControle::Texto);
