@@ -18,6 +18,7 @@
 #include "library/datas.h"
 #include "runtime/janelas.h"
 #include "runtime/mensagens.h"
+#include "runtime/rtf.h"
 
 namespace zv {
 
@@ -71,6 +72,9 @@ double Num(Interpretador& zv, const Texto& t) { return t.empty() ? 0.0 : zv.Valo
 QString Q(const Texto& t) { return QString::fromStdU16String(t); }
 Texto T(const QString& s) { return s.toStdU16String(); }
 
+// A multi-line text as programs read it: lines end in CR LF.
+QString TextoDoRico(const QTextEdit* r) { return r->toPlainText().replace(QLatin1Char('\n'), QStringLiteral("\r\n")); }
+
 // The default sizes of a control that isn't given one: the original's
 // design-time instance 0, 1215 by 495 twips.
 constexpr int kLarguraPadrao = 81;
@@ -99,6 +103,12 @@ void CorDeFundo(QWidget* w, const QColor& c) {
   p.setColor(QPalette::Window, c);
   w->setPalette(p);
   w->setAutoFillBackground(true);
+}
+
+void CorDeFundoBotao(QWidget* w, const QColor& c) {
+  QPalette p = w->palette();
+  p.setColor(QPalette::Button, c);
+  w->setPalette(p);
 }
 
 void CorDeFrente(QWidget* w, const QColor& c) {
@@ -227,7 +237,7 @@ void SistemaJanelas::TiqueEspelhos() {
     QWidget* w = t.instancias[s];
     if (!w || t.nomes[s].empty()) continue;
     algum = true;
-    QString texto = t.multiLinha[s] ? static_cast<TextoMultiLinha*>(w)->toPlainText()
+    QString texto = t.multiLinha[s] ? TextoDoRico(static_cast<TextoMultiLinha*>(w))
                                     : static_cast<CaixaTexto*>(w)->text();
     zv->GravaVariavel(t.nomes[s] + u".Txt", Valor::DeTexto(T(texto)), false);
   }
@@ -283,7 +293,12 @@ Valor SistemaJanelas::CriaBotao(const std::vector<Texto>& a) {
                                    [](QWidget* pai, int) { return new BtnEsp(pai); });
   QFontMetrics fm(b->font());
   if (forma3) {
-    // The skins come with the skinned button; until then a plain button.
+    // The skins come with the skinned button; until then a plain button,
+    // with skin 0's colours when ButtonStyle set them.
+    if (Apara(t2.substr(4)) == u"0") {
+      if (estilo0_.temFundo) CorDeFundoBotao(b, estilo0_.fundo);
+      if (estilo0_.temFrente) CorDeFrente(b, estilo0_.frente);
+    }
     b->move(PxColuna(Num(*zv, Arg(a, 3))), PxLinha(Num(*zv, Arg(a, 2))));
     bool semNada = Arg(a, 4).empty() && Arg(a, 5).empty() && Arg(a, 6).empty();
     Texto cap = semNada ? Texto(u"OK") : TextoT(*zv, Arg(a, 4));
@@ -685,28 +700,32 @@ bool SistemaJanelas::MembroTexto(int slot, const Texto& prop, const std::vector<
   if (prop == u".TXT") {
     QString v = Q(TextoNT(*zv, valor));
     if (multi)
-      rico->setPlainText(v);
+      rico->setPlainText(v.replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
     else
       linha->setText(v);
-    zv->GravaVariavel(t.nomes[k] + u".Txt", Valor::DeTexto(T(multi ? rico->toPlainText() : linha->text())), false);
+    zv->GravaVariavel(t.nomes[k] + u".Txt", Valor::DeTexto(T(multi ? TextoDoRico(rico) : linha->text())), false);
   } else if (prop == u".SELECT") {
+    // The start stands behind the first blank of the first argument:
+    // "Name.Select 1, 5, Arial, 14, BOLD, 255".
+    Texto primeiro = Apara(Arg(a, 0));
+    size_t b = primeiro.find(u' ');
+    Texto inicio = b == NPOS ? Texto() : Apara(primeiro.substr(b + 1));
     if (multi) {
-      Texto primeiro = Apara(Arg(a, 0));
-      std::vector<Texto> args(a.begin() + 1, a.end());
-      if (ContaArgumentos(args) < 2) {
+      if (inicio.empty() || Arg(a, 1).empty()) {
         rico->selectAll();
       } else {
         QTextCursor c = rico->textCursor();
-        int ini = static_cast<int>(Num(*zv, args[0])) - 1, tam = static_cast<int>(Num(*zv, args[1]));
+        int ini = static_cast<int>(Num(*zv, inicio)) - 1, tam = static_cast<int>(Num(*zv, Arg(a, 1)));
         int total = static_cast<int>(rico->toPlainText().size());
         ini = std::clamp(ini, 0, total);
         c.setPosition(ini);
         c.setPosition(std::clamp(ini + tam, 0, total), QTextCursor::KeepAnchor);
         QTextCharFormat f;
-        if (args.size() > 2 && !args[2].empty()) f.setFontFamilies({Q(TextoT(*zv, args[2]))});
-        if (args.size() > 3 && !args[3].empty()) f.setFontPointSize(Num(*zv, args[3]));
-        if (args.size() > 4 && !args[4].empty()) f.setFontWeight(Maiusculas(TextoNT(*zv, args[4])) == u"BOLD" ? QFont::Bold : QFont::Normal);
-        if (args.size() > 5 && !args[5].empty()) f.setForeground(CorDeValor(*zv, args[5]));
+        if (!Arg(a, 2).empty()) f.setFontFamilies({Q(TextoT(*zv, Arg(a, 2)))});
+        if (!Arg(a, 3).empty()) f.setFontPointSize(Num(*zv, Arg(a, 3)));
+        // The word BOLD as written, not a value.
+        if (!Arg(a, 4).empty()) f.setFontWeight(Maiusculas(Apara(Arg(a, 4))) == u"BOLD" ? QFont::Bold : QFont::Normal);
+        if (!Arg(a, 5).empty()) f.setForeground(CorDeValor(*zv, Arg(a, 5)));
         c.mergeCharFormat(f);
         rico->setTextCursor(c);
       }
@@ -745,6 +764,9 @@ bool SistemaJanelas::MembroTexto(int slot, const Texto& prop, const std::vector<
       linha->setCursorPosition(n);
     }
     w->setFocus(Qt::OtherFocusReason);
+  } else if (prop == u".TEXTRTF") {
+    // With "=": the formatted text, on a multi-line text only.
+    if (multi && Arg(a, 1) == u"=") LeRtf(ParaCp1252(TextoNT(*zv, valor)), *rico->document());
   } else if (prop == u".NUMERIC") {
     if (!multi) linha->numerico = Logico(*zv, valor) == 1;
   } else {
@@ -797,6 +819,12 @@ Valor Controle(Interpretador& zv, const Texto& argumentos, TipoControle tipo) {
     s.LiberaControle(tipo, slot, slot > 0);
     return Valor();
   }
+  // Without "=", .TextRTF is a result: Text(Name.TextRTF).
+  if (tipo == TipoControle::Texto && Arg(a, 1) != u"=" &&
+      Contem(Maiusculas(primeiro), u".TEXTRTF")) {
+    auto* rico = dynamic_cast<QTextEdit*>(t.instancias[static_cast<size_t>(slot)].data());
+    return Valor::TextoComAspas(rico ? DeCp1252(EscreveRtf(*rico->document())) : Texto());
+  }
   s.Membro(tipo, slot, a);
   return Valor();
 }
@@ -815,7 +843,33 @@ Valor CmdCalendar(Interpretador& zv, const Texto& a) { return Controle(zv, a, Ti
 
 }  // namespace
 
+// ButtonStyle Property = value: skin 0, for the Type0 buttons made later.
+// The state pictures are kept for the skinned button to come.
+Valor CmdButtonStyle(Interpretador& zv, const Texto& args) {
+  std::vector<Texto> a = zv.SeparaArgumentos(args, 51, true);
+  SistemaJanelas& s = Janelas(zv);
+  Texto m = Maiusculas(Arg(a, 0));
+  Texto v = Arg(a, 2);
+  static const char16_t* const kEstados[] = {u"BTNUP", u"BTNHIGH", u"BTNFOCUS", u"BTNDOWN", u"BTNDISABLED"};
+  for (size_t i = 0; i < 5; ++i)
+    if (Contem(m, kEstados[i])) {
+      Texto arquivo = ResolveArquivo(zv, TextoT(zv, v));
+      if (arquivo.empty()) throw FalhaHost(u"File not found");
+      s.Estilo0().figuras[i] = arquivo;
+    }
+  if (Contem(m, u"BACKCOLOR")) {
+    s.Estilo0().fundo = CorDe(Num(zv, v));
+    s.Estilo0().temFundo = true;
+  }
+  if (Contem(m, u"FORECOLOR")) {
+    s.Estilo0().frente = CorDe(Num(zv, v));
+    s.Estilo0().temFrente = true;
+  }
+  return Valor();
+}
+
 void RegistraControles(TabelaComandos& t) {
+  t.Define(u"ButtonStyle", CmdButtonStyle);
   t.Define(u"Button", CmdButton);
   t.Define(u"Text", CmdText);
   t.Define(u"Label", CmdLabel);

@@ -38,7 +38,7 @@ void Conteudo(TipoControle tipo, QWidget* w, std::string& s) {
       if (auto* l = qobject_cast<QLineEdit*>(w))
         s += Campo("text", l->text());
       else if (auto* r = qobject_cast<QTextEdit*>(w))
-        s += Campo("text", r->toPlainText());
+        s += Campo("text", r->toPlainText().replace(QLatin1Char('\n'), QStringLiteral("\r\n")));
       break;
     case TipoControle::Rotulo:
       s += Campo("text", static_cast<QLabel*>(w)->text());

@@ -95,6 +95,13 @@ class SistemaJanelas : public OuvinteJanela {
   Valor CriaRotulo(const std::vector<Texto>& args);
   Valor CriaMarca(TipoControle tipo, const std::vector<Texto>& args);
   void EscreveMarca(TipoControle tipo, int slot);
+  // Skin 0 of the button types, as ButtonStyle leaves it.
+  struct EstiloBotao {
+    std::array<Texto, 5> figuras;  // BtnUp, BtnHigh, BtnFocus, BtnDown, BtnDisabled
+    QColor fundo, frente;
+    bool temFundo = false, temFrente = false;
+  };
+  EstiloBotao& Estilo0() { return estilo0_; }
   void EscreveEspelho(TipoControle tipo, int slot);
   Valor CriaCombo(const std::vector<Texto>& args);
   Valor CriaFrame(const std::vector<Texto>& args);
@@ -148,6 +155,7 @@ class SistemaJanelas : public OuvinteJanela {
 
   std::unique_ptr<QObject> filtro_;  // key preview
   bool espelhosLigados_ = false;     // Timer2
+  EstiloBotao estilo0_;
   std::vector<QPointer<QWidget>> descartados_;
   bool principalFeita_ = false;
   bool encerrada_ = false;
