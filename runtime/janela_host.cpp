@@ -148,8 +148,8 @@ Plataforma HostJanela::DadosPlataforma() const {
 void HostJanela::ExibeModal(const std::function<bool()>& aberta, const std::function<void()>& fecha) {
   while (aberta() && zv_ && zv_->executando) {
     if (!Interativo()) {
-      // Headless, with the script used up, nobody will ever close it.
-      std::fprintf(stderr, "zvrun: the event script is used up while a modal window waits; the run ends\n");
+      // Headless, with no script or one used up, nobody will ever close it.
+      if (!mudo) std::fprintf(stderr, "zvrun: no user is left to close a modal window; the run ends\n");
       zv_->pararPrograma = true;
       fecha();
       break;
