@@ -1,6 +1,8 @@
 # Runs one conformance program, tests/programs/AREA/NAME.zvc, under
-# zvrun --headless --dump-vars (plus the flags in NAME.args) and compares what
-# it prints with NAME.expected; on a mismatch it shows a unified diff.
+# zvrun --headless --dump-vars (plus the flags in NAME.args, and the event
+# script NAME.events and the answers NAME.answers when they are there) and
+# compares what it prints with NAME.expected; on a mismatch it shows a
+# unified diff.
 #
 #   cmake -DZVRUN=... -DPROGRAM=... [-DEXTRA_FLAGS=...] [-DREBASELINE=ON] -P RunProgram.cmake
 #
@@ -32,6 +34,14 @@ if(EXISTS ${dir}/${name}.args)
   string(STRIP "${extra}" extra)
   separate_arguments(extra UNIX_COMMAND "${extra}")
   list(APPEND args ${extra})
+endif()
+# A window program's user: NAME.events beside it is its event script.
+if(EXISTS ${dir}/${name}.events)
+  list(APPEND args --events ${dir}/${name}.events)
+endif()
+# Its answers to boxes and dialogues, one a line.
+if(EXISTS ${dir}/${name}.answers)
+  list(APPEND args --answers-file ${dir}/${name}.answers)
 endif()
 
 string(RANDOM LENGTH 8 tag)

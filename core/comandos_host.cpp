@@ -58,6 +58,11 @@ void EsperaClique(Interpretador& zv, Texto& alvo, const char16_t* forma) {
     return;
   }
   while (alvo.empty() && zv.executando && !zv.pararPrograma && !zv.abortado && !zv.janelaFechada) {
+    // A scripted user whose actions are used up clicks no more: the run ends.
+    if (!zv.host().Interativo()) {
+      zv.pararPrograma = true;
+      return;
+    }
     zv.host().Dorme(10);
     zv.Bombeia();
   }

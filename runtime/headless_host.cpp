@@ -106,10 +106,9 @@ Resposta HostConsole::MostraCaixa(const Caixa& caixa) {
   if (!Cabe(r, caixa.botoes)) r = caixa.botoes == Botoes::YesNo ? Resposta::No : Resposta::OK;
   // A scripted answer that isn't one of the box's buttons is used up, and
   // the default button stands.
-  if (proximaResposta_ < respostas.size()) {
-    Resposta dada = respostas[proximaResposta_++];
-    if (Cabe(dada, caixa.botoes)) r = dada;
-  }
+  std::string texto;
+  Resposta dada;
+  if (ProximaResposta(texto) && LeResposta(texto, dada) && Cabe(dada, caixa.botoes)) r = dada;
   if (!mudo) {
     std::string linha = CaixaJson(caixa, r);
     linha += '\n';
@@ -117,6 +116,19 @@ Resposta HostConsole::MostraCaixa(const Caixa& caixa) {
     std::fflush(saida_);
   }
   return r;
+}
+
+bool HostConsole::ProximaResposta(std::string& r) {
+  if (proximaResposta_ >= respostas.size()) return false;
+  r = respostas[proximaResposta_++];
+  return true;
+}
+
+void HostConsole::EscreveLinha(const std::string& linha) {
+  if (mudo) return;
+  std::string l = linha + '\n';
+  std::fwrite(l.data(), 1, l.size(), saida_);
+  std::fflush(saida_);
 }
 
 void HostConsole::Bombeia() {

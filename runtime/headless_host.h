@@ -22,7 +22,9 @@ class HostConsole : public Host {
  public:
   explicit HostConsole(std::FILE* saida = stdout) : saida_(saida) {}
 
-  std::vector<Resposta> respostas;  // answers to the boxes, in order
+  // What the user answers, in order: a box takes the next entry as its
+  // button (OK, Cancel, Yes, No), a dialogue as what was chosen.
+  std::vector<std::string> respostas;
   bool mudo = false;                // print nothing (for tools)
   bool janelaFechada = false;
 
@@ -35,6 +37,11 @@ class HostConsole : public Host {
   void ParaTimer(int id) override { timers_.erase(id); }
   bool Interativo() const override { return false; }
   Plataforma DadosPlataforma() const override;
+
+  // The next scripted answer; false when they are used up.
+  bool ProximaResposta(std::string& r);
+  // One line on the output (a dialogue's JSON line); nothing when mute.
+  void EscreveLinha(const std::string& linha);
 
  private:
   struct Timer {

@@ -15,6 +15,7 @@
 #include "data/dados.h"
 #include "library/biblioteca.h"
 #include "runtime/mensagens.h"
+#include "runtime/porta_janelas.h"
 
 // Sanitizers must be told that the stack changes under them, or they take
 // the deep stack's frames for an overflow of the thread's own.
@@ -67,6 +68,7 @@ void RegistraSubsistemas() {
   std::call_once(feito, [] {
     RegistraBiblioteca();
     RegistraDados();
+    RegistraJanelas();
   });
 }
 
@@ -205,10 +207,13 @@ Lancador::Lancador(Host& host, const PedidoExecucao& pedido, const FontePrograma
   zv.dirConfig = pedido.dirConfig.empty() ? host.DadosPlataforma().pastaExecutavel : U(pedido.dirConfig);
 }
 
-void Lancador::Executa() {
-  NaPilhaDaExecucao([this] {
+void Lancador::Executa() { Executa(nullptr); }
+
+void Lancador::Executa(const std::function<void()>& depois) {
+  NaPilhaDaExecucao([this, &depois] {
     zv_->fundoPilha = FundoPilhaAtual();
     zv_->Executa();
+    if (depois) depois();
   });
 }
 

@@ -69,6 +69,10 @@ class Lancador {
   // The whole run, from declaring the predeclared variables to the end of
   // the main walk, on the deep stack.
   void Executa();
+  // The same, then `depois` on the same stack: what the run does after its
+  // main text (the run window's events and timers until it closes), where
+  // a timer's Sub may nest walks as deep as the main text's.
+  void Executa(const std::function<void()>& depois);
 
  private:
   std::unique_ptr<Interpretador> zv_;

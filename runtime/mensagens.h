@@ -1,8 +1,10 @@
-// Every text the run's hosts and its launcher show a user or a tool. The
-// launcher's are the runner's words on the terminal, not boxes: narrow texts.
+// Every text the run's hosts, its windows and its launcher show a user or a
+// tool. The launcher's are the runner's words on the terminal, not boxes:
+// narrow texts. Tests spell these out literally.
 #pragma once
 
 #include "core/mensagens.h"
+#include "core/texto.h"
 
 namespace zv::msg::execucao {
 
@@ -12,4 +14,49 @@ inline constexpr char kEPasta[] = " is a folder, not a program file";
 inline constexpr char kNaoLe[] = "can't read ";
 inline constexpr char kFonteDanificada[] = " is a damaged source file: a code has no end marker #%";
 
+
+// ---- The event script and the window module (standard error) -------------
+
+inline constexpr char kLinhaDoRoteiro[] = "zvrun: event line %d: %s; skipped\n";
+inline constexpr char kAindaSemJanela[] = "the program has no window yet";
+inline constexpr char kJanelaFechada[] = "the run window is closed";
+inline constexpr char kSemControle[] = "no control named ";
+inline constexpr char kSemJanela[] = "no window named ";
+inline constexpr char kSemBarra[] = "no scroll bar named ";
+inline constexpr char kSemFoco[] = "no window has the keyboard focus";
+inline constexpr char kTeclaDesconhecida[] = "unknown key ";
+inline constexpr char kAcaoDeMouse[] = "unknown mouse action ";
+inline constexpr char kAcaoDesconhecida[] = "unknown action";
+inline constexpr char kModalSemUsuario[] = "zvrun: no user is left to close a modal window; the run ends\n";
+inline constexpr char kNaoLeRoteiro[] = "can't read the event script ";
+inline constexpr char kNaoEObjeto[] = ": not a JSON object";
+inline constexpr char kNaoGrava[] = "can't write ";
+inline constexpr char kModulo[] = "the window module ";
+inline constexpr char kModuloNaoCarrega[] = " can't be loaded";
+
+// The offscreen platform's notice that it can't pass size hints to a window
+// manager it hasn't got: kept off a headless run's standard error.
+inline constexpr char kAvisoDicasDeTamanho[] = "does not support propagateSizeHints";
+
 }  // namespace zv::msg::execucao
+
+namespace zv::msg {
+
+using Texto = const char16_t*;
+
+// Window model.
+inline constexpr Texto JanelasDemais = u"Could not set window: more than 20 windows defined!";
+inline constexpr Texto EstaticasDemais = u"Can't open static window, maximum overlapping windows = 5!";
+inline constexpr Texto UseEmModal = u"The command 'NewWindow Use' can only be used in dynamic windows!";
+inline constexpr Texto FundoNaoAchado = u"Background - Image file not found:";
+inline constexpr Texto ErroFundo = u"Error in the Background property!";
+inline constexpr Texto ErroFundoJanela = u"Error in BackGround property!";
+inline constexpr Texto ModoDeVideo = u"the screen mode can't be changed on this platform";
+inline constexpr Texto TituloPrefixo = u"Zarvolt - ";
+
+// Control commands.
+inline constexpr Texto FiguraForma2 = u"Erro ao carregar figura, caminho n\u00e3o encontrado!";
+inline constexpr Texto FiguraForma3 = u"Error loading picture, path not found!";
+inline constexpr Texto TipoSemControle = u"this kind of window has no control of this kind";
+
+}  // namespace zv::msg

@@ -1,5 +1,7 @@
-// zvrun: runs a Zarvolt program. With --headless it needs no window: boxes
-// are JSON lines on standard output and take their answers from --answers.
+// zvrun: runs a Zarvolt program. On the desktop it opens the run window and
+// runs until that closes. With --headless it needs no display: boxes are
+// JSON lines on standard output and take their answers from --answers, and
+// the windows stand on Qt's offscreen platform, driven by --events.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -10,17 +12,24 @@
 #include <string>
 
 #include "core/interpretador.h"
-#include "runtime/headless_host.h"
+#include "runtime/janela_host.h"
 #include "runtime/lancador.h"
+#include "runtime/porta_janelas.h"
+#include "runtime/roteiro.h"
 
 namespace fs = std::filesystem;
 using namespace zv;
 
 namespace {
 
-const char* kAjuda = R"(Usage: zvrun --headless [options] FILE [-- ARGUMENTS...]
+const char* kAjuda = R"(Usage: zvrun [--headless] [options] FILE [-- ARGUMENTS...]
 
-Runs a Zarvolt program that needs no window.
+Runs a Zarvolt program. Without --headless the run window opens on the
+desktop, and the run lasts until the main window is closed: the end of the
+main text doesn't end it. With --headless nothing is shown: the windows are
+made on Qt's offscreen platform (only when the program uses a window
+command), and the run ends when the main text has ended and the event
+script is used up.
 
 FILE is a source file. A file that begins with "#ZV7#" is read as a .Zvc
 document (main code and code tabs); any other file is taken as the main code
@@ -35,9 +44,35 @@ KIND is info, critical, question, error (the run-time error box) or step
 and a line end.
 
 Options:
-  --headless           run without a window (the only mode of this tool yet)
-  --answers A,B,...    answers to the boxes in order: OK, Cancel, Yes, No;
-                       when the list runs out each box gets its default button
+  --headless           run without a display (see above)
+  --events FILE        user actions, one JSON object a line, each delivered at
+                       a pump point once the one before it was handled:
+                       {"click":NAME}, {"dblclick":NAME} (optional "kind":
+                       the control's keyword, "window": its window),
+                       {"type":TEXT,"into":NAME}, {"key":KEY,"into":NAME,
+                       "modifiers":["shift","ctrl","alt"]}, {"keydown":KEY},
+                       {"keyup":KEY}, {"mouse":"move"|"down"|"up"|"click"|
+                       "dblclick","x":PX,"y":PY,"button":"left"|"right",
+                       "window":NAME}, {"close":WINDOW}, {"wait":MS}.
+                       KEY is a Qt key name without "Key_" (Enter, Tab, F6,
+                       A) or the key code the program sees. An action naming
+                       nothing that exists is skipped with a warning
+  --linger MS          pump MS milliseconds more before the run ends
+  --dump-windows       after the run, one JSON line per window and one per
+                       control it shows (before the tear-down)
+  --screenshot DIR     after the run, a PNG of each visible window in DIR,
+                       named after the window
+  --answers A,B,...    what the user answers, in order: a box takes the next
+                       entry as its button (OK, Cancel, Yes, No; anything
+                       else leaves its default button), a dialogue as what
+                       was chosen: a file path, a colour number, a font as
+                       Name;size;bold;italic, a text, or Cancel. When the
+                       list runs out boxes get their default button and
+                       dialogues are cancelled (GetText gives its default)
+  --answers-file FILE  the same, one answer a line (for texts with commas)
+  Dialogues (DialogBox, GetText) are JSON lines too:
+    {"dialog":KIND,"title":TITLE,"text":PROMPT,"default":DEFAULT}
+  with KIND open, save, color, printer, font or input.
   --dump-prepared      print the prepared program text and run nothing
   --dump-vars          after the run, print each variable as a JSON line:
                        {"var":NAME,"type":TYPE,"values":[...]} (String, then
@@ -86,8 +121,10 @@ void DespejaVariaveis(const Interpretador& zv) {
 }
 
 struct Opcoes {
-  bool headless = false, dumpPrepared = false, dumpVars = false;
-  std::vector<Resposta> respostas;
+  bool headless = false, dumpPrepared = false, dumpVars = false, dumpWindows = false;
+  std::string eventos, fotos;
+  int demora = 0;
+  std::vector<std::string> respostas;
   PedidoExecucao pedido;
 };
 
@@ -122,25 +159,40 @@ int main(int argc, char** argv) {
       op.dumpPrepared = true;
     } else if (a == "--dump-vars") {
       op.dumpVars = true;
+    } else if (a == "--dump-windows") {
+      op.dumpWindows = true;
     } else if (a == "--no-plans") {
       op.pedido.semPlanos = true;
     } else if (a == "--step") {
       op.pedido.passoAPasso = true;
     } else if (a == "--answers" || a == "--max-statements" || a == "--config-dir" ||
-               a == "--locale") {
+               a == "--locale" || a == "--events" || a == "--screenshot" || a == "--linger" ||
+               a == "--answers-file") {
       if (i + 1 >= argc) return Uso(a + " needs a value");
       std::string v = argv[++i];
       if (a == "--answers") {
         std::stringstream ss(v);
-        for (std::string item; std::getline(ss, item, ',');) {
-          Resposta r;
-          if (!LeResposta(item, r)) return Uso("unknown answer '" + item + "' (use OK, Cancel, Yes or No)");
-          op.respostas.push_back(r);
+        for (std::string item; std::getline(ss, item, ',');) op.respostas.push_back(item);
+      } else if (a == "--answers-file") {
+        std::ifstream f(v);
+        if (!f) return Uso("can't read the answers file " + v);
+        for (std::string item; std::getline(f, item);) {
+          if (!item.empty() && item.back() == '\r') item.pop_back();
+          op.respostas.push_back(item);
         }
       } else if (a == "--max-statements") {
         char* fim;
         op.pedido.maxInstrucoes = std::strtoll(v.c_str(), &fim, 10);
         if (*fim || op.pedido.maxInstrucoes <= 0) return Uso("--max-statements needs a positive number");
+      } else if (a == "--events") {
+        op.eventos = v;
+      } else if (a == "--screenshot") {
+        op.fotos = v;
+      } else if (a == "--linger") {
+        char* fim;
+        long n = std::strtol(v.c_str(), &fim, 10);
+        if (*fim || n < 0 || n > 3600000) return Uso("--linger needs a number of milliseconds");
+        op.demora = static_cast<int>(n);
       } else if (a == "--locale") {
         // Read by the date commands the first time they ask for the locale,
         // which is after this point.
@@ -164,23 +216,51 @@ int main(int argc, char** argv) {
     op.pedido.linhaComando += argv[i];
   }
   if (op.pedido.arquivo.empty()) return Uso("no program file given");
-  if (!op.headless && !op.dumpPrepared)
-    return Uso("the run window isn't available in this build: use --headless");
+  if (op.dumpPrepared) op.headless = true;
+  if (op.headless) {
+    // Windows of a headless run stand on the offscreen platform, whatever
+    // the environment says; set before anything can make the application.
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+  } else if (!TemTela()) {
+    std::fprintf(stderr, "zvrun: no display to open the run window on; use --headless to run without one\n");
+    return 2;
+  }
 
   FontePrograma fonte;
   std::string erro;
   if (!CarregaFonte(op.pedido.arquivo, fonte, erro)) return Uso(erro);
 
-  HostConsole host;
+  HostJanela host(op.headless ? HostJanela::Modo::SemTela : HostJanela::Modo::Tela);
   host.respostas = op.respostas;
+  host.demoraFinal = op.demora;
+  if (!op.eventos.empty()) {
+    host.roteiro = std::make_unique<RoteiroEventos>();
+    if (!host.roteiro->Carrega(op.eventos, erro)) return Uso(erro);
+  }
   if (op.dumpPrepared) host.mudo = true;
   Lancador lancador(host, op.pedido, fonte);
   Interpretador& zv = lancador.interpretador();
+  host.Liga(&zv);
   if (op.dumpPrepared) return DespejaPreparado(zv);
-  lancador.Executa();
+  // Dumps and pictures come before the tear-down: at the end of a headless
+  // run, or when the main window closes on the desktop.
+  host.antesDoFim = [&] {
+    // Only a run that made a window has the module loaded.
+    if (ModuloJanelas* m = ModuloJanelasCarregado()) {
+      if (op.dumpWindows) {
+        std::string d = m->DespejaJanelas(zv);
+        std::fwrite(d.data(), 1, d.size(), stdout);
+        std::fflush(stdout);
+      }
+      std::string e;
+      if (!op.fotos.empty() && !m->Fotografa(zv, op.fotos, e)) std::fprintf(stderr, "zvrun: %s\n", e.c_str());
+    }
+    if (op.dumpVars) DespejaVariaveis(zv);
+  };
+  lancador.Executa([&host] { host.AguardaFim(); });
   if (zv.limiteAtingido)
     std::fprintf(stderr, "zvrun: the run was ended after %lld statements (--max-statements)\n",
                  static_cast<long long>(op.pedido.maxInstrucoes));
-  if (op.dumpVars) DespejaVariaveis(zv);
+  host.Termina();
   return 0;
 }

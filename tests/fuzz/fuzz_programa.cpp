@@ -1,13 +1,13 @@
 // Feeds arbitrary texts to the interpreter as the main code of a program and
-// runs them for a few statements. Boxes and Write print nothing; a box takes
-// its default answer.
+// runs them for a few statements, windows included (on the offscreen
+// platform). Boxes and Write print nothing; a box takes its default answer.
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <string_view>
 
 #include "core/texto.h"
-#include "runtime/headless_host.h"
+#include "runtime/janela_host.h"
 #include "runtime/lancador.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
@@ -22,13 +22,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
     std::filesystem::create_directories(pasta, erro);
   }
   std::filesystem::current_path("/tmp/zv-fuzz-work", erro);
-  zv::HostConsole host;
+  zv::HostJanela host(zv::HostJanela::Modo::SemTela);
   host.mudo = true;
   zv::PedidoExecucao pedido;
   pedido.dirConfig = "/tmp/zv-fuzz-config/";
   pedido.maxInstrucoes = 2000;
   zv::FontePrograma fonte;
   fonte.textos[0] = zv::NormalizaFimDeLinha(zv::DeBytesArquivo(bytes));
-  zv::Lancador(host, pedido, fonte).Executa();
+  zv::Lancador lancador(host, pedido, fonte);
+  host.Liga(&lancador.interpretador());
+  lancador.Executa();
+  // The end of the run: its windows torn down.
+  host.Termina();
   return 0;
 }

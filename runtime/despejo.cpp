@@ -1,0 +1,136 @@
+// The windows as text (zvrun --dump-windows) and as pictures
+// (--screenshot): what tests compare and what a person looks at.
+#include <QDir>
+#include <QAbstractButton>
+#include <QAbstractSlider>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPixmap>
+#include <QPushButton>
+#include <QTextEdit>
+
+#include "controls/entra_num.h"
+#include "runtime/headless_host.h"
+#include "runtime/janelas.h"
+#include "runtime/mensagens.h"
+
+namespace zv {
+
+namespace {
+
+std::string Campo(const char* nome, const QString& valor) {
+  return std::string(",\"") + nome + "\":\"" + EscapaJson(valor.toStdU16String()) + "\"";
+}
+std::string Campo(const char* nome, int valor) { return std::string(",\"") + nome + "\":" + std::to_string(valor); }
+std::string Campo(const char* nome, bool valor) {
+  return std::string(",\"") + nome + "\":" + (valor ? "true" : "false");
+}
+
+// What the control holds, as its kind shows it: text, caption or value.
+void Conteudo(TipoControle tipo, QWidget* w, std::string& s) {
+  switch (tipo) {
+    case TipoControle::Botao:
+      s += Campo("caption", static_cast<QPushButton*>(w)->text());
+      break;
+    case TipoControle::Texto:
+      if (auto* l = qobject_cast<QLineEdit*>(w))
+        s += Campo("text", l->text());
+      else if (auto* r = qobject_cast<QTextEdit*>(w))
+        s += Campo("text", r->toPlainText().replace(QLatin1Char('\n'), QStringLiteral("\r\n")));
+      break;
+    case TipoControle::Rotulo:
+      s += Campo("text", static_cast<QLabel*>(w)->text());
+      break;
+    case TipoControle::Combo:
+      s += Campo("text", static_cast<QComboBox*>(w)->currentText());
+      break;
+    case TipoControle::Mascara:
+      s += Campo("text", static_cast<QLineEdit*>(w)->text());
+      break;
+    case TipoControle::Moeda:
+      s += Campo("value", static_cast<EntraNum*>(w)->TextoValor());
+      break;
+    case TipoControle::Calendario:
+      s += Campo("text", static_cast<QDateEdit*>(w)->text());
+      break;
+    case TipoControle::Frame:
+      s += Campo("caption", static_cast<QGroupBox*>(w)->title());
+      break;
+    case TipoControle::Barra:
+      s += Campo("value", QString::number(static_cast<QAbstractSlider*>(w)->value()));
+      break;
+    case TipoControle::Check:
+    case TipoControle::Radio: {
+      auto* b = static_cast<QAbstractButton*>(w);
+      s += Campo("caption", b->text());
+      s += Campo("value", QString::number(b->isChecked() ? 1 : 0));
+      break;
+    }
+    default:
+      break;
+  }
+}
+
+}  // namespace
+
+std::string SistemaJanelas::DespejaJanelas() {
+  std::string out;
+  if (!principalFeita_) return out;
+  for (int k = 0; k < kSlotsJanelas; ++k) {
+    JanelaExecucao* j = janelas_[static_cast<size_t>(k)];
+    if (!j || nomes_[static_cast<size_t>(k)].empty()) continue;
+    out += "{\"window\":\"" + EscapaJson(nomes_[static_cast<size_t>(k)]) + "\"";
+    out += Campo("class", QString::fromLatin1(JanelaExecucao::NomeClasse(j->classe())));
+    out += Campo("caption", j->windowTitle());
+    out += Campo("visible", j->isVisible());
+    out += Campo("client_width", j->width());
+    out += Campo("client_height", j->height());
+    out += "}\n";
+    // Its controls in the tear-down's order of kinds, then by slot.
+    for (int t = 0; t < kTiposControle; ++t) {
+      auto tipo = static_cast<TipoControle>(t);
+      const TabelaControles& tab = controles[static_cast<size_t>(t)];
+      for (size_t s = 0; s < tab.nomes.size(); ++s) {
+        QWidget* w = tab.instancias[s];
+        if (!w || tab.nomes[s].empty() || w->window() != j) continue;
+        QPoint p = w->mapTo(j, QPoint(0, 0));
+        out += "{\"control\":\"" + Utf8(Info(tipo).palavra) + "\"";
+        out += Campo("name", QString::fromStdU16String(tab.nomes[s]));
+        out += Campo("slot", static_cast<int>(s));
+        out += Campo("owner", QString::fromStdU16String(tab.donos[s]));
+        out += Campo("top", p.y());
+        out += Campo("left", p.x());
+        out += Campo("width", w->width());
+        out += Campo("height", w->height());
+        Conteudo(tipo, w, out);
+        out += Campo("visible", w->isVisibleTo(j));
+        out += Campo("enabled", w->isEnabled());
+        if (Info(tipo).focavel) out += Campo("tab_index", w->property("zvTabIndex").toInt());
+        out += "}\n";
+      }
+    }
+  }
+  return out;
+}
+
+bool SistemaJanelas::Fotografa(const std::string& pasta, std::string& erro) {
+  if (!principalFeita_) return true;
+  QDir().mkpath(QString::fromStdString(pasta));
+  for (int k = 0; k < kSlotsJanelas; ++k) {
+    JanelaExecucao* j = janelas_[static_cast<size_t>(k)];
+    if (!j || !j->isVisible()) continue;
+    QString nome = QString::fromStdU16String(nomes_[static_cast<size_t>(k)]);
+    nome.remove(QLatin1Char('"')).remove(QLatin1Char('/'));
+    QString arquivo = QDir(QString::fromStdString(pasta)).filePath(nome + QStringLiteral(".png"));
+    if (!j->grab().save(arquivo, "PNG")) {
+      erro = std::string(msg::execucao::kNaoGrava) + arquivo.toStdString();
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace zv

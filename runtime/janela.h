@@ -1,0 +1,81 @@
+// JanelaExecucao: one window of a running program, of one of the four
+// classes. It holds what is printed on it (Write, Cls) and reports what the
+// user does on its own surface; what that means is SistemaJanelas's.
+#pragma once
+
+#include <QImage>
+#include <QWidget>
+
+#include "core/texto.h"
+
+namespace zv {
+
+enum class ClasseJanela { Janela, Form1, Form2, Form3 };
+
+// What a window tells the logic.
+class OuvinteJanela {
+ public:
+  virtual ~OuvinteJanela() = default;
+  // The user (or the program) asks to close it; false keeps it open.
+  virtual void FechandoJanela(class JanelaExecucao* j) = 0;
+  virtual void JanelaAtivada(JanelaExecucao* j) = 0;
+  // botao: 1 left, 2 right; tipo: 0 down, 1 up, 2 move, 3 click, 4 double click.
+  virtual void MouseJanela(JanelaExecucao* j, int tipo, int botao, int x, int y) = 0;
+  // A key seen before the controls (key preview); true when it was swallowed.
+  virtual bool TeclaPrevia(JanelaExecucao* j, QKeyEvent* e) = 0;
+  virtual void JanelaRedimensionada(JanelaExecucao* j) = 0;
+};
+
+class JanelaExecucao : public QWidget {
+ public:
+  JanelaExecucao(ClasseJanela classe, OuvinteJanela* ouvinte);
+  ~JanelaExecucao() override;
+
+  ClasseJanela classe() const { return classe_; }
+  static const char* NomeClasse(ClasseJanela c);
+  // The client area a window of the class has before any Size, in pixels.
+  static QSize TamanhoPadrao(ClasseJanela c);
+
+  Texto tag;               // Tag: the upper-case name
+  int larguraPena = 1;     // DrawWidth
+  QColor corFrente{Qt::black};  // ForeColor
+  bool fechando = false;   // being unloaded: keys and focus don't count
+  bool previaDeTeclas = false;  // KeyPreview (Window Enter)
+  QWidget* auxiliar = nullptr;  // TxtAux, a child: it dies with the window
+  // The frame's style bits as the original platform keeps them (Border,
+  // Fixed): 0xC00000 caption, 0x40000 thick frame, 0x30000 the boxes.
+  uint32_t estilo = 0;
+  // Not one of the platform's bits: the system box taken off (Window Box).
+  static constexpr uint32_t kSemCaixaSistema = 0x1000000u;
+  int estiloBorda = 2;  // BorderStyle: 0 none, 1 fixed single, 2 sizable
+
+  // Text output: printed on the window's surface below the controls.
+  void Escreve(const QString& texto, int x, int y);
+  void Limpa();
+  void DefineFundo(const QColor& cor);
+  void DefineFiguraFundo(const QImage& figura);
+  // A picture drawn once on the surface, at x, y in pixels.
+  void DesenhaFigura(const QImage& figura, int x, int y);
+  // The frame as the style bits say.
+  void AplicaEstilo();
+
+ protected:
+  void paintEvent(QPaintEvent* e) override;
+  void resizeEvent(QResizeEvent* e) override;
+  void closeEvent(QCloseEvent* e) override;
+  void changeEvent(QEvent* e) override;
+  void focusInEvent(QFocusEvent* e) override;
+  void mousePressEvent(QMouseEvent* e) override;
+  void mouseReleaseEvent(QMouseEvent* e) override;
+  void mouseMoveEvent(QMouseEvent* e) override;
+  void mouseDoubleClickEvent(QMouseEvent* e) override;
+
+ private:
+  void CresceTela();
+  ClasseJanela classe_;
+  OuvinteJanela* ouvinte_;
+  QImage tela_;     // what Write printed, transparent elsewhere
+  QImage figura_;   // the background picture, sized by the window
+};
+
+}  // namespace zv
