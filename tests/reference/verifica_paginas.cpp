@@ -165,7 +165,10 @@ bool RodaExemplo(const QString& zvrun, const QString& rotulo, const Exemplo& e) 
   }
   QTemporaryDir pasta;
   QString dir = pasta.path();
-  QStringList args{QStringLiteral("--headless"), QStringLiteral("--config-dir"), dir};
+  // Dates and numbers in the pages are in the US forms, whatever the
+  // machine that checks them is set to.
+  QStringList args{QStringLiteral("--headless"), QStringLiteral("--config-dir"), dir, QStringLiteral("--locale"),
+                   QStringLiteral("en_US.UTF-8")};
   if (e.temEventos) {
     Grava(dir + QStringLiteral("/example.events"), e.eventos);
     args << QStringLiteral("--events") << dir + QStringLiteral("/example.events");
