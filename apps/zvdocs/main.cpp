@@ -106,6 +106,12 @@ QString PreparaMarkdown(const QString& md, bool comImagens) {
 QString Linguagem(const QTextBlock& b) { return b.blockFormat().stringProperty(QTextFormat::BlockCodeLanguage); }
 bool ECodigo(const QTextBlock& b) { return b.blockFormat().nonBreakableLines() || !Linguagem(b).isEmpty(); }
 
+QColor CorDoCodigo(const QString& lingua) {
+  if (lingua == QStringLiteral("output")) return kCorSaida;
+  if (lingua == QStringLiteral("events") || lingua == QStringLiteral("answers")) return kCorRoteiro;
+  return kCorPrograma;
+}
+
 // Sets one format's properties over a stretch of the document.
 void Formata(QTextDocument& doc, int inicio, int fim, const QTextCharFormat& f) {
   QTextCursor c(&doc);
@@ -141,9 +147,7 @@ void AjustaParaRtf(QTextDocument& doc) {
       QString lingua = Linguagem(b);
       f.setFontFamilies({QString::fromLatin1(kFonteCodigo)});
       f.setFontPointSize(kTamanhoCodigo);
-      f.setForeground(lingua == QStringLiteral("output")                                          ? kCorSaida
-                      : lingua == QStringLiteral("events") || lingua == QStringLiteral("answers") ? kCorRoteiro
-                                                                                                  : kCorPrograma);
+      f.setForeground(CorDoCodigo(lingua));
       Formata(doc, inicio, fim, f);
     } else {
       // Code and links inside a paragraph keep their own look.
@@ -182,6 +186,29 @@ void AjustaParaRtf(QTextDocument& doc) {
   }
 }
 
+// The PDF keeps Qt's own layout of the Markdown; code blocks get the
+// reader's colours and a light background, so that a program, its event
+// script and its output stand apart on paper.
+void RealcaCodigoNoPdf(QTextDocument& doc) {
+  for (QTextBlock b = doc.begin(); b.isValid(); b = b.next()) {
+    if (b.blockFormat().headingLevel() > 1) {
+      // Room above a section's heading, which Qt's Markdown leaves out.
+      QTextCursor c(b);
+      QTextBlockFormat bf = b.blockFormat();
+      bf.setTopMargin(10);
+      c.setBlockFormat(bf);
+    }
+    if (!ECodigo(b)) continue;
+    QTextCursor c(b);
+    QTextBlockFormat bf = b.blockFormat();
+    bf.setBackground(QColor(0xF3, 0xF4, 0xF6));
+    c.setBlockFormat(bf);
+    QTextCharFormat f;
+    f.setForeground(CorDoCodigo(Linguagem(b)));
+    Formata(doc, b.position(), b.position() + b.length() - 1, f);
+  }
+}
+
 QByteArray FazRtf(const QString& md) {
   QTextDocument doc;
   doc.setMarkdown(PreparaMarkdown(md, false));
@@ -205,22 +232,20 @@ bool FazPacote(const std::vector<Pagina>& paginas, const QString& caminho) {
   return true;
 }
 
-// Screenshots no wider than the page's text.
-void AjustaImagens(QTextDocument& doc) {
+// Screenshots no wider than the page's text. Each is named by its full
+// path: printing lays out a copy of the document, which keeps neither the
+// base folder nor the pictures added to this one.
+void AjustaImagens(QTextDocument& doc, const QString& pastaPaginas) {
   for (QTextBlock b = doc.begin(); b.isValid(); b = b.next()) {
     for (auto it = b.begin(); !it.atEnd(); ++it) {
       QTextFragment fr = it.fragment();
       if (!fr.charFormat().isImageFormat()) continue;
       QTextImageFormat img = fr.charFormat().toImageFormat();
-      QVariant recurso = doc.resource(QTextDocument::ImageResource, QUrl(img.name()));
-      QImage imagem = recurso.value<QImage>();
-      if (imagem.isNull()) {
-        QString caminho = doc.baseUrl().resolved(QUrl(img.name())).toLocalFile();
-        imagem.load(caminho);
-        if (imagem.isNull()) continue;
-        doc.addResource(QTextDocument::ImageResource, QUrl(img.name()), imagem);
-      }
+      QString caminho = QDir(pastaPaginas).filePath(img.name());
+      QImage imagem(caminho);
+      if (imagem.isNull()) continue;
       double largura = std::min<double>(imagem.width(), kLarguraImagem);
+      img.setName(QUrl::fromLocalFile(caminho).toString());
       img.setWidth(largura);
       img.setHeight(largura * imagem.height() / std::max(1, imagem.width()));
       QTextCursor c(&doc);
@@ -232,7 +257,12 @@ void AjustaImagens(QTextDocument& doc) {
 }
 
 bool FazPdf(const std::vector<Pagina>& paginas, const QString& pastaPaginas, const QString& caminho) {
-  QString md = QStringLiteral("# %1\n\n%2\n\n").arg(QString::fromUtf8(m::kTituloPdf), QString::fromUtf8(m::kSubtituloPdf));
+  QStringList palavras;
+  for (const Pagina& p : paginas)
+    if (p.palavra != QStringLiteral("Curso")) palavras << p.palavra;
+  QString md = QStringLiteral("# %1\n\n%2\n\n**%3** %4\n\n")
+                   .arg(QString::fromUtf8(m::kTituloPdf), QString::fromUtf8(m::kSubtituloPdf),
+                        QString::fromUtf8(m::kConteudoPdf), palavras.join(QStringLiteral(", ")));
   for (const Pagina& p : paginas) md += PreparaMarkdown(p.markdown, true) + QStringLiteral("\n\n");
   QTextDocument doc;
   doc.setBaseUrl(QUrl::fromLocalFile(pastaPaginas + u'/'));
@@ -240,7 +270,8 @@ bool FazPdf(const std::vector<Pagina>& paginas, const QString& pastaPaginas, con
   base.setPointSizeF(kTamanhoTexto);
   doc.setDefaultFont(base);
   doc.setMarkdown(md);
-  AjustaImagens(doc);
+  AjustaImagens(doc, pastaPaginas);
+  RealcaCodigoNoPdf(doc);
   // Each page of the reference starts a page of paper.
   bool primeiro = true;
   for (QTextBlock b = doc.begin(); b.isValid(); b = b.next()) {

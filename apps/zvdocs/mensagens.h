@@ -14,6 +14,7 @@ inline constexpr char kRotuloNaoRoda[] = "(This example needs a part of Zarvolt 
 inline constexpr char kTituloPdf[] = "Zarvolt Tutorial and Command Reference";
 inline constexpr char kSubtituloPdf[] =
     "The tutorial for beginners, then one page for each word of the language's reference, in the order of the help index.";
+inline constexpr char kConteudoPdf[] = "The reference's words, in this order:";
 inline constexpr char kTituloIndice[] = "Zarvolt command reference";
 inline constexpr char kTutorialIndice[] = "Tutorial: from an empty program to a window";
 
