@@ -295,7 +295,17 @@ bool FazPdf(const std::vector<Pagina>& paginas, const QString& pastaPaginas, con
 }
 
 bool FazHtml(const std::vector<Pagina>& paginas, const QString& pastaPaginas, const QString& pasta) {
-  QDir().mkpath(pasta);
+  // The pictures go along, so that the folder can be published as it is.
+  QDir().mkpath(pasta + QStringLiteral("/images"));
+  const QDir imagens(pastaPaginas + QStringLiteral("/images"));
+  for (const QString& png : imagens.entryList({QStringLiteral("*.png")}, QDir::Files)) {
+    QString alvo = pasta + QStringLiteral("/images/") + png;
+    QFile::remove(alvo);
+    if (!QFile::copy(imagens.filePath(png), alvo)) {
+      std::fprintf(stderr, m::kNaoGrava, qPrintable(alvo), "copy failed");
+      return false;
+    }
+  }
   static const QRegularExpression kLinkMd(QStringLiteral("href=\"([A-Za-z0-9_]+)\\.md\""));
   QString indice = QStringLiteral("<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>%1</title></head><body>\n<h1>%1</h1>\n<ul>\n")
                        .arg(QString::fromUtf8(m::kTituloIndice));
@@ -304,8 +314,6 @@ bool FazHtml(const std::vector<Pagina>& paginas, const QString& pastaPaginas, co
     doc.setMarkdown(PreparaMarkdown(p.markdown, true));
     QString html = doc.toHtml();
     html.replace(kLinkMd, QStringLiteral("href=\"\\1.html\""));
-    // Pictures are beside the pages in the tree; the HTML finds them there.
-    html.replace(QStringLiteral("src=\"images/"), QStringLiteral("src=\"") + QUrl::fromLocalFile(pastaPaginas).toString() + QStringLiteral("/images/"));
     if (!GravaArquivo(pasta + u'/' + p.palavra + QStringLiteral(".html"), html.toUtf8())) return false;
     QString rotulo = p.palavra == QStringLiteral("Curso") ? QString::fromUtf8(m::kTutorialIndice) : p.palavra;
     indice += QStringLiteral("<li><a href=\"%1.html\">%2</a></li>\n").arg(p.palavra, rotulo.toHtmlEscaped());
