@@ -10,7 +10,9 @@
 //       every word of the list has its page, and every page is a word of
 //       the list (the tutorial, Curso, apart). A word of PENDING.txt (one a
 //       line) may still lack its page: the reference is written in parts,
-//       and the list shrinks as they land.
+//       and the list shrinks as they land. Each word's page has the shape
+//       every page shares (its title, its sections in order), and its links
+//       lead to pages of the list.
 //
 // Exit status 0 when everything agrees, 1 otherwise.
 #include <QCoreApplication>
@@ -20,12 +22,14 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QSet>
 #include <QStringList>
 #include <QTemporaryDir>
 #include <QTextStream>
 
 #include <cstdio>
+#include <iterator>
 
 namespace {
 
@@ -240,6 +244,46 @@ int VerificaExemplos(const QString& zvrun, const QStringList& paginas) {
   return falhas == 0 ? 0 : 1;
 }
 
+// The sections of a word's page, in their order; Result is for functions
+// only.
+const char* const kSecoes[] = {"## Forms", "## Result", "## What goes wrong", "## Watch out", "## Example", "## See also"};
+
+// Problems of one page's shape, one a line; empty when it has none.
+QStringList VerificaForma(const QString& palavra, const QStringList& linhas, const QSet<QString>& conhecidas) {
+  QStringList problemas;
+  // The tutorial has steps of its own; only its links are checked.
+  const bool tutorial = palavra == QStringLiteral("Curso");
+  if (!tutorial && linhas.value(0) != QStringLiteral("# ") + palavra)
+    problemas << QStringLiteral("the first line isn't \"# %1\"").arg(palavra);
+  int ultima = -1;
+  bool dentro = false;
+  static const QRegularExpression kLink(QStringLiteral("\\]\\(([^)#]*)\\.md[)#]"));
+  for (int i = 0; i < linhas.size(); ++i) {
+    const QString& l = linhas[i];
+    if (l.startsWith(QStringLiteral("```"))) dentro = !dentro;
+    if (dentro) continue;
+    if (!tutorial && l.startsWith(QStringLiteral("## "))) {
+      int k = -1;
+      for (int j = 0; j < int(std::size(kSecoes)); ++j)
+        if (l == QString::fromLatin1(kSecoes[j])) k = j;
+      if (k < 0)
+        problemas << QStringLiteral("line %1: \"%2\" isn't a section of a page").arg(i + 1).arg(l);
+      else if (k <= ultima)
+        problemas << QStringLiteral("line %1: \"%2\" stands out of order").arg(i + 1).arg(l);
+      else
+        ultima = k;
+    }
+    for (auto it = kLink.globalMatch(l); it.hasNext();) {
+      QString alvo = it.next().captured(1);
+      if (!conhecidas.contains(alvo)) problemas << QStringLiteral("line %1: a link to %2.md, no word's page").arg(i + 1).arg(alvo);
+    }
+  }
+  for (int j : {0, 2, 3, 4, 5})
+    if (!tutorial && !linhas.contains(QString::fromLatin1(kSecoes[j])))
+      problemas << QStringLiteral("no section \"%1\"").arg(QString::fromLatin1(kSecoes[j]));
+  return problemas;
+}
+
 int VerificaPalavras(const QString& lista, const QString& pastaPaginas, const QString& listaPendentes) {
   bool ok = false;
   QSet<QString> pendentes;
@@ -270,6 +314,12 @@ int VerificaPalavras(const QString& lista, const QString& pastaPaginas, const QS
     QString palavra = QFileInfo(arquivo).completeBaseName();
     if (!conhecidas.contains(palavra)) {
       Diz(arquivo + QStringLiteral(": a page for no word of ") + QFileInfo(lista).fileName() + u'\n');
+      ++falhas;
+      continue;
+    }
+    bool lida = false;
+    for (const QString& p : VerificaForma(palavra, LeLinhas(pastaPaginas + u'/' + arquivo, &lida), conhecidas)) {
+      Diz(arquivo + QStringLiteral(": ") + p + u'\n');
       ++falhas;
     }
   }
