@@ -323,6 +323,14 @@ int VerificaPalavras(const QString& lista, const QString& pastaPaginas, const QS
       ++falhas;
     }
   }
+  // Not a fault: the list is the writers' to keep.
+  QStringList escritas;
+  for (const QString& p : std::as_const(pendentes))
+    if (QFileInfo::exists(pastaPaginas + u'/' + p + QStringLiteral(".md"))) escritas << p;
+  if (!escritas.isEmpty()) {
+    escritas.sort();
+    Diz(QStringLiteral("written now, to drop from the pending list: ") + escritas.join(QStringLiteral(", ")) + u'\n');
+  }
   Diz(QStringLiteral("%1 words, %2 pages, %3 pending, %4 problems\n")
           .arg(conhecidas.size() - 1)
           .arg(md.size())
