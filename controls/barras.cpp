@@ -83,17 +83,22 @@ void BarraRolagem::DefineFigura(Parte p, const QPixmap& figura) {
 // The ends of the thumb's travel and its place for the value; runs each
 // time the control is shown or resized.
 void BarraRolagem::IniciaBarra() {
+  ColocaPolegar();
+  Mudou();
+}
+
+// The ends follow the bar's size, shown or not.
+void BarraRolagem::Extremos() {
   int seta = std::min(Espessura(), Comprimento() / 3);
   minimo_ = seta;
   maximo_ = Comprimento() - seta - TamanhoPolegar();
-  ColocaPolegar();
-  Mudou();
 }
 
 // A Max of 0 counts as 1: the whole track is one unit.
 double BarraRolagem::Escala() const { return (maximo_ - minimo_) / (max_ == 0 ? 1 : max_); }
 
 void BarraRolagem::ColocaPolegar() {
+  Extremos();
   posicao_ = Arredonda(valor_ * Escala()) + minimo_;
   update();
 }
@@ -129,6 +134,7 @@ void BarraRolagem::Pagina(bool frente) {
 }
 
 void BarraRolagem::ArrastaAte(double p) {
+  Extremos();
   p = Arredonda(p);
   if (p <= minimo_) {
     p = minimo_;

@@ -67,6 +67,7 @@ class BarraRolagem : public QWidget {
 
  private:
   void IniciaBarra();
+  void Extremos();
   double Escala() const;
   void ColocaPolegar();
   void Mudou();
