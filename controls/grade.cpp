@@ -593,12 +593,15 @@ void NovoBox::paintEvent(QPaintEvent*) {
     const ColunaGrade& col = modelo.Coluna(c);
     int al = col.alinhamento;
     QRect texto = al == 0 ? r.adjusted(Px(50), 0, 0, 0) : al == 1 ? r.adjusted(0, 0, -Px(100), 0) : r;
+    // The arrow's place is kept clear of the heading.
+    if (c == setaColuna_) texto.setRight(std::min(texto.right(), r.right() - Px(200) - 2));
     p.drawText(texto, Qt::AlignVCenter | (al == 1 ? Qt::AlignRight : al == 2 ? Qt::AlignHCenter : Qt::AlignLeft),
                col.titulo);
     if (c == setaColuna_) {
       // The sort arrow, 200 twips inside the right edge, on its ground.
+      // Drawn straight on the heading, whose skin is its ground: it follows
+      // the hover and the press as the arrow's own ground did.
       QRectF a(r.right() - Px(200), r.top() + 2, Px(200) - 2, r.height() - 4);
-      p.fillRect(a, CorSeta(pele));
       QPointF m = a.center();
       double s = 3.5;
       QPainterPath t;
