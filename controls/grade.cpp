@@ -348,7 +348,9 @@ void NovoBox::ColocaBarras() {
   barraV_->show();
   if (h) {
     barraH_->setGeometry(0, alturaPainel_, visivel, kEspessuraBarra);
-    barraH_->setMaximum(larguraPainel_ / Px(300));
+    // Steps of 300 twips up to where the last column meets the right edge
+    // (the original's maximum, the panel's whole width, scrolls past it).
+    barraH_->setMaximum((larguraPainel_ - visivel + Px(300) - 1) / Px(300));
     barraH_->show();
   } else {
     barraH_->hide();

@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QMouseEvent>
 
 #include "controls/barras.h"
 #include "controls/grade.h"
@@ -167,6 +168,30 @@ TEST(NovoBox, AddBeyondTheLastColumnIsReportedAndRowsAreFinishedOnly) {
   EXPECT_EQ(c.b.LeVetor(0, 0), QString());
   c.b.ClicaCabecalho(0);  // sorting nothing
   EXPECT_EQ(c.b.ListCount(), 0);
+}
+
+void Mouse(QWidget* w, QEvent::Type tipo, QPoint p) {
+  Qt::MouseButtons estado = tipo == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+  QMouseEvent e(tipo, QPointF(p), w->mapToGlobal(QPointF(p)), tipo == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+                estado, Qt::NoModifier);
+  QApplication::sendEvent(w, &e);
+}
+
+TEST(NovoBox, DraggingAHeadingsEdgeResizesItsColumnAndRefitsTheCells) {
+  Caixa c(3);
+  QRect antes = c.b.RetCabecalho(1);
+  QPoint borda(antes.right() - 2, antes.center().y());
+  Mouse(&c.b, QEvent::MouseButtonPress, borda);
+  Mouse(&c.b, QEvent::MouseMove, borda - QPoint(60, 0));
+  Mouse(&c.b, QEvent::MouseButtonRelease, borda - QPoint(60, 0));
+  EXPECT_EQ(c.b.RetCabecalho(1).width(), antes.width() - 60);
+  EXPECT_TRUE(c.b.LeCelula(0, 1).endsWith(QStringLiteral("...")));
+  EXPECT_EQ(c.b.modelo.ColunaOrdem(), -1);  // an edge's drag is no sort
+  // A press inside the heading and its release there sort by it.
+  QPoint meio(antes.left() + 10, antes.center().y());
+  Mouse(&c.b, QEvent::MouseButtonPress, meio);
+  Mouse(&c.b, QEvent::MouseButtonRelease, meio);
+  EXPECT_EQ(c.b.modelo.ColunaOrdem(), 1);
 }
 
 }  // namespace
