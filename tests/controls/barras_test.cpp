@@ -170,6 +170,35 @@ TEST(NovoBox, AddBeyondTheLastColumnIsReportedAndRowsAreFinishedOnly) {
   EXPECT_EQ(c.b.ListCount(), 0);
 }
 
+// The cut found by halving is the one that removing a character at a time
+// from the end finds, as the original does it.
+TEST(NovoBox, CutTextsMatchTheOneCharacterAtATimeLoop) {
+  Caixa c(0);
+  QFont f(QStringLiteral("Tahoma"));
+  f.setPointSize(10);
+  QFontMetrics fm(f);
+  double fator = c.b.width() < 400 ? 1.05 : 1.0;
+  int largura = c.b.RetCelula(0, 1).width();
+  const QString pontos = QStringLiteral("...");
+  QStringList textos;
+  for (int n = 1; n < 60; n += 3) textos << QStringLiteral("Wide text iiii WWWW %1 ").arg(n).repeated(n % 7 + 1);
+  for (const QString& t : textos) {
+    c.b.Clear();
+    c.b.Add(QStringLiteral("1"));
+    c.b.Add(t);
+    c.b.BoxNew();
+    c.b.AddEnd();
+    QString esperado = t + QLatin1Char(' ');  // the left column's blank
+    if (fm.horizontalAdvance(esperado) * fator > largura) {
+      QString s = esperado.trimmed();
+      do s.chop(1);
+      while (!s.isEmpty() && fm.horizontalAdvance(s + pontos) * fator > largura);
+      esperado = QLatin1Char(' ') + s + pontos;
+    }
+    EXPECT_EQ(c.b.LeCelula(0, 1), esperado) << t.toStdString();
+  }
+}
+
 void Mouse(QWidget* w, QEvent::Type tipo, QPoint p) {
   Qt::MouseButtons estado = tipo == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
   QMouseEvent e(tipo, QPointF(p), w->mapToGlobal(QPointF(p)), tipo == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
