@@ -248,6 +248,7 @@ NovoBox::~NovoBox() = default;
 
 void NovoBox::Config(const QString& fonte, double tamanho, QRgb fundo, QRgb frente, QRgb fundoSel, QRgb frenteSel,
                      QRgb painel, bool negrito) {
+  if (ativo_) Desativa();
   modelo.Reinicia();
   fonte_ = fonte;
   tamanho_ = tamanho > 0 ? tamanho : 10;
@@ -293,7 +294,10 @@ void NovoBox::Ativa(bool comTitulos) {
   if (ativo_) Desativa();
   comTitulos_ = comTitulos;
   ativo_ = true;
-  int cols = TotalColunas();
+  // The cells are laid out for the columns there are now; a column added
+  // later is in the data but has no cells.
+  nc_ = TotalColunas();
+  int cols = nc_;
   ColocaColunas();
   QFontMetrics fm(FonteDe(Padrao()));
   alturaLinha_ = fm.height() + 6;
@@ -323,13 +327,15 @@ void NovoBox::Desativa() {
   modelo.Limpa();
   celulas_.clear();
   totalLinhas_ = 0;
+  nc_ = 0;
+  esquerdas_.assign(1, 0);
   ativo_ = false;
   setaColuna_ = -1;
   update();
 }
 
 void NovoBox::ColocaColunas() {
-  int cols = TotalColunas();
+  int cols = nc_;
   esquerdas_.assign(static_cast<size_t>(cols) + 1, 0);
   int x = 0;
   for (int c = 0; c < cols; ++c) {
@@ -365,7 +371,7 @@ void NovoBox::resizeEvent(QResizeEvent*) {
 }
 
 QRect NovoBox::RetCelula(int lv, int c) const {
-  if (c < 0 || c >= TotalColunas() || lv < 0 || lv >= totalLinhas_) return {};
+  if (c < 0 || c >= nc_ || lv < 0 || lv >= totalLinhas_) return {};
   int topo = (comTitulos_ ? alturaCabecalho_ + kEntre : 0) + lv * (alturaLinha_ + kEntre);
   int x = esquerdas_[static_cast<size_t>(c)] - deslocamentoH_;
   int w = esquerdas_[static_cast<size_t>(c) + 1] - esquerdas_[static_cast<size_t>(c)] - kEntre;
@@ -373,7 +379,7 @@ QRect NovoBox::RetCelula(int lv, int c) const {
 }
 
 QRect NovoBox::RetCabecalho(int c) const {
-  if (!comTitulos_ || c < 0 || c >= TotalColunas()) return {};
+  if (!comTitulos_ || c < 0 || c >= nc_) return {};
   int x = esquerdas_[static_cast<size_t>(c)] - deslocamentoH_;
   return {x, 0, esquerdas_[static_cast<size_t>(c) + 1] - esquerdas_[static_cast<size_t>(c)] - kEntre,
           alturaCabecalho_};
@@ -386,7 +392,7 @@ QRect NovoBox::RetCabecalho(int c) const {
 // its end until it fits with "...", behind a blank. The data keeps the
 // whole text.
 void NovoBox::GravaCelula(int lv, int c, const QString& texto, const AtributosCelula& a) {
-  Celula& cel = celulas_[static_cast<size_t>(lv * TotalColunas() + c)];
+  Celula& cel = celulas_[static_cast<size_t>(lv * nc_ + c)];
   cel.fonte = FonteDe(a);
   cel.fundo = a.fundo;
   cel.frente = a.frente;
@@ -419,8 +425,8 @@ void NovoBox::GravaCelula(int lv, int c, const QString& texto, const AtributosCe
 }
 
 QString NovoBox::LeCelula(int lv, int c) const {
-  if (lv < 0 || lv >= totalLinhas_ || c < 0 || c >= TotalColunas()) return {};
-  return celulas_[static_cast<size_t>(lv * TotalColunas() + c)].mostrado;
+  if (lv < 0 || lv >= totalLinhas_ || c < 0 || c >= nc_) return {};
+  return celulas_[static_cast<size_t>(lv * nc_ + c)].mostrado;
 }
 
 void NovoBox::ClearBox() {
@@ -436,7 +442,7 @@ void NovoBox::ClearBox() {
 void NovoBox::ListaVetStr(int primeira) {
   primeira_ = std::max(0, primeira);
   destacada_ = false;
-  int cols = TotalColunas();
+  int cols = nc_;
   AtributosCelula padrao = Padrao();
   for (int r = 0; r < totalLinhas_; ++r) {
     int l = primeira_ + r;
@@ -457,8 +463,8 @@ void NovoBox::ListaVetStr(int primeira) {
 
 void NovoBox::Destaca(int lv) {
   if (lv < 0 || lv >= totalLinhas_) return;
-  for (int c = 0; c < TotalColunas(); ++c) {
-    Celula& cel = celulas_[static_cast<size_t>(lv * TotalColunas() + c)];
+  for (int c = 0; c < nc_; ++c) {
+    Celula& cel = celulas_[static_cast<size_t>(lv * nc_ + c)];
     cel.fundo = fundoSel_;
     cel.frente = frenteSel_;
   }
@@ -576,7 +582,7 @@ void NovoBox::paintEvent(QPaintEvent*) {
   p.fillRect(QRect(0, 0, visivel, ativo_ ? alturaPainel_ : height()), QColor(painel_));
   if (!ativo_) return;
   p.setClipRect(QRect(0, 0, visivel, alturaPainel_));
-  int cols = TotalColunas();
+  int cols = nc_;
   // Headings.
   for (int c = 0; c < cols && comTitulos_; ++c) {
     QRect r = RetCabecalho(c);
@@ -642,7 +648,7 @@ void NovoBox::paintEvent(QPaintEvent*) {
 int NovoBox::ColunaEm(int x, bool& naBorda) const {
   naBorda = false;
   int xp = x + deslocamentoH_;
-  for (int c = 0; c < TotalColunas(); ++c) {
+  for (int c = 0; c < nc_; ++c) {
     int dir = esquerdas_[static_cast<size_t>(c) + 1] - kEntre;
     if (xp >= esquerdas_[static_cast<size_t>(c)] && xp < dir + kEntre) {
       naBorda = xp >= dir - kZonaBorda;

@@ -155,6 +155,7 @@ class NovoBox : public QWidget {
   int ListCount() const { return modelo.Linhas(); }
   int TotalLinhas() const { return totalLinhas_; }
   int TotalColunas() const { return modelo.TotalColunas(); }
+  int ColunasVisiveis() const { return nc_; }  // columns that have cells
   int LinBoxRef() const { return linBoxRef_; }
   int ColBoxRef() const { return colBoxRef_; }
   int LinVetRef() const { return linVetRef_; }
@@ -224,12 +225,13 @@ class NovoBox : public QWidget {
 
   bool ativo_ = false, comTitulos_ = true;
   int totalLinhas_ = 0;  // rows of cells laid out
+  int nc_ = 0;           // columns of cells laid out
   int primeira_ = 0;     // data row in visible row 0
   int cursor_ = 0;       // the selected visible row
   bool destacada_ = false;
   int linBoxRef_ = 0, colBoxRef_ = 0, linVetRef_ = 0, colVetRef_ = 0;
   std::vector<Celula> celulas_;  // visible row × columns + column
-  std::vector<int> esquerdas_;   // each column's left edge in the panel
+  std::vector<int> esquerdas_{0};  // each column's left edge in the panel, and the end
   int alturaCabecalho_ = 0, alturaLinha_ = 0, alturaPainel_ = 0, larguraPainel_ = 0;
   int deslocamentoH_ = 0;  // the panel's Left, pixels
   // The headings' state: skin by column ("Azul", "Laranja", "Laranja2").

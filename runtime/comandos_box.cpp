@@ -279,7 +279,7 @@ std::string CamposBox(QWidget* w) {
   s += ",\"cells\":[";
   for (int r = 0; r < b->TotalLinhas(); ++r) {
     s += r ? ",[" : "[";
-    for (int c = 0; c < b->TotalColunas(); ++c)
+    for (int c = 0; c < b->ColunasVisiveis(); ++c)
       s += (c ? ",\"" : "\"") + EscapaJson(T(b->LeCelula(r, c))) + "\"";
     s += "]";
   }
