@@ -236,12 +236,17 @@ void Clica(QWidget* w, QPoint p, bool duplo) {
 }  // namespace
 
 // {"row":N,"in":BOX} clicks data row N (the box scrolls to it first, as a
-// user would), {"header":N,"in":BOX} the heading of column N,
+// user would; "double":true for a double click, and {"click":BOX,"row":N}
+// or {"dblclick":BOX,"row":N} say the same), {"header":N,"in":BOX} the heading of column N,
 // {"edit":TEXT,"in":BOX,"row":N,"column":N} types TEXT into a cell by a
 // double click, the text and Enter.
 void SistemaJanelas::EntregaBox(const QJsonObject& a, int linha) {
   auto s = [&](const char* k) { return a.value(QLatin1String(k)).toString(); };
-  QString nome = s("in");
+  // The box is "in", or the name of a click: {"click":BOX,"row":N}.
+  bool duplo = a.value(QLatin1String("double")).toBool() || a.contains(QLatin1String("dblclick"));
+  QString nome = a.contains(QLatin1String("in"))         ? s("in")
+                 : a.contains(QLatin1String("dblclick")) ? s("dblclick")
+                                                         : s("click");
   auto* b = principalFeita_ ? dynamic_cast<NovoBox*>(AchaControle(nome, QStringLiteral("Box"), s("window"))) : nullptr;
   if (!b) return Aviso(linha, QString::fromUtf8(msg::execucao::kSemBox) + nome);
   if (a.contains(QLatin1String("header"))) {
@@ -256,7 +261,7 @@ void SistemaJanelas::EntregaBox(const QJsonObject& a, int linha) {
   if (lv < 0 && n >= b->PrimeiraLinha() && n < b->PrimeiraLinha() + b->TotalLinhas()) lv = n - b->PrimeiraLinha();
   QRect r = b->RetCelula(lv, c);
   if (r.isEmpty()) return Aviso(linha, QString::fromUtf8(msg::execucao::kSemLinha) + QString::number(n));
-  if (!a.contains(QLatin1String("edit"))) return Clica(b, r.center(), a.value(QLatin1String("double")).toBool());
+  if (!a.contains(QLatin1String("edit"))) return Clica(b, r.center(), duplo);
   Clica(b, r.center(), true);
   if (!b->EditaCelula(lv, c, s("edit"))) return Aviso(linha, QString::fromUtf8(msg::execucao::kCelulaTravada));
   QWidget* editor = QApplication::focusWidget();

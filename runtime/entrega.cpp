@@ -130,6 +130,9 @@ void SistemaJanelas::EntregaAcao(const QJsonObject& a, int linha) {
     Aviso(linha, QString::fromUtf8(msg::execucao::kJanelaFechada));
     return;
   }
+  // A box's rows, headings and cells.
+  if (a.contains(QLatin1String("row")) || a.contains(QLatin1String("header")) || a.contains(QLatin1String("edit")))
+    return EntregaBox(a, linha);
   if (a.contains(QLatin1String("click")) || a.contains(QLatin1String("dblclick"))) {
     bool duplo = a.contains(QLatin1String("dblclick"));
     QString nome = s(duplo ? "dblclick" : "click");
@@ -210,9 +213,6 @@ void SistemaJanelas::EntregaAcao(const QJsonObject& a, int linha) {
     b->ArrastaValor(a.value(QLatin1String("value")).toInt());
     return;
   }
-  if (a.contains(QLatin1String("in")) &&
-      (a.contains(QLatin1String("row")) || a.contains(QLatin1String("header")) || a.contains(QLatin1String("edit"))))
-    return EntregaBox(a, linha);
   if (a.contains(QLatin1String("close"))) {
     JanelaExecucao* j = AchaJanelaViva(s("close"));
     if (!j) return Aviso(linha, QString::fromUtf8(msg::execucao::kSemJanela) + s("close"));
