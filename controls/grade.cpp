@@ -23,17 +23,18 @@ void ModeloGrade::Reinicia() {
 
 bool ModeloGrade::Titulo(const ColunaGrade& c) {
   if (TotalColunas() >= kMaxColunas) return false;
-  // Columns come before the data; one added later widens every row.
-  int antes = TotalColunas();
+  // Columns come before the data; one added later widens every row, even
+  // rows finished while there was no column at all (and so no storage).
+  auto antes = static_cast<size_t>(TotalColunas());
   colunas_.push_back(c);
-  if (!textos_.empty()) {
-    int n = TotalColunas();
-    std::vector<QString> t(static_cast<size_t>((linhas_ + 1) * n));
+  if (linhas_ > 0 || !textos_.empty()) {
+    auto n = static_cast<size_t>(TotalColunas());
+    std::vector<QString> t(static_cast<size_t>(linhas_ + 1) * n);
     std::vector<AtributosCelula> a(t.size());
-    for (int l = 0; l <= linhas_; ++l)
-      for (int k = 0; k < antes; ++k) {
-        t[static_cast<size_t>(l * n + k)] = std::move(textos_[static_cast<size_t>(l * antes + k)]);
-        a[static_cast<size_t>(l * n + k)] = atributos_[static_cast<size_t>(l * antes + k)];
+    for (size_t l = 0; l <= static_cast<size_t>(linhas_); ++l)
+      for (size_t k = 0; k < antes && l * antes + k < textos_.size(); ++k) {
+        t[l * n + k] = std::move(textos_[l * antes + k]);
+        a[l * n + k] = atributos_[l * antes + k];
       }
     textos_ = std::move(t);
     atributos_ = std::move(a);

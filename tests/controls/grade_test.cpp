@@ -164,6 +164,26 @@ TEST(ModeloGrade, EmptyAndOneRowSortsAndTheFiftyFirstColumn) {
   EXPECT_EQ(m.TotalColunas(), 50);
 }
 
+// Found by fuzzing: rows finished before any column had no storage, and a
+// column added then read past it.
+TEST(ModeloGrade, RowsBeforeAnyColumnThenAColumn) {
+  ModeloGrade m;
+  m.Add(QStringLiteral("refused"), {});
+  m.BoxNew();
+  m.BoxNew();
+  m.Titulo({QStringLiteral("late"), 5, 0, 0});
+  EXPECT_EQ(m.Linhas(), 2);
+  EXPECT_EQ(m.LeVetor(1, 0), QString());
+  m.Add(QStringLiteral("x"), {});
+  m.BoxNew();
+  EXPECT_EQ(m.LeVetor(2, 0), QStringLiteral("x"));
+  m.Titulo({QStringLiteral("later"), 5, 1, 0});
+  EXPECT_EQ(m.LeVetor(2, 0), QStringLiteral("x"));
+  EXPECT_EQ(m.LeVetor(2, 1), QString());
+  m.Ordena(0, false);
+  EXPECT_EQ(m.LeVetor(0, 0), QStringLiteral("x"));
+}
+
 TEST(ModeloGrade, AttributesMoveWithTheirRows) {
   ModeloGrade m;
   m.Titulo({QStringLiteral("A"), 10, 2, 0});
