@@ -16,6 +16,12 @@ namespace {
 // Halves to even, as the original's Round.
 double Arredonda(double v) { return std::nearbyint(v); }
 
+// A value as the bar keeps it: whole, within what 32 bits hold.
+int Inteiro(double v) {
+  if (!(v > -2147483648.0)) return v != v ? 0 : INT32_MIN;
+  return v > 2147483647.0 ? INT32_MAX : static_cast<int>(v);
+}
+
 // Ticks of 50 ms: the change every third one during a drag, the arrow's
 // repeat from the eleventh on (after half a second).
 constexpr int kTiqueMs = 50;
@@ -97,6 +103,13 @@ void BarraRolagem::Extremos() {
 // A Max of 0 counts as 1: the whole track is one unit.
 double BarraRolagem::Escala() const { return (maximo_ - minimo_) / (max_ == 0 ? 1 : max_); }
 
+// The value of a thumb's position; a bar too short to have a track has
+// only the value 0.
+int BarraRolagem::ValorEm(double posicao) const {
+  double e = Escala();
+  return e == 0 ? 0 : Inteiro(Arredonda((posicao - minimo_) / e));
+}
+
 void BarraRolagem::ColocaPolegar() {
   Extremos();
   posicao_ = Arredonda(valor_ * Escala()) + minimo_;
@@ -118,9 +131,9 @@ void BarraRolagem::setValue(int v) {
 // step (Max 100, SmallChange 7: 98 goes to 105, then no further).
 void BarraRolagem::Passo(bool frente) {
   if (frente && valor_ < max_)
-    valor_ += passo_;
+    valor_ = Inteiro(static_cast<double>(valor_) + passo_);
   else if (!frente && valor_ > 0)
-    valor_ -= passo_;
+    valor_ = Inteiro(static_cast<double>(valor_) - passo_);
   else
     return;
   ColocaPolegar();
@@ -128,7 +141,8 @@ void BarraRolagem::Passo(bool frente) {
 }
 
 void BarraRolagem::Pagina(bool frente) {
-  valor_ = frente ? std::min(valor_ + pagina_, max_) : std::max(valor_ - pagina_, 0);
+  double v = static_cast<double>(valor_) + (frente ? pagina_ : -static_cast<double>(pagina_));
+  valor_ = frente ? std::min(Inteiro(v), max_) : std::max(Inteiro(v), 0);
   ColocaPolegar();
   Mudou();
 }
@@ -144,7 +158,7 @@ void BarraRolagem::ArrastaAte(double p) {
     p = maximo_;
     valor_ = max_;
   } else {
-    valor_ = static_cast<int>(Arredonda((p - minimo_) / Escala()));
+    valor_ = ValorEm(p);
   }
   posicao_ = p;
   update();
@@ -229,7 +243,7 @@ void BarraRolagem::mousePressEvent(QMouseEvent* e) {
   } else {
     // The track: the thumb's low edge jumps to the click; it doesn't page.
     posicao_ = std::min(Arredonda(x), maximo_);
-    valor_ = static_cast<int>(Arredonda((posicao_ - minimo_) / Escala()));
+    valor_ = ValorEm(posicao_);
     update();
     Mudou();
   }

@@ -69,6 +69,7 @@ class BarraRolagem : public QWidget {
   void IniciaBarra();
   void Extremos();
   double Escala() const;
+  int ValorEm(double posicao) const;
   void ColocaPolegar();
   void Mudou();
   int Comprimento() const;  // along the bar

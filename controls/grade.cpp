@@ -226,6 +226,10 @@ QString UmaLinha(QString s) {
 
 }  // namespace
 
+// A width of 0 or below shows one unit; a huge one is held to what a
+// widget can be.
+int LarguraPx(int largura) { return std::clamp(largura, 1, 4000) * kLarguraColuna; }
+
 NovoBox::NovoBox(QWidget* pai) : QWidget(pai) {
   setFocusPolicy(Qt::StrongFocus);
   setMouseTracking(true);
@@ -276,7 +280,7 @@ AtributosCelula NovoBox::Resolve(int64_t fundo, int64_t frente, const QString& f
   a.fundo = cor(fundo, fundo_);
   a.frente = cor(frente, frente_);
   a.fonte = modelo.IndiceFonte(fonte.isEmpty() ? fonte_ : fonte);
-  double t = tamanho <= 0 ? tamanho_ : tamanho;
+  double t = tamanho > 0 ? tamanho : tamanho_;  // 0, below or not a number: the default
   a.tamanho = static_cast<int8_t>(std::clamp(t, 1.0, 127.0));
   a.negrito = negrito;
   return a;
@@ -341,7 +345,7 @@ void NovoBox::ColocaColunas() {
   int x = 0;
   for (int c = 0; c < cols; ++c) {
     esquerdas_[static_cast<size_t>(c)] = x;
-    x += std::max(1, modelo.Coluna(c).largura) * kLarguraColuna + kEntre;
+    x += LarguraPx(modelo.Coluna(c).largura) + kEntre;
   }
   esquerdas_[static_cast<size_t>(cols)] = x;
   larguraPainel_ = x;

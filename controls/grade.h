@@ -35,6 +35,9 @@ struct AtributosCelula {
   bool negrito = false;
 };
 
+// A column's width in pixels: its units of 120 twips, at least one.
+int LarguraPx(int largura);
+
 // The data: a column table of at most 50 columns, and the rows as flat
 // arrays [row × columns + column] grown by amortised doubling. The row
 // being filled stands behind the finished ones.

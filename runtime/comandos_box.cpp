@@ -30,9 +30,16 @@ Texto DepoisDoBranco(const Texto& primeiro) {
 
 // A number as a 32-bit value, whatever the program gave.
 int Inteiro(double v) {
-  if (!(v > -2147483648.0)) return INT32_MIN;
+  if (!(v > -2147483648.0)) return v != v ? 0 : INT32_MIN;
   if (v > 2147483647.0) return INT32_MAX;
   return static_cast<int>(v);
+}
+
+// A colour argument: empty or out of range is the box's own (-1).
+int64_t Cor(Interpretador& zv, const Texto& t) {
+  if (t.empty()) return -1;
+  double v = Num(zv, t);
+  return v >= -1 && v <= 4294967295.0 ? static_cast<int64_t>(v) : -1;
 }
 
 // A Box without a Height: ten lines, which holds eight rows of cells.
@@ -47,8 +54,8 @@ constexpr QRgb kFundo = 0xffffffff, kFrente = 0xff000000;
 constexpr QRgb kFundoSel = 0xff316ac5, kFrenteSel = 0xffffffff, kPainel = 0xffc8ccd4;
 
 QRgb Rgb(double v) {
-  QColor c = CorDe(v);
-  return c.rgb();
+  if (!(v >= -2147483648.0 && v <= 4294967295.0)) v = 0;
+  return CorDe(v).rgb();
 }
 
 }  // namespace
@@ -75,7 +82,7 @@ Valor SistemaJanelas::CriaBox(const std::vector<Texto>& a) {
   double linhas = Arg(a, 3).empty() ? kAlturaPadrao : Num(*zv, Arg(a, 3));
   int left = PxColuna(Num(*zv, Arg(a, 2))), top = PxLinha(Num(*zv, Arg(a, 1)));
   int largura = std::max(100, Atual()->width() - left - kMargemDireita);
-  b->setGeometry(left, top, largura, std::max(1, static_cast<int>(linhas * linSize * 1.7)));
+  b->setGeometry(left, top, largura, static_cast<int>(std::clamp(linhas * linSize * 1.7, 1.0, 30000.0)));
   b->show();
   b->setProperty("zvTabIndex", static_cast<int>(proximoTabIndex++));
   return Valor();
@@ -103,15 +110,14 @@ Valor SistemaJanelas::MembroBox(int slot, const std::vector<Texto>& a) {
     // As wide as its columns and the bar, and no wider than the window.
     int cabe = std::max(100, b->parentWidget()->width() - b->x() - kMargemDireita);
     int colunas = 0;
-    for (int c = 0; c < b->TotalColunas(); ++c) colunas += std::max(1, b->modelo.Coluna(c).largura) * 8 + 1;
+    for (int c = 0; c < b->TotalColunas(); ++c) colunas += LarguraPx(b->modelo.Coluna(c).largura) + 1;
     b->resize(std::min(cabe, colunas + 17), b->height());
     b->Ativa(v != u"FALSE");
     b->show();
   } else if (prop == u".ADD") {
     Texto fonte = TextoT(*zv, Arg(a, 3));
-    b->Add(Q(TextoNT(*zv, DepoisDoBranco(primeiro))), Arg(a, 1).empty() ? -1 : static_cast<int64_t>(Num(*zv, Arg(a, 1))),
-           Arg(a, 2).empty() ? -1 : static_cast<int64_t>(Num(*zv, Arg(a, 2))), Q(fonte), Num(*zv, Arg(a, 4)),
-           Maiusculas(Apara(Arg(a, 5))) == u"BOLD");
+    b->Add(Q(TextoNT(*zv, DepoisDoBranco(primeiro))), Cor(*zv, Arg(a, 1)), Cor(*zv, Arg(a, 2)), Q(fonte),
+           Num(*zv, Arg(a, 4)), Maiusculas(Apara(Arg(a, 5))) == u"BOLD");
   } else if (prop == u".NEWLINE") {
     b->BoxNew();
   } else if (prop == u".END") {
