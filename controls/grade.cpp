@@ -260,6 +260,7 @@ void NovoBox::Config(const QString& fonte, double tamanho, QRgb fundo, QRgb fren
   fundo_ = fundo, frente_ = frente, fundoSel_ = fundoSel, frenteSel_ = frenteSel, painel_ = painel;
   negrito_ = negrito;
   QFont f(fonte_);
+  f.setStyleHint(QFont::SansSerif);
   f.setPointSizeF(tamanho_);
   f.setBold(negrito_);
   setFont(f);
@@ -288,6 +289,8 @@ AtributosCelula NovoBox::Resolve(int64_t fundo, int64_t frente, const QString& f
 
 QFont NovoBox::FonteDe(const AtributosCelula& a) const {
   QFont f(modelo.NomeFonte(a.fonte));
+  // A machine without the font (Tahoma, most often) gets a sans serif one.
+  f.setStyleHint(QFont::SansSerif);
   f.setPointSize(a.tamanho);
   f.setBold(a.negrito);
   return f;

@@ -175,6 +175,7 @@ TEST(NovoBox, AddBeyondTheLastColumnIsReportedAndRowsAreFinishedOnly) {
 TEST(NovoBox, CutTextsMatchTheOneCharacterAtATimeLoop) {
   Caixa c(0);
   QFont f(QStringLiteral("Tahoma"));
+  f.setStyleHint(QFont::SansSerif);
   f.setPointSize(10);
   QFontMetrics fm(f);
   double fator = c.b.width() < 400 ? 1.05 : 1.0;
