@@ -150,7 +150,8 @@ class NovoBox : public QWidget {
   void Selected(int linha);
   // A data row brought into view (scrolling as Selected does); its visible row.
   int MostraLinha(int linha);
-  // Ends an edit as Enter does; false when no cell is being edited.
+  // Puts a text in the cell being edited, as typing would; false when that
+  // cell isn't the one being edited.
   bool EditaCelula(int linhaVisivel, int coluna, const QString& texto);
   void ClicaCabecalho(int coluna);
 
