@@ -1,5 +1,7 @@
 #include "controls/rot.h"
 
+#include <QApplication>
+
 namespace zv {
 
 Rot::Rot(QWidget* pai) : QLabel(pai) {
@@ -10,6 +12,13 @@ Rot::Rot(QWidget* pai) : QLabel(pai) {
   f.setBold(false);
   setFont(f);
   setAlignment(Qt::AlignLeft | Qt::AlignTop);
+  // The defaults: the caption "Rotulo", the button face behind black text.
+  setText(QStringLiteral("Rotulo"));
+  QPalette p = palette();
+  p.setColor(QPalette::Window, QApplication::palette().color(QPalette::Button));
+  p.setColor(QPalette::WindowText, Qt::black);
+  setPalette(p);
+  setAutoFillBackground(true);
 }
 
 void Rot::mousePressEvent(QMouseEvent* e) {

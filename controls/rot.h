@@ -1,5 +1,5 @@
-// Rot: the label. For now the platform label with the clicks the events
-// need; its own drawing comes later without touching runtime/.
+// Rot: the label. The caption fills the control, on the system's button
+// face, in black, left-aligned; clicks and double clicks are reported.
 #pragma once
 
 #include <QLabel>

@@ -146,6 +146,7 @@ bool Figura(Interpretador& zv, BtnEsp* b, const Texto& valor) {
 
 void SistemaJanelas::RelataControle(TipoControle tipo, int slot, const DadosEvento& e) {
   if (encerrada_) return;
+  if (tipo == TipoControle::Box) return RelataBox(slot, e);
   TabelaControles& t = controles[static_cast<size_t>(tipo)];
   auto s = static_cast<size_t>(slot);
   if (s >= t.nomes.size() || t.nomes[s].empty()) return;
@@ -808,6 +809,8 @@ Valor Controle(Interpretador& zv, const Texto& argumentos, TipoControle tipo) {
         return s.CriaMoeda(a);
       case TipoControle::Calendario:
         return s.CriaCalendario(a);
+      case TipoControle::Box:
+        return s.CriaBox(a);
       default:
         return Valor();
     }
@@ -825,6 +828,7 @@ Valor Controle(Interpretador& zv, const Texto& argumentos, TipoControle tipo) {
     auto* rico = dynamic_cast<QTextEdit*>(t.instancias[static_cast<size_t>(slot)].data());
     return Valor::TextoComAspas(rico ? DeCp1252(EscreveRtf(*rico->document())) : Texto());
   }
+  if (tipo == TipoControle::Box) return s.MembroBox(slot, a);
   s.Membro(tipo, slot, a);
   return Valor();
 }
@@ -840,6 +844,7 @@ Valor CmdScrollBar(Interpretador& zv, const Texto& a) { return Controle(zv, a, T
 Valor CmdMask(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Mascara); }
 Valor CmdCurrency(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Moeda); }
 Valor CmdCalendar(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Calendario); }
+Valor CmdBox(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Box); }
 
 }  // namespace
 
@@ -881,6 +886,7 @@ void RegistraControles(TabelaComandos& t) {
   t.Define(u"Mask", CmdMask);
   t.Define(u"Currency", CmdCurrency);
   t.Define(u"Calendar", CmdCalendar);
+  t.Define(u"Box", CmdBox);
 }
 
 }  // namespace zv

@@ -2,7 +2,6 @@
 // (--screenshot): what tests compare and what a person looks at.
 #include <QDir>
 #include <QAbstractButton>
-#include <QAbstractSlider>
 #include <QComboBox>
 #include <QDateEdit>
 #include <QGroupBox>
@@ -12,6 +11,7 @@
 #include <QPushButton>
 #include <QTextEdit>
 
+#include "controls/barras.h"
 #include "controls/entra_num.h"
 #include "runtime/headless_host.h"
 #include "runtime/janelas.h"
@@ -60,7 +60,10 @@ void Conteudo(TipoControle tipo, QWidget* w, std::string& s) {
       s += Campo("caption", static_cast<QGroupBox*>(w)->title());
       break;
     case TipoControle::Barra:
-      s += Campo("value", QString::number(static_cast<QAbstractSlider*>(w)->value()));
+      s += Campo("value", QString::number(static_cast<BarraRolagem*>(w)->value()));
+      break;
+    case TipoControle::Box:
+      s += CamposBox(w);
       break;
     case TipoControle::Check:
     case TipoControle::Radio: {

@@ -1,6 +1,5 @@
 // Each action of the event script delivered as the real input events a
 // user's hand would make, sent to the widget.
-#include <QAbstractSlider>
 #include <QApplication>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -9,6 +8,7 @@
 #include <QMouseEvent>
 #include <cstdio>
 
+#include "controls/barras.h"
 #include "controls/teclas.h"
 #include "runtime/janelas.h"
 #include "runtime/mensagens.h"
@@ -130,6 +130,9 @@ void SistemaJanelas::EntregaAcao(const QJsonObject& a, int linha) {
     Aviso(linha, QString::fromUtf8(msg::execucao::kJanelaFechada));
     return;
   }
+  // A box's rows, headings and cells.
+  if (a.contains(QLatin1String("row")) || a.contains(QLatin1String("header")) || a.contains(QLatin1String("edit")))
+    return EntregaBox(a, linha);
   if (a.contains(QLatin1String("click")) || a.contains(QLatin1String("dblclick"))) {
     bool duplo = a.contains(QLatin1String("dblclick"));
     QString nome = s(duplo ? "dblclick" : "click");
@@ -202,12 +205,12 @@ void SistemaJanelas::EntregaAcao(const QJsonObject& a, int linha) {
     return;
   }
   if (a.contains(QLatin1String("scroll"))) {
-    auto* b = principalFeita_ ? qobject_cast<QAbstractSlider*>(AchaControle(s("scroll"), QStringLiteral("ScrollBar"), s("window")))
+    auto* b = principalFeita_ ? dynamic_cast<BarraRolagem*>(AchaControle(s("scroll"), QStringLiteral("ScrollBar"), s("window")))
                               : nullptr;
     if (!b) return Aviso(linha, QString::fromUtf8(msg::execucao::kSemBarra) + s("scroll"));
     Ativa(b);
     // As the user's drag ends: the bar's position changes.
-    b->setSliderPosition(a.value(QLatin1String("value")).toInt());
+    b->ArrastaValor(a.value(QLatin1String("value")).toInt());
     return;
   }
   if (a.contains(QLatin1String("close"))) {

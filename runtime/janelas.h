@@ -109,6 +109,12 @@ class SistemaJanelas : public OuvinteJanela {
   Valor CriaMascara(const std::vector<Texto>& args);
   Valor CriaMoeda(const std::vector<Texto>& args);
   Valor CriaCalendario(const std::vector<Texto>& args);
+  // The Box command (comandos_box.cpp).
+  Valor CriaBox(const std::vector<Texto>& a);
+  Valor MembroBox(int slot, const std::vector<Texto>& a);
+  void RelataBox(int slot, const DadosEvento& e);
+  void CliqueBox(int slot);
+  void EntregaBox(const QJsonObject& acao, int linha);
   void Membro(TipoControle tipo, int slot, const std::vector<Texto>& args);
   bool MembroComum(TipoControle tipo, QWidget* w, const Texto& prop, const Texto& primeiro, const Texto& valor);
   bool MembroTexto(int slot, const Texto& prop, const std::vector<Texto>& args);
@@ -181,6 +187,9 @@ SistemaJanelas& Janelas(Interpretador& zv);
 // The window commands and the control commands into the keyword table
 // (the module's real routines, in place of the stand-ins).
 void RegistraComandosJanela();
+
+// A box's rows, columns, selection, sort and visible cells for the dump.
+std::string CamposBox(QWidget* w);
 
 // A colour as the language gives it (red in the low byte).
 QColor CorDe(double valor);

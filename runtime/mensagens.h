@@ -27,6 +27,10 @@ inline constexpr char kSemFoco[] = "no window has the keyboard focus";
 inline constexpr char kTeclaDesconhecida[] = "unknown key ";
 inline constexpr char kAcaoDeMouse[] = "unknown mouse action ";
 inline constexpr char kAcaoDesconhecida[] = "unknown action";
+inline constexpr char kSemBox[] = "no box named ";
+inline constexpr char kSemCabecalho[] = "the box has no such heading";
+inline constexpr char kSemLinha[] = "the box has no row ";
+inline constexpr char kCelulaTravada[] = "the cell can't be edited (AlterCell is off)";
 inline constexpr char kModalSemUsuario[] = "zvrun: no user is left to close a modal window; the run ends\n";
 inline constexpr char kNaoLeRoteiro[] = "can't read the event script ";
 inline constexpr char kNaoEObjeto[] = ": not a JSON object";
@@ -43,6 +47,10 @@ inline constexpr char kAvisoDicasDeTamanho[] = "does not support propagateSizeHi
 namespace zv::msg {
 
 using Texto = const char16_t*;
+
+// The grid (Box). Its two older texts are Portuguese, as the system has them.
+inline constexpr Texto ColunaAlem = u"{} N\u00e3o pode inserir dados na coluna {}";
+inline constexpr Texto SelecaoInvalida = u"Selected: \u00cdndice inv\u00e1lido!";
 
 // Window model.
 inline constexpr Texto JanelasDemais = u"Could not set window: more than 20 windows defined!";
