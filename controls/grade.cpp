@@ -58,7 +58,7 @@ bool ModeloGrade::Add(const QString& texto, const AtributosCelula& a, bool comAt
   int al = colunas_[static_cast<size_t>(preenche_)].alinhamento;
   size_t k = static_cast<size_t>(linhas_ * TotalColunas() + preenche_);
   textos_[k] = al == 0 ? texto + QLatin1Char(' ') : al == 1 ? QLatin1Char(' ') + texto : texto;
-  if (comAtributos) atributos_[k] = a;
+  if (comAtributos && !semAtributos_) atributos_[k] = a;
   ++preenche_;
   return true;
 }
@@ -67,7 +67,13 @@ void ModeloGrade::BoxNew() {
   Cresce();
   ++linhas_;
   preenche_ = 0;
+  semAtributos_ = false;
   Cresce();
+}
+
+void ModeloGrade::BoxNew2() {
+  BoxNew();
+  semAtributos_ = true;
 }
 
 void ModeloGrade::Limpa() {
@@ -76,6 +82,7 @@ void ModeloGrade::Limpa() {
   textos_.shrink_to_fit();
   atributos_.shrink_to_fit();
   linhas_ = preenche_ = 0;
+  semAtributos_ = false;
 }
 
 QString ModeloGrade::Texto(int linha, int coluna) const {
@@ -539,6 +546,24 @@ void NovoBox::RemoveLinha(int linha) {
 void NovoBox::GravaVetor(int linha, int coluna, const QString& texto, int64_t fundo, int64_t frente,
                          const QString& fonte, double tamanho, bool negrito) {
   modelo.GravaVetor(linha, coluna, texto, Resolve(fundo, frente, fonte, tamanho, negrito));
+}
+
+void NovoBox::LinhaAtributo(int linha, int primeiraColuna, int quantas, int64_t fundo, int64_t frente,
+                            const QString& fonte, double tamanho, bool negrito) {
+  if (linha < 0 || linha >= modelo.Linhas() || primeiraColuna < 0) return;
+  int ultima = quantas <= 0 ? TotalColunas() : std::min(TotalColunas(), primeiraColuna + quantas);
+  AtributosCelula a = Resolve(fundo, frente, fonte, tamanho, negrito);
+  for (int c = primeiraColuna; c < ultima; ++c) modelo.GravaAtributos(linha, c, a);
+  if (ativo_ && linha >= primeira_ && linha < primeira_ + totalLinhas_) {
+    bool tinha = destacada_;
+    ListaVetStr(primeira_);
+    if (tinha) Destaca(cursor_);
+  }
+}
+
+quintptr NovoBox::RetHWnd(int indiceCelula) {
+  if (indiceCelula < 0 || indiceCelula >= static_cast<int>(celulas_.size())) return 0;
+  return static_cast<quintptr>(winId());
 }
 
 void NovoBox::DefineCorPadrao(bool fundo, QRgb cor) {

@@ -59,6 +59,9 @@ class ModeloGrade {
   int ColunaDePreenchimento() const { return preenche_; }
   // BoxNew: the row being filled is finished; a new one begins.
   void BoxNew();
+  // BoxNew2: the same for a grid filled without attributes: the new row's
+  // cells keep the defaults whatever Add is given.
+  void BoxNew2();
   int Linhas() const { return linhas_; }  // finished rows: ListCount
   void Limpa();                           // no rows, the row being filled empty
 
@@ -102,6 +105,7 @@ class ModeloGrade {
   std::vector<QString> fontes_;
   int linhas_ = 0, preenche_ = 0;
   int colunaOrdem_ = -1;
+  bool semAtributos_ = false;  // the row being filled began with BoxNew2
   bool proximaAscendente_ = true, ultimaAscendente_ = true;
 };
 
@@ -134,12 +138,29 @@ class NovoBox : public QWidget {
   void Add(const QString& texto, int64_t fundo = -1, int64_t frente = -1, const QString& fonte = {}, double tamanho = 0,
            bool negrito = false);
   void BoxNew() { modelo.BoxNew(); }
+  void BoxNew2() { modelo.BoxNew2(); }
   void AddEnd();
   void Refresh();
   void Clear();
   void RemoveLinha(int linha);
   void GravaVetor(int linha, int coluna, const QString& texto, int64_t fundo = -1, int64_t frente = -1,
                   const QString& fonte = {}, double tamanho = 0, bool negrito = false);
+  // LinhaAtributo: attributes for a run of cells of a data row, from a
+  // column on, `quantas` of them (0: to the last column); the defaults as
+  // GravaVetor takes them. The row is shown again when it is in view.
+  void LinhaAtributo(int linha, int primeiraColuna, int quantas, int64_t fundo = -1, int64_t frente = -1,
+                     const QString& fonte = {}, double tamanho = 0, bool negrito = false);
+  // SofreuAlteracao: reports a change, as a cell edited by the user does.
+  void SofreuAlteracao() { Relata(EventoControle::Mudou); }
+  // The focus to the grid's key catcher (the control itself: it has no
+  // separate one, as its cells are drawn).
+  void SetaFoco() { setFocus(Qt::OtherFocusReason); }
+  // The handle of a cell: the cells are drawn on the control, so every
+  // cell answers with the control's own; 0 for an index out of the cells.
+  quintptr RetHWnd(int indiceCelula);
+  quintptr RetHWnd2() { return static_cast<quintptr>(winId()); }
+  // Atualiza: the rows from the vertical bar's value.
+  void Atualiza() { ListaVetStr(barraV_->value()); }
   // The default background or text colour, and the cells shown again in it.
   void DefineCorPadrao(bool fundo, QRgb cor);
 

@@ -105,6 +105,37 @@ TEST(NovoBox, SelectedScrollsAsFarAsTheLastPage) {
   EXPECT_EQ(c.b.LinhaSelecionada(), 29);
 }
 
+// The operations the designer and the pickers use: a run of attributes on a
+// row, rows filled without attributes, a change reported by the program.
+TEST(NovoBox, RowAttributesRowsWithoutAttributesAndAReportedChange) {
+  Caixa c(3);
+  // Colours come as the language's numbers: red in the low byte.
+  c.b.LinhaAtributo(1, 1, 0, 0x0000ff);
+  EXPECT_EQ(c.b.modelo.Atributos(1, 1).fundo, qRgb(255, 0, 0));
+  EXPECT_EQ(c.b.modelo.Atributos(1, 0).fundo, qRgb(255, 255, 255));
+  EXPECT_EQ(c.b.modelo.Atributos(2, 1).fundo, qRgb(255, 255, 255));
+  c.b.LinhaAtributo(0, 0, 1, -1, 0xff0000);
+  EXPECT_EQ(c.b.modelo.Atributos(0, 0).frente, qRgb(0, 0, 255));
+  EXPECT_EQ(c.b.modelo.Atributos(0, 1).frente, qRgb(0, 0, 0));
+  c.b.LinhaAtributo(3, 0, 0, 0x030201);  // beyond the data: nothing
+  c.b.LinhaAtributo(0, 40, 5, 0x030201);
+
+  c.b.BoxNew2();  // the row begun after it takes no attributes
+  c.b.Add(QStringLiteral("9"), 0x00ff00);
+  c.b.BoxNew();
+  c.b.Add(QStringLiteral("10"), 0x00ff00);
+  c.b.BoxNew();
+  EXPECT_EQ(c.b.ListCount(), 6);
+  EXPECT_EQ(c.b.modelo.Atributos(4, 0).fundo, qRgb(255, 255, 255));
+  EXPECT_EQ(c.b.modelo.Atributos(5, 0).fundo, qRgb(0, 255, 0));
+
+  c.b.SofreuAlteracao();
+  ASSERT_FALSE(c.eventos.empty());
+  EXPECT_EQ(c.eventos.back().tipo, EventoControle::Mudou);
+  EXPECT_EQ(c.b.RetHWnd(-1), 0u);
+  EXPECT_EQ(c.b.RetHWnd(0), c.b.RetHWnd2());
+}
+
 TEST(NovoBox, ArrowsMoveTheCursorThenScroll) {
   Caixa c;
   int t = c.b.TotalLinhas();
