@@ -1,0 +1,50 @@
+// zarvolt: the development environment. Opens the main window, with a
+// program given on the command line (in quotes or not), and runs programs
+// from it on the run window in the same process.
+#include <QApplication>
+#include <QFileInfo>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+
+#include "environment/codigo.h"
+#include "environment/interacao.h"
+
+namespace {
+
+bool TemTela() {
+  const char* x = std::getenv("DISPLAY");
+  const char* w = std::getenv("WAYLAND_DISPLAY");
+  const char* p = std::getenv("QT_QPA_PLATFORM");
+  return (x && *x) || (w && *w) || (p && *p);
+}
+
+// The command line's file: one enclosing pair of double quotes, or of
+// brackets with quotes inside, is stripped.
+QString ArquivoDaLinha(QString a) {
+  a = a.trimmed();
+  if (a.startsWith(QLatin1Char('[')) && a.endsWith(QLatin1Char(']'))) a = a.mid(1, a.size() - 2);
+  if (a.size() >= 2 && a.startsWith(QLatin1Char('"')) && a.endsWith(QLatin1Char('"'))) a = a.mid(1, a.size() - 2);
+  return a;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (!TemTela()) {
+    std::fprintf(stderr,
+                 "zarvolt: no display to open the environment on. Programs run without one with:\n"
+                 "  zvrun --headless PROGRAM.zvc\n");
+    return 2;
+  }
+  QApplication app(argc, argv);
+  QApplication::setApplicationName(QStringLiteral("Zarvolt"));
+  // Settings live beside the executable, as the runner's do, so that a
+  // program run from the environment reads the same ZV.File.
+  std::filesystem::path dirConfig = QCoreApplication::applicationDirPath().toStdString();
+  zv::JanelaCodigo janela(dirConfig, zv::InteracaoDaTela());
+  janela.show();
+  QStringList args = app.arguments();
+  if (args.size() > 1) janela.AbreDaLinhaDeComando(ArquivoDaLinha(args.mid(1).join(QLatin1Char(' '))));
+  return app.exec();
+}

@@ -1,0 +1,561 @@
+#include "environment/codigo.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDesktopServices>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPainter>
+#include <QPrinter>
+#include <QScreen>
+#include <QStatusBar>
+#include <QStyle>
+#include <QTextDocument>
+#include <QTimer>
+#include <QToolBar>
+#include <QToolButton>
+#include <QUrl>
+#include <QVBoxLayout>
+
+#include "core/texto.h"
+#include "environment/configuracoes.h"
+#include "environment/editor_codigo.h"
+#include "environment/interacao.h"
+#include "environment/mensagens.h"
+#include "environment/settings/armazem_config.h"
+
+namespace zv {
+
+namespace fs = std::filesystem;
+namespace m = msg::ambiente;
+
+namespace {
+
+QString Q(const Texto& t) { return QString::fromStdU16String(t); }
+Texto T(const QString& s) { return s.toStdU16String(); }
+QString Tr(const char* s) { return QString::fromUtf8(s); }
+constexpr char kTag[] = "tag";
+constexpr char kInativo[] = "INATIVO";
+
+}  // namespace
+
+JanelaCodigo::JanelaCodigo(const fs::path& dirConfig, Interacao& interacao, QWidget* pai)
+    : QMainWindow(pai), dirConfig_(dirConfig), interacao_(interacao) {
+  setObjectName(QStringLiteral("Codigo"));
+  CarregaPreferencias(dirConfig_);
+
+  auto* centro = new QWidget(this);
+  auto* v = new QVBoxLayout(centro);
+  v->setContentsMargins(0, 0, 0, 0);
+  v->setSpacing(0);
+  MontaAbas(centro);
+  editor_ = new EditorCodigo(centro);
+  v->addWidget(editor_, 1);
+  setCentralWidget(centro);
+  MontaMenus();
+  MontaBarra();
+
+  barraPrograma_ = new QLabel(this);
+  barraPrograma_->setObjectName(QStringLiteral("BarraInfPrograma"));
+  barraEstado_ = new QLabel(this);
+  statusBar()->addWidget(barraPrograma_, 1);
+  statusBar()->addPermanentWidget(barraEstado_);
+
+  editor_->AplicaPreferencias(PreferenciasAtivas());
+  connect(editor_, &QsciScintilla::textChanged, this, [this] { DefineModificado(true); });
+  editor_->aoEsc = [this] { close(); };
+
+  desfazer_ = new QTimer(this);
+  desfazer_->setInterval(300);
+  connect(desfazer_, &QTimer::timeout, this, [this] { ConsultaDesfazer(); });
+  desfazer_->start();
+
+  execucao_.dirConfig = dirConfig_;
+  execucao_.aoMudar = [this](ControleExecucao::Estado e) { MostraEstado(e); };
+
+  documento.nomeAtual = Documento::kNomeNovo;
+  BarraInfPrograma(Q(documento.nomeAtual));
+  nome_->setText(Tr(m::kCodigoPrincipal));
+  TrocaCodigo(0);
+  DefineModificado(false);
+  MostraEstado(ControleExecucao::Estado::Parado);
+  resize(900, 640);
+  if (QScreen* s = QGuiApplication::primaryScreen()) move(s->availableGeometry().center() - rect().center());
+  editor_->setFocus();
+}
+
+JanelaCodigo::~JanelaCodigo() = default;
+
+// ---- Building the window ---------------------------------------------------------
+
+QAction* JanelaCodigo::NovaAcao(const char* nome, const char* texto, const QKeySequence& atalho,
+                                std::function<void()> f) {
+  auto* a = new QAction(Tr(texto), this);
+  a->setObjectName(QString::fromLatin1(nome));
+  if (!atalho.isEmpty()) a->setShortcut(atalho);
+  connect(a, &QAction::triggered, this, [f = std::move(f)] { f(); });
+  addAction(a);
+  return a;
+}
+
+QAction* JanelaCodigo::acao(const char* nome) const {
+  return findChild<QAction*>(QString::fromLatin1(nome));
+}
+
+void JanelaCodigo::MontaMenus() {
+  QMenu* arquivo = menuBar()->addMenu(Tr(m::kMenuArquivo));
+  arquivo->addAction(NovaAcao("MenuNovoProg", m::kMenuNovo, QKeySequence(Qt::CTRL | Qt::Key_N), [this] { Novo(); }));
+  arquivo->addAction(NovaAcao("MenuAbrir", m::kMenuAbrir, QKeySequence(Qt::CTRL | Qt::Key_O), [this] { Abre(); }));
+  arquivo->addAction(NovaAcao("MenuSalvar", m::kMenuSalvar, QKeySequence(Qt::CTRL | Qt::Key_S), [this] { Salva(); }));
+  arquivo->addAction(NovaAcao("MenuSalvarComo", m::kMenuSalvarComo, {}, [this] { SalvaComo(); }));
+  arquivo->addAction(NovaAcao("MenuImprimir", m::kMenuImprimir, QKeySequence(Qt::CTRL | Qt::Key_P), [this] { Imprime(); }));
+  arquivo->addSeparator();
+  arquivo->addAction(NovaAcao("MenuSair", m::kMenuSair, {}, [this] { close(); }));
+
+  QMenu* editar = menuBar()->addMenu(Tr(m::kMenuEditar));
+  auto desfaz = [this](bool refaz) {
+    if (Etiqueta(refaz ? "BtnRefazer" : "BtnDesfazer") == QLatin1String(kInativo)) return;
+    editor_->setFocus();
+    if (refaz ? editor_->isRedoAvailable() : editor_->isUndoAvailable()) refaz ? editor_->redo() : editor_->undo();
+  };
+  editar->addAction(NovaAcao("MenuDesfazer", m::kMenuDesfazer, QKeySequence(Qt::CTRL | Qt::Key_Z), [desfaz] { desfaz(false); }));
+  editar->addAction(NovaAcao("MenuRefazer", m::kMenuRefazer, QKeySequence(Qt::CTRL | Qt::Key_Q), [desfaz] { desfaz(true); }));
+  editar->addSeparator();
+  editar->addAction(NovaAcao("MenuCodigo", m::kCodigoPrincipal, {}, [this] { TrocaCodigo(0); }));
+  for (int i = 1; i <= 6; ++i) {
+    QByteArray nome = "MenuExt" + QByteArray::number(i);
+    QAction* a = NovaAcao(nome.constData(), "", {}, [this, i] { TrocaCodigo(i); });
+    a->setText(Tr(m::kExtensao).arg(i));
+    editar->addAction(a);
+  }
+  editar->addSeparator();
+  editar->addAction(NovaAcao("MenuProcurar", m::kMenuProcurar, QKeySequence(Qt::CTRL | Qt::Key_F), [this] {
+    editor_->setFocus();
+    editor_->AbreProcura(false);
+  }));
+  editar->addAction(NovaAcao("MenuProximaPalavra", m::kMenuProxima, QKeySequence(Qt::Key_F3), [this] {
+    editor_->setFocus();
+    editor_->ProcuraPalavraNoCursor();
+  }));
+  editar->addAction(NovaAcao("MenuSubstituir", m::kMenuSubstituir, QKeySequence(Qt::CTRL | Qt::Key_H), [this] {
+    editor_->setFocus();
+    editor_->AbreProcura(true);
+  }));
+  editar->addAction(NovaAcao("AtivaBookmark", m::kMenuBookmark, QKeySequence(Qt::CTRL | Qt::Key_F2), [this] {
+    editor_->setFocus();
+    editor_->AlternaMarcador();
+  }));
+  editar->addAction(NovaAcao("MenuNextBookmark", m::kMenuNextBookmark, QKeySequence(Qt::Key_F2), [this] {
+    editor_->setFocus();
+    editor_->ProximoMarcador(false);
+  }));
+  editar->addAction(NovaAcao("MenuPrevBookmark", m::kMenuPrevBookmark, QKeySequence(Qt::SHIFT | Qt::Key_F2), [this] {
+    editor_->setFocus();
+    editor_->ProximoMarcador(true);
+  }));
+  editar->addAction(NovaAcao("MenuIrParaLinha", m::kMenuIrParaLinha, QKeySequence(Qt::CTRL | Qt::Key_G), [this] {
+    editor_->setFocus();
+    editor_->AbreIrParaLinha();
+  }));
+  editar->addSeparator();
+  editar->addAction(NovaAcao("MenuConf", m::kMenuConf, {}, [this] { AbreConfiguracoes(); }));
+  NovaAcao("SelecionaTudo", "", QKeySequence(Qt::CTRL | Qt::Key_A), [this] { editor_->SelecionaTudo(); });
+
+  QMenu* programa = menuBar()->addMenu(Tr(m::kMenuPrograma));
+  QAction* executar = NovaAcao("MenuExecutar", m::kMenuExecutar, QKeySequence(Qt::Key_F5), [this] { Executa(); });
+  // F5 runs with or without Shift, Ctrl or Alt.
+  executar->setShortcuts({QKeySequence(Qt::Key_F5), QKeySequence(Qt::SHIFT | Qt::Key_F5),
+                          QKeySequence(Qt::CTRL | Qt::Key_F5), QKeySequence(Qt::ALT | Qt::Key_F5)});
+  programa->addAction(executar);
+  programa->addAction(NovaAcao("MenuEncerrar", m::kMenuEncerrar, QKeySequence(Qt::Key_F6), [this] { ComEncerra(); }));
+  programa->addAction(NovaAcao("MenuDepurar", m::kMenuDepurar, {}, [this] { Depura(); }));
+  programa->addAction(NovaAcao("MenuCompilar", m::kMenuCompilar, {}, [this] {
+    GuardaCodigoAtual();
+    barraEstado_->setText(Tr(m::kCompilarAusente));
+  }));
+
+  QMenu* ajuda = menuBar()->addMenu(Tr(m::kMenuAjuda));
+  ajuda->addAction(NovaAcao("MenuTopicos", m::kMenuTopicos, {}, [this] {
+    if (abreAjuda) abreAjuda(QString());
+  }));
+  ajuda->addAction(NovaAcao("MenuHelp", m::kMenuHelp, QKeySequence(Qt::Key_F1), [this] {
+    if (abreAjuda) abreAjuda(editor_->PalavraNoCursor());
+  }));
+  ajuda->addSeparator();
+  ajuda->addAction(NovaAcao("MenuSuporte", m::kMenuSuporte, {}, [] {
+    QDesktopServices::openUrl(QUrl(Tr(m::kEnderecoSuporte)));
+  }));
+  ajuda->addAction(NovaAcao("MenuWeb", m::kMenuWeb, {}, [] { QDesktopServices::openUrl(QUrl(Tr(m::kEnderecoWeb))); }));
+  ajuda->addAction(NovaAcao("MenuSobre", m::kMenuSobre, {}, [this] {
+    QDialog sobre(this);
+    sobre.setObjectName(QStringLiteral("Sobre"));
+    sobre.setWindowTitle(Tr(m::kSobreTitulo));
+    auto* l = new QVBoxLayout(&sobre);
+    auto* texto = new QLabel(Tr(m::kSobreTexto), &sobre);
+    texto->setOpenExternalLinks(true);
+    l->addWidget(texto);
+    auto* ok = new QDialogButtonBox(QDialogButtonBox::Ok, &sobre);
+    connect(ok, &QDialogButtonBox::accepted, &sobre, &QDialog::accept);
+    l->addWidget(ok);
+    sobre.exec();
+  }));
+}
+
+void JanelaCodigo::MontaBarra() {
+  QToolBar* barra = addToolBar(QStringLiteral("Tools"));
+  barra->setObjectName(QStringLiteral("BarraFerramentas"));
+  barra->setMovable(false);
+  barra->setIconSize(QSize(20, 20));
+  QStyle* s = style();
+  struct Botao {
+    const char* nome;
+    const char* dica;
+    QStyle::StandardPixmap icone;
+    const char* menu;
+  };
+  const Botao botoes[] = {
+      {"BtnNovo", m::kMenuNovo, QStyle::SP_FileIcon, "MenuNovoProg"},
+      {"BtnAbrir", m::kMenuAbrir, QStyle::SP_DialogOpenButton, "MenuAbrir"},
+      {"BtnGravar", m::kMenuSalvar, QStyle::SP_DialogSaveButton, "MenuSalvar"},
+      {"BtnImprimir", m::kMenuImprimir, QStyle::SP_FileDialogDetailedView, "MenuImprimir"},
+      {nullptr, nullptr, {}, nullptr},
+      {"BtnDesfazer", m::kMenuDesfazer, QStyle::SP_ArrowBack, "MenuDesfazer"},
+      {"BtnRefazer", m::kMenuRefazer, QStyle::SP_ArrowForward, "MenuRefazer"},
+      {nullptr, nullptr, {}, nullptr},
+      {"BtnExecutar", m::kMenuExecutar, QStyle::SP_MediaPlay, "MenuExecutar"},
+      {"BtnPause", m::kDicaPausa, QStyle::SP_MediaPause, nullptr},
+      {"BtnStop", m::kMenuEncerrar, QStyle::SP_MediaStop, "MenuEncerrar"},
+      {"BtnProcurar", m::kDicaProcurar, QStyle::SP_FileDialogContentsView, "MenuProcurar"},
+      {"BtnDepurar", m::kMenuDepurar, QStyle::SP_MediaSeekForward, "MenuDepurar"},
+      {"BtnCompilar", m::kMenuCompilar, QStyle::SP_ComputerIcon, "MenuCompilar"},
+      {"BtnConfig", m::kMenuConf, QStyle::SP_FileDialogListView, "MenuConf"},
+  };
+  for (const Botao& b : botoes) {
+    if (!b.nome) {
+      barra->addSeparator();
+      continue;
+    }
+    auto* a = new QAction(s->standardIcon(b.icone), Tr(b.dica), this);
+    a->setObjectName(QString::fromLatin1(b.nome));
+    a->setToolTip(Tr(b.dica));
+    a->setProperty("iconeAtivo", a->icon());
+    if (b.menu) {
+      QAction* menu = acao(b.menu);
+      connect(a, &QAction::triggered, menu, &QAction::trigger);
+    }
+    barra->addAction(a);
+    barra->widgetForAction(a)->setObjectName(QString::fromLatin1(b.nome));
+    DefineEtiqueta(a, true);
+  }
+}
+
+void JanelaCodigo::MontaAbas(QWidget* pai) {
+  auto* linha = new QWidget(pai);
+  linha->setObjectName(QStringLiteral("LinhaAbas"));
+  auto* h = new QHBoxLayout(linha);
+  h->setContentsMargins(4, 3, 4, 3);
+  h->setSpacing(2);
+  for (int i = 0; i < 7; ++i) {
+    auto* b = new QToolButton(linha);
+    b->setObjectName(QStringLiteral("BtnCod%1").arg(i));
+    b->setCheckable(true);
+    b->setAutoRaise(true);
+    b->setText(i == 0 ? Tr(m::kCodigoPrincipal) : QString::number(i));
+    b->setToolTip(i == 0 ? Tr(m::kCodigoPrincipal) : Tr(m::kExtensao).arg(i));
+    b->setMinimumWidth(i == 0 ? 80 : 34);
+    connect(b, &QToolButton::clicked, this, [this, i] { TrocaCodigo(i); });
+    abas_[static_cast<size_t>(i)] = b;
+    h->addWidget(b);
+  }
+  h->addSpacing(12);
+  nome_ = new QLineEdit(linha);
+  nome_->setObjectName(QStringLiteral("TxtPrograma"));
+  nome_->setToolTip(Tr(m::kNomeCodigo));
+  nome_->setMaximumWidth(220);
+  nome_->installEventFilter(this);
+  connect(nome_, &QLineEdit::textEdited, this, [this](const QString& t) {
+    if (documento.codigoAtivo == 0) return;
+    documento.fonte.nomes[static_cast<size_t>(documento.codigoAtivo - 1)] = T(t);
+  });
+  connect(nome_, &QLineEdit::returnPressed, this, [this] { editor_->setFocus(); });
+  h->addWidget(nome_);
+  h->addStretch();
+  static_cast<QVBoxLayout*>(pai->layout())->addWidget(linha);
+}
+
+bool JanelaCodigo::eventFilter(QObject* o, QEvent* e) {
+  // The main code has no name: its box passes the focus on at once.
+  if (o == nome_ && e->type() == QEvent::FocusIn && documento.codigoAtivo == 0) {
+    QTimer::singleShot(0, editor_, [this] { editor_->setFocus(); });
+  }
+  return QMainWindow::eventFilter(o, e);
+}
+
+// ---- State shown on the buttons ------------------------------------------------------
+
+void JanelaCodigo::DefineEtiqueta(QAction* a, bool ativo) {
+  if (!a) return;
+  a->setProperty(kTag, ativo ? QString() : QString::fromLatin1(kInativo));
+  QIcon icone = a->property("iconeAtivo").value<QIcon>();
+  // The inactive picture: the same one, greyed; the button stays clickable.
+  a->setIcon(ativo ? icone : QIcon(icone.pixmap(QSize(20, 20), QIcon::Disabled)));
+}
+
+QString JanelaCodigo::Etiqueta(const char* nome) const {
+  QAction* a = acao(nome);
+  return a ? a->property(kTag).toString() : QString();
+}
+
+bool JanelaCodigo::EstaModificado() const { return Etiqueta("BtnGravar").isEmpty(); }
+
+void JanelaCodigo::DefineModificado(bool sim) { DefineEtiqueta(acao("BtnGravar"), sim); }
+
+void JanelaCodigo::ConsultaDesfazer() {
+  bool d = editor_->isUndoAvailable(), r = editor_->isRedoAvailable();
+  if (d != Etiqueta("BtnDesfazer").isEmpty()) DefineEtiqueta(acao("BtnDesfazer"), d);
+  if (r != Etiqueta("BtnRefazer").isEmpty()) DefineEtiqueta(acao("BtnRefazer"), r);
+}
+
+void JanelaCodigo::BarraInfPrograma(const QString& nome) { barraPrograma_->setText(nome); }
+QString JanelaCodigo::TextoBarraInferior() const { return barraPrograma_->text(); }
+
+void JanelaCodigo::MostraEstado(ControleExecucao::Estado e) {
+  using E = ControleExecucao::Estado;
+  DefineEtiqueta(acao("BtnExecutar"), e == E::Parado);
+  DefineEtiqueta(acao("BtnPause"), e != E::Parado);
+  DefineEtiqueta(acao("BtnStop"), e != E::Parado);
+  DefineEtiqueta(acao("BtnDepurar"), e != E::Depurando);
+  barraEstado_->setText(e == E::Parado ? QString() : Tr(e == E::Depurando ? m::kDepurando : m::kExecutando));
+  if (e == E::Parado) {
+    show();
+    raise();
+    activateWindow();
+    if (fecharDepois_) QTimer::singleShot(0, this, [this] { close(); });
+  }
+}
+
+// ---- The document ---------------------------------------------------------------
+
+void JanelaCodigo::GuardaCodigoAtual() {
+  auto i = static_cast<size_t>(documento.codigoAtivo);
+  documento.fonte.textos[i] = T(editor_->text());
+  if (i != 0) documento.fonte.nomes[i - 1] = T(nome_->text());
+}
+
+fs::path JanelaCodigo::CaminhoAtual() const {
+  QString pasta = Q(PreferenciasAtivas().dirPrograma).trimmed();
+  return fs::path((pasta + Q(documento.nomeAtual)).toStdString());
+}
+
+void JanelaCodigo::MostraCodigoAtivo() {
+  int i = documento.codigoAtivo;
+  for (int k = 0; k < 7; ++k) abas_[static_cast<size_t>(k)]->setChecked(k == i);
+  editor_->setText(Q(documento.fonte.textos[static_cast<size_t>(i)]));
+  nome_->setText(i == 0 ? Tr(m::kCodigoPrincipal) : Q(documento.fonte.nomes[static_cast<size_t>(i - 1)]));
+  nome_->setReadOnly(i == 0);
+  editor_->setFocus();
+}
+
+void JanelaCodigo::TrocaCodigo(int indice) {
+  if (indice < 0 || indice > 6) return;
+  GuardaCodigoAtual();
+  documento.codigoAtivo = indice;
+  // Setting the editor's text is a change: the Save button lights up.
+  MostraCodigoAtivo();
+}
+
+bool JanelaCodigo::GravaNoCaminho(const fs::path& caminho) {
+  bool escrito = false;
+  std::string erro;
+  if (!Documento::GravaArquivo(caminho, documento.JuntaCodigos(), editor_->text().isEmpty(), &escrito, erro)) {
+    interacao_.Avisa(this, QStringLiteral("Zarvolt"),
+                     Tr(m::kNaoGravou).arg(QString::fromStdString(caminho.string()), QString::fromStdString(erro)));
+    return false;
+  }
+  if (escrito) barraEstado_->setText(Tr(m::kGravado).arg(QString::fromStdString(caminho.string())));
+  return true;
+}
+
+void JanelaCodigo::Novo() {
+  GuardaCodigoAtual();
+  if (EstaModificado() &&
+      interacao_.Pergunta(this, QStringLiteral("Zarvolt"), Tr(m::kSalvarMudancasEm).arg(Q(documento.nomeAtual)), true))
+    GravaNoCaminho(CaminhoAtual());
+  documento.nomeAtual = Documento::kNomeNovo;
+  BarraInfPrograma(Q(documento.nomeAtual));
+  editor_->setText(QString());
+  documento.Limpa();
+  editor_->setFocus();
+  DefineModificado(false);
+  documento.temArquivo = false;
+  DefineEtiqueta(acao("BtnDesfazer"), false);
+  DefineEtiqueta(acao("BtnRefazer"), false);
+  editor_->SendScintilla(QsciScintilla::SCI_EMPTYUNDOBUFFER);
+  GuardaCodigoAtual();
+}
+
+void JanelaCodigo::Abre() {
+  GuardaCodigoAtual();
+  if (EstaModificado() && !editor_->text().isEmpty() &&
+      interacao_.Pergunta(this, QStringLiteral("Zarvolt"), Tr(m::kSalvarArquivo).arg(Q(documento.nomeAtual)), true))
+    GravaNoCaminho(CaminhoAtual());
+  Salvar(true);
+  documento.codigoAtivo = 0;
+  MostraCodigoAtivo();
+  editor_->SendScintilla(QsciScintilla::SCI_EMPTYUNDOBUFFER);
+  DefineModificado(false);
+}
+
+void JanelaCodigo::Salva() {
+  GuardaCodigoAtual();
+  if (documento.ENovo()) {
+    Salvar(false);
+  } else if (GravaNoCaminho(CaminhoAtual())) {
+    DefineModificado(false);
+  }
+  editor_->setFocus();
+}
+
+void JanelaCodigo::SalvaComo() {
+  GuardaCodigoAtual();
+  Salvar(false);
+  editor_->setFocus();
+}
+
+void JanelaCodigo::AvisaLeitura(Documento::Leitura r, const QString& caminho) {
+  const char* texto = r == Documento::Leitura::NaoEFonte ? m::kNaoEFonte
+                      : r == Documento::Leitura::Binaria ? m::kBinario
+                      : r == Documento::Leitura::Grande  ? m::kGrande
+                                                         : m::kIlegivel;
+  barraEstado_->setText(Tr(texto).arg(caminho));
+}
+
+void JanelaCodigo::Salvar(bool abrir) {
+  Preferencias& p = PreferenciasAtivas();
+  QString pasta = Q(p.dirPrograma).trimmed();
+  QString nome = documento.temArquivo ? Q(p.nomePrograma).trimmed() : QString();
+  if (LeConfig(dirConfig_, u"PrimeiraAbertura").empty()) {
+    GravaConfig(dirConfig_, u"PrimeiraAbertura", u"1");
+    // The first dialogue opens on the programs' own folder.
+    QDir casa = QDir::home();
+    casa.mkpath(QStringLiteral("Zarvolt/Programs"));
+    pasta = casa.filePath(QStringLiteral("Zarvolt/Programs"));
+    nome.clear();
+  }
+  if (!QDir(pasta).exists()) pasta = QDir::homePath();
+  std::optional<QString> escolhido = interacao_.EscolheArquivo(
+      this, !abrir, Tr(abrir ? m::kTituloAbrir : m::kTituloSalvar), Tr(m::kFiltro), pasta, nome);
+  if (!escolhido) return;
+  QString caminho = *escolhido;
+  if (abrir) {
+    documento.Limpa();
+    Documento::Leitura r = documento.Le(fs::path(caminho.toStdString()));
+    // A file that isn't a source ends the form here: the name and folder
+    // stay as they were.
+    if (r != Documento::Leitura::Lida) return AvisaLeitura(r, caminho);
+  } else {
+    if (!caminho.contains(QLatin1Char('.'))) caminho += QStringLiteral(".Zvc");
+    if (!GravaNoCaminho(fs::path(caminho.toStdString()))) return;
+    DefineModificado(false);
+  }
+  Texto dir, arquivo;
+  SeparaCaminho(fs::path(caminho.toStdString()), dir, arquivo);
+  p.dirPrograma = dir;
+  p.nomePrograma = arquivo;
+  documento.temArquivo = true;
+  GravaPreferencias(dirConfig_);
+  documento.nomeAtual = Q(arquivo).trimmed().toStdU16String();
+  BarraInfPrograma(Q(documento.nomeAtual));
+}
+
+void JanelaCodigo::AbreDaLinhaDeComando(const QString& caminho) {
+  documento.Limpa();
+  Documento::Leitura r = documento.Le(fs::path(caminho.toStdString()));
+  if (r != Documento::Leitura::Lida) AvisaLeitura(r, caminho);
+  Texto dir, arquivo;
+  SeparaCaminho(fs::path(QFileInfo(caminho).absoluteFilePath().toStdString()), dir, arquivo);
+  PreferenciasAtivas().dirPrograma = dir;
+  PreferenciasAtivas().nomePrograma = arquivo;
+  documento.temArquivo = true;
+  documento.nomeAtual = arquivo;
+  BarraInfPrograma(Q(arquivo));
+  documento.codigoAtivo = 0;
+  MostraCodigoAtivo();
+  editor_->SendScintilla(QsciScintilla::SCI_EMPTYUNDOBUFFER);
+  DefineModificado(false);
+}
+
+void JanelaCodigo::Imprime() {
+  GuardaCodigoAtual();
+  QString listagem = Tr(m::kCabecalhoListagem) + Q(documento.nomeAtual) + QStringLiteral("\r\n\r\n") +
+                     Q(documento.fonte.textos[0]) + QStringLiteral("\r\n\r\n");
+  for (int i = 1; i <= 6; ++i)
+    if (!documento.fonte.textos[static_cast<size_t>(i)].empty())
+      listagem += QStringLiteral("\r\n") + Q(documento.fonte.textos[static_cast<size_t>(i)]);
+  if (!interacao_.Pergunta(this, QStringLiteral("Zarvolt"), Tr(m::kPrepareImpressora), false)) return;
+  QPrinter impressora(QPrinter::HighResolution);
+  if (!interacao_.EscolheImpressora(this, impressora)) return;
+  QTextDocument doc;
+  QFont fonte(QStringLiteral("Courier New"), 10);
+  fonte.setStyleHint(QFont::Monospace);
+  doc.setDefaultFont(fonte);
+  // An empty line first, as the listing always began.
+  doc.setPlainText(QStringLiteral("\n") + listagem.replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+  doc.print(&impressora);
+}
+
+// ---- Running -------------------------------------------------------------------
+
+void JanelaCodigo::Executa() {
+  GuardaCodigoAtual();
+  if (EstaModificado() && documento.ENovo()) Salvar(false);
+  execucao_.Executa(documento.fonte, CaminhoAtual().string(), false);
+}
+
+void JanelaCodigo::Depura() {
+  if (execucao_.estado() == ControleExecucao::Estado::Depurando) return;
+  GuardaCodigoAtual();
+  if (EstaModificado() && documento.ENovo()) Salvar(false);
+  execucao_.Executa(documento.fonte, CaminhoAtual().string(), true);
+}
+
+void JanelaCodigo::ComEncerra() { execucao_.Encerra(); }
+
+void JanelaCodigo::AbreConfiguracoes() {
+  FormConfig form(dirConfig_, interacao_, this);
+  form.exec();
+  // Applied whether the form was confirmed or not: the record holds what counts.
+  editor_->AplicaPreferencias(PreferenciasAtivas());
+}
+
+void JanelaCodigo::closeEvent(QCloseEvent* e) {
+  if (execucao_.Rodando()) {
+    // The run unwinds first; the window closes when it has ended.
+    fecharDepois_ = true;
+    execucao_.Encerra();
+    e->ignore();
+    return;
+  }
+  fecharDepois_ = false;
+  GuardaCodigoAtual();
+  if (EstaModificado() &&
+      interacao_.Pergunta(this, QStringLiteral("Zarvolt"), Tr(m::kModificadoSalvar).arg(Q(documento.nomeAtual)), true)) {
+    Salva();
+    // Asked to save and not saved (the dialogue cancelled, the disk
+    // refusing): the window stays, so that the text isn't lost.
+    if (EstaModificado()) {
+      e->ignore();
+      return;
+    }
+  }
+  e->accept();
+}
+
+}  // namespace zv

@@ -1,0 +1,35 @@
+// What the environment asks of the person in front of it: yes/no and
+// OK/Cancel prompts, the file dialogues, plain notices. The windows ask
+// through this seam only, so that a test answers them itself, in order,
+// with no timer racing a dialogue.
+#pragma once
+
+#include <QString>
+#include <functional>
+#include <optional>
+
+class QPrinter;
+class QWidget;
+
+namespace zv {
+
+class Interacao {
+ public:
+  virtual ~Interacao() = default;
+  // Yes/No, or OK/Cancel: true for Yes or OK.
+  virtual bool Pergunta(QWidget* pai, const QString& titulo, const QString& texto, bool simNao) = 0;
+  virtual void Avisa(QWidget* pai, const QString& titulo, const QString& texto) = 0;
+  // The file dialogues: the chosen path, or nothing when cancelled.
+  virtual std::optional<QString> EscolheArquivo(QWidget* pai, bool salvar, const QString& titulo,
+                                                const QString& filtro, const QString& pasta,
+                                                const QString& nome) = 0;
+  // The printer dialogue: false when cancelled.
+  virtual bool EscolheImpressora(QWidget* pai, QPrinter& impressora) = 0;
+  // The colour dialogue: a colour as the language's number, or nothing.
+  virtual std::optional<int> EscolheCor(QWidget* pai, const QString& titulo, int atual) = 0;
+};
+
+// The real dialogues of the desktop.
+Interacao& InteracaoDaTela();
+
+}  // namespace zv

@@ -1,0 +1,112 @@
+// Every text the environment's windows show: menus, tips, prompts, the
+// dialogues' titles, and the notices of its own that the original lacked.
+#pragma once
+
+namespace zv::msg::ambiente {
+
+// ---- The document --------------------------------------------------------------
+inline constexpr char kCodigoPrincipal[] = "Main code";
+inline constexpr char kExtensao[] = "Code extension %1";
+inline constexpr char kNomeCodigo[] = "Code name";
+inline constexpr char kSalvarMudancasEm[] = "Save changes to %1?";
+inline constexpr char kSalvarArquivo[] = "Save %1?";
+inline constexpr char kModificadoSalvar[] = "%1 is modified. Save changes?";
+inline constexpr char kTituloSalvar[] = "Save source code";
+inline constexpr char kTituloAbrir[] = "Open source code";
+inline constexpr char kFiltro[] = "Zarvolt source code (*.Zvc *.zvc *.ZVC)";
+inline constexpr char kPrepareImpressora[] = "Prepare the printer and press OK";
+inline constexpr char kCabecalhoListagem[] = "'*** Zarvolt - Program listing ";
+// Notices of failures the original passed over in silence: the user's
+// text is never dropped without a word.
+inline constexpr char kNaoGravou[] = "%1 could not be written: %2. The program is not saved.";
+inline constexpr char kNaoEFonte[] = "%1 is not a Zarvolt source file: it has no end-of-code mark \"#%\".";
+inline constexpr char kBinario[] = "%1 is not a Zarvolt source file: it holds binary data. Nothing was read.";
+inline constexpr char kGrande[] = "%1 is too large to be a Zarvolt source file (more than 16 MB). Nothing was read.";
+inline constexpr char kIlegivel[] = "%1 could not be read.";
+inline constexpr char kGravado[] = "Saved %1";
+
+// ---- Menus -----------------------------------------------------------------------
+inline constexpr char kMenuArquivo[] = "&File";
+inline constexpr char kMenuNovo[] = "New program";
+inline constexpr char kMenuAbrir[] = "Open program";
+inline constexpr char kMenuSalvar[] = "Save";
+inline constexpr char kMenuSalvarComo[] = "Save as...";
+inline constexpr char kMenuImprimir[] = "Print";
+inline constexpr char kMenuSair[] = "Exit";
+inline constexpr char kMenuEditar[] = "&Edit";
+inline constexpr char kMenuDesfazer[] = "Undo";
+inline constexpr char kMenuRefazer[] = "Redo";
+inline constexpr char kMenuProcurar[] = "Find...";
+inline constexpr char kMenuProxima[] = "Find next";
+inline constexpr char kMenuSubstituir[] = "Replace...";
+inline constexpr char kMenuBookmark[] = "Activate/Deactivate bookmark";
+inline constexpr char kMenuNextBookmark[] = "Go to next bookmark";
+inline constexpr char kMenuPrevBookmark[] = "Go to previous bookmark";
+inline constexpr char kMenuIrParaLinha[] = "Go to line...";
+inline constexpr char kMenuConf[] = "Settings";
+inline constexpr char kMenuPrograma[] = "&Program";
+inline constexpr char kMenuExecutar[] = "Run";
+inline constexpr char kMenuEncerrar[] = "Break";
+inline constexpr char kMenuDepurar[] = "Debug";
+inline constexpr char kMenuCompilar[] = "Compile";
+inline constexpr char kMenuAjuda[] = "&Help";
+inline constexpr char kMenuTopicos[] = "Help topics";
+inline constexpr char kMenuHelp[] = "Help";
+inline constexpr char kMenuSuporte[] = "Technical support";
+inline constexpr char kMenuWeb[] = "Zarvolt on the Web";
+inline constexpr char kMenuSobre[] = "About Zarvolt";
+
+// ---- Tool bar tips -----------------------------------------------------------------
+inline constexpr char kDicaPausa[] = "Pause";
+inline constexpr char kDicaProcurar[] = "Find";
+inline constexpr char kDicaComponentes[] = "Components wizard";
+inline constexpr char kDicaFiguras[] = "Pictures";
+inline constexpr char kDicaBotoes[] = "Buttons";
+
+// ---- The find bar ------------------------------------------------------------------
+inline constexpr char kProcurar[] = "Find";
+inline constexpr char kSubstituirPor[] = "Replace with";
+inline constexpr char kSubstituir[] = "Replace";
+inline constexpr char kSubstituirTodos[] = "Replace all";
+inline constexpr char kMaiusculas[] = "Match case";
+inline constexpr char kPalavraInteira[] = "Whole word";
+inline constexpr char kVolta[] = "Wrap";
+inline constexpr char kAnterior[] = "Previous (Shift+F3)";
+inline constexpr char kProximo[] = "Next (F3)";
+inline constexpr char kNaoAchado[] = "Not found";
+inline constexpr char kSubstituidas[] = "%1 replaced";
+inline constexpr char kIrParaLinha[] = "Go to line:";
+
+// ---- About, and a run's state --------------------------------------------------------
+inline constexpr char kSobreTitulo[] = "About Zarvolt";
+inline constexpr char kSobreTexto[] =
+    "<h3>Zarvolt 8.0</h3><p>A development environment and interpreter for a BASIC-family language, "
+    "for Linux desktops.</p><p>Copyright \u00a9 2026 the Zarvolt developers.</p>"
+    "<p><a href=\"https://zarvolt.org\">zarvolt.org</a> \u2014 "
+    "<a href=\"mailto:support@zarvolt.org\">support@zarvolt.org</a></p>";
+inline constexpr char kEnderecoWeb[] = "https://zarvolt.org";
+inline constexpr char kEnderecoSuporte[] = "mailto:support@zarvolt.org";
+inline constexpr char kExecutando[] = "Running";
+inline constexpr char kDepurando[] = "Debugging";
+inline constexpr char kCompilarAusente[] = "Making an executable comes in a later version of Zarvolt.";
+
+// ---- Workspace settings ------------------------------------------------------------
+inline constexpr char kConfigTitulo[] = "Workspace settings";
+inline constexpr const char* kRotulosCores[] = {
+    "Background color", "Foreground",      "Commands color", "Keywords color",  "Attributes color", "Comment color",
+    "Operators color",  "Quotes color",    "Cursor line color", "Left bank color", "Numeration color"};
+inline constexpr char kConfigFonte[] = "Font:";
+inline constexpr char kConfigAmostra[] = "Sample:";
+inline constexpr char kConfigNumeracao[] = "Enable automatic line numbering";
+inline constexpr char kSelecioneCor[] = "Selecione a cor";
+inline constexpr const char* kFontesConfig[] = {
+    "Courier",          "Courier New",       "Lucida Console",         "Fixedsys",       "Andale Mono",
+    "Atomic Clock Radio", "Courier10 BT",    "Dark Courier",           "Digital Dream",  "Digital Dream Fat",
+    "Digital dream Fat Skew", "Legal10    ", "Legal15    ",            "Orator10 BT",    "Orator15 BT"};
+// The sample program, lines ending in CR LF.
+inline constexpr char kAmostra[] =
+    "Variable X Integer, Y String\r\n\r\n'Set window background and resolution\r\n"
+    "Window Background = \"Space.jpg\", Res = 50, 100\r\n\r\nMessage \"Are you sure?\", OptionYesNo";
+inline constexpr char kExecucaoParou[] = "zarvolt: the run stopped: %s\n";
+
+}  // namespace zv::msg::ambiente
