@@ -113,7 +113,7 @@ FormConfig::FormConfig(const std::filesystem::path& dirConfig, Interacao& intera
 void FormConfig::MostraCor(int i) {
   int32_t c = cores_[static_cast<size_t>(i)];
   botoes_[static_cast<size_t>(i)]->setStyleSheet(
-      QStringLiteral("background-color: rgb(%1,%2,%3); border: 1px solid #555;")
+      QStringLiteral("background-color:rgb(%1,%2,%3);border-style:solid;border-width:1px;border-color:#555")
           .arg(c & 0xff)
           .arg((c >> 8) & 0xff)
           .arg((c >> 16) & 0xff));

@@ -26,13 +26,13 @@ bool EOperador(char c) { return std::strchr("()=<>+*/-%^&", c) != nullptr && c !
 
 QString LexicoZarvolt::description(int estilo) const {
   switch (estilo) {
-    case kPadrao: return QStringLiteral("Text");
-    case kComentario: return QStringLiteral("Comment");
-    case kComando: return QStringLiteral("Command");
-    case kPalavraChave: return QStringLiteral("Keyword");
-    case kAtributo: return QStringLiteral("Attribute");
-    case kAspas: return QStringLiteral("Quoted text");
-    case kOperador: return QStringLiteral("Operator");
+    case kPadrao: return QString::fromUtf8(msg::ambiente::kEstiloTexto);
+    case kComentario: return QString::fromUtf8(msg::ambiente::kEstiloComentario);
+    case kComando: return QString::fromUtf8(msg::ambiente::kEstiloComando);
+    case kPalavraChave: return QString::fromUtf8(msg::ambiente::kEstiloPalavraChave);
+    case kAtributo: return QString::fromUtf8(msg::ambiente::kEstiloAtributo);
+    case kAspas: return QString::fromUtf8(msg::ambiente::kEstiloAspas);
+    case kOperador: return QString::fromUtf8(msg::ambiente::kEstiloOperador);
     default: return {};
   }
 }

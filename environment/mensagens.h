@@ -25,6 +25,15 @@ inline constexpr char kGrande[] = "%1 is too large to be a Zarvolt source file (
 inline constexpr char kIlegivel[] = "%1 could not be read.";
 inline constexpr char kGravado[] = "Saved %1";
 
+// ---- The editor's styles, as the colour settings name them ------------------
+inline constexpr char kEstiloTexto[] = "Text";
+inline constexpr char kEstiloComentario[] = "Comment";
+inline constexpr char kEstiloComando[] = "Command";
+inline constexpr char kEstiloPalavraChave[] = "Keyword";
+inline constexpr char kEstiloAtributo[] = "Attribute";
+inline constexpr char kEstiloAspas[] = "Quoted text";
+inline constexpr char kEstiloOperador[] = "Operator";
+
 // ---- Menus -----------------------------------------------------------------------
 inline constexpr char kMenuArquivo[] = "&File";
 inline constexpr char kMenuNovo[] = "New program";

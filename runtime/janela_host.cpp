@@ -86,7 +86,9 @@ Resposta HostJanela::MostraCaixa(const Caixa& caixa) {
 }
 
 void HostJanela::Bombeia() {
-  if (gui_)
+  // A run inside the environment has the environment's events to deliver
+  // even before it makes a window of its own.
+  if (gui_ || QCoreApplication::instance())
     QCoreApplication::processEvents(QEventLoop::AllEvents);
   else
     HostConsole::Bombeia();
