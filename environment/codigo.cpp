@@ -1,6 +1,7 @@
 #include "environment/codigo.h"
 
 #include <QAction>
+#include <cstdio>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDesktopServices>
@@ -473,6 +474,15 @@ void JanelaCodigo::Salvar(bool abrir) {
   GravaPreferencias(dirConfig_);
   documento.nomeAtual = Q(arquivo).trimmed().toStdU16String();
   BarraInfPrograma(Q(documento.nomeAtual));
+}
+
+void JanelaCodigo::AssociaSeFaltar(const std::function<std::string()>& faz) {
+  if (!LeConfig(dirConfig_, u"AssociaZV").empty()) return;
+  std::string falha = faz();
+  if (falha.empty())
+    GravaConfig(dirConfig_, u"AssociaZV", u"SIM");
+  else  // tried again at the next start
+    std::fprintf(stderr, m::kAssociacaoFalhou, falha.c_str());
 }
 
 void JanelaCodigo::AbreDaLinhaDeComando(const QString& caminho) {

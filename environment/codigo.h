@@ -6,6 +6,8 @@
 #include <QMainWindow>
 #include <array>
 #include <filesystem>
+#include <functional>
+#include <string>
 
 #include "environment/documento.h"
 #include "environment/execucao.h"
@@ -40,6 +42,9 @@ class JanelaCodigo : public QMainWindow {
   void TrocaCodigo(int indice);
   // Opening a file named on the command line: not recorded in the preferences.
   void AbreDaLinhaDeComando(const QString& caminho);
+  // On first start (AssociaZV empty): `faz` makes the file association and
+  // answers a failure's message, empty when done; the key is written then.
+  void AssociaSeFaltar(const std::function<std::string()>& faz);
   // The path of the current file: DirPrograma, trimmed, and NomeAtual.
   std::filesystem::path CaminhoAtual() const;
 

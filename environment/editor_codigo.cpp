@@ -119,6 +119,9 @@ EditorCodigo::EditorCodigo(QWidget* pai) : QsciScintilla(pai) {
   setMarkerBackgroundColor(QColor(70, 130, 220), kMarcador);
   setCaretLineVisible(true);
   setBraceMatching(SloppyBraceMatch);
+  // The horizontal bar only when a line is wider than the view.
+  SendScintilla(SCI_SETSCROLLWIDTH, 1);
+  SendScintilla(SCI_SETSCROLLWIDTHTRACKING, 1);
   lexico_ = new LexicoZarvolt(this, tabela_);
   setLexer(lexico_);
   painel_ = new PainelProcura(this);
@@ -159,7 +162,7 @@ void EditorCodigo::AplicaPreferencias(const Preferencias& p) {
   setCaretLineBackgroundColor(CorDe(p.corLinha));
   numeracao_ = p.ativaNumeracao != 0;
   setMarginLineNumbers(0, numeracao_);
-  setMarginWidth(0, numeracao_ ? QStringLiteral("000000") : QString());
+  setMarginWidth(0, numeracao_ ? QStringLiteral("00000") : QString());
   recolor();
 }
 

@@ -118,4 +118,14 @@ inline constexpr char kAmostra[] =
     "Window Background = \"Space.jpg\", Res = 50, 100\r\n\r\nMessage \"Are you sure?\", OptionYesNo";
 inline constexpr char kExecucaoParou[] = "zarvolt: the run stopped: %s\n";
 
+// ---- The splash and the file association ---------------------------------------
+inline constexpr char kApresentaTitulo[] = "Zarvolt";
+inline constexpr char kApresentaSubtitulo[] = "Development environment";
+inline constexpr char kRegiaoSemTamanho[] = "Unable to determine size of region in SaveRegionDataToFile";
+inline constexpr char kRegiaoSemDados[] = "Unable to get region data in SaveRegionDataToFile";
+inline constexpr char kRegiaoDanificada[] = "%1 is damaged: the splash's shape was computed again.";
+inline constexpr char kMimeComentario[] = "Zarvolt source code";
+inline constexpr char kEntradaComentario[] = "Write, run and debug Zarvolt programs";
+inline constexpr char kAssociacaoFalhou[] = "The .Zvc files could not be associated with Zarvolt: %s\n";
+
 }  // namespace zv::msg::ambiente

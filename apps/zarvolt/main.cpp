@@ -6,7 +6,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 
+#include "environment/apresenta.h"
+#include "environment/associacao.h"
 #include "environment/codigo.h"
 #include "environment/interacao.h"
 
@@ -41,10 +44,22 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName(QStringLiteral("Zarvolt"));
   // Settings live beside the executable, as the runner's do, so that a
   // program run from the environment reads the same ZV.File.
-  std::filesystem::path dirConfig = QCoreApplication::applicationDirPath().toStdString();
-  zv::JanelaCodigo janela(dirConfig, zv::InteracaoDaTela());
-  janela.show();
+  const std::filesystem::path pasta = QCoreApplication::applicationDirPath().toStdString();
   QStringList args = app.arguments();
-  if (args.size() > 1) janela.AbreDaLinhaDeComando(ArquivoDaLinha(args.mid(1).join(QLatin1Char(' '))));
+  const QString arquivo = args.size() > 1 ? ArquivoDaLinha(args.mid(1).join(QLatin1Char(' '))) : QString();
+  std::unique_ptr<zv::JanelaCodigo> janela;
+  zv::Apresenta apresenta(
+      pasta,
+      [&] {
+        janela = std::make_unique<zv::JanelaCodigo>(pasta, zv::InteracaoDaTela());
+        janela->AssociaSeFaltar([&] {
+          return zv::FazAssociacao(QCoreApplication::applicationFilePath().toStdString(),
+                                   zv::PastaDadosUsuario());
+        });
+        janela->show();
+        if (!arquivo.isEmpty()) janela->AbreDaLinhaDeComando(arquivo);
+      },
+      [](const QString& aviso) { std::fprintf(stderr, "zarvolt: %s\n", aviso.toLocal8Bit().constData()); });
+  apresenta.show();
   return app.exec();
 }
