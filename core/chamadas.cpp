@@ -259,7 +259,7 @@ void Interpretador::ExecutaChamada(PlanoLinha& pl) {
   Valor r;
   bool feito = false;
   // Once the Function is known, a call that needs no names goes straight in.
-  if (ModeloFuncao* m = pl.modelo; m && m->rapido && !modoDepuracao && pl.partes.size() == m->totalParametros) {
+  if (ModeloFuncao* m = pl.modelo; m && m->rapido && !Vigiado() && pl.partes.size() == m->totalParametros) {
     try {
       feito = ChamadaSemNomes(pl.nomeFuncao, *m, pl, r);
     } catch (const std::exception&) {  // FalhaHost among them

@@ -145,7 +145,7 @@ void Interpretador::Caminha(const Texto& texto, const Texto& textoExibicao, int3
         abortado = true;
         return;
       }
-      if (!modoDepuracao) {
+      if (!Vigiado()) {
         if (PlanoLinha* pl = PlanoDe(texto, numero, pos, fim); pl && pl->tipo != PlanoLinha::Tipo::Generico) {
           // A text cut by the plans is whole again for the walk, whichever way they stop.
           Seguimento s;
@@ -175,7 +175,9 @@ void Interpretador::Caminha(const Texto& texto, const Texto& textoExibicao, int3
       executando = false;
       return;
     }
-    if (modoDepuracao && !PassoDepuracao(textoExibicao, linha, numero)) return;
+    if (Vigiado() && (modoDepuracao || pontosParada.count({editorAtual, linhaAtual})) &&
+        !PassoDepuracao(textoExibicao, linha, numero))
+      return;
 
     // The first test of the table that fits decides; the block words are
     // tested one after another while none has taken the line.

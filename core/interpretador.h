@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -46,6 +47,11 @@ class Interpretador {
   Texto linhaDeComando;       // CommandLine
   Texto dirConfig;            // folder of ZV.File and Zarvolt8.inf
   bool modoDepuracao = false; // ModoDepuracao
+  // Lines where a plain run stops with the step box, as (editor, line) the
+  // way the box counts them: the environment's breakpoints. While any is
+  // set, every statement takes the walk, as in Debug.
+  std::set<std::pair<int32_t, int32_t>> pontosParada;
+  bool Vigiado() const { return modoDepuracao || !pontosParada.empty(); }
   // Ends the run after so many statements (0: no limit); set by tools.
   int64_t limiteInstrucoes = 0;
   int64_t instrucoesExecutadas = 0;

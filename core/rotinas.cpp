@@ -321,7 +321,7 @@ Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos, con
       modelo = lido.get();
     } else {
       if (!modelo->analisado) AnalisaModelo(nome, *modelo);
-      if (plano && modelo->rapido && !modoDepuracao && plano->partes.size() == modelo->totalParametros) {
+      if (plano && modelo->rapido && !Vigiado() && plano->partes.size() == modelo->totalParametros) {
         Valor r;
         if (ChamadaSemNomes(nome, *modelo, *plano, r)) return r;
       }
@@ -357,7 +357,7 @@ Valor Interpretador::ChamaFuncao(const Texto& nome, const Texto& argumentos, con
       reais = SeparaArgumentos(argumentos, 21);
       while (totalReais < reais.size() && !reais[totalReais].empty()) ++totalReais;
     }
-    const bool rapido = !lido && modelo->rapido && !modoDepuracao && totalReais == modelo->totalParametros;
+    const bool rapido = !lido && modelo->rapido && !Vigiado() && totalReais == modelo->totalParametros;
     Texto corpo = rapido ? Texto() : modelo->corpo;
     for (size_t i = 0; i < totalReais; ++i) {
       if (!rapido)

@@ -2,6 +2,7 @@
 
 #include <QProcess>
 #include <QStandardPaths>
+#include <QXmlStreamWriter>
 #include <cstdlib>
 #include <fstream>
 #include <system_error>
@@ -66,19 +67,28 @@ fs::path PastaDadosUsuario() {
 
 std::string FazAssociacao(const fs::path& executavel, const fs::path& dados) {
   std::string falha;
-  const std::string mime =
-      std::string("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                  "<mime-info xmlns=\"http://www.freedesktop.org/standards/shared-mime-info\">\n"
-                  "  <mime-type type=\"") +
-      kTipoMime + "\">\n    <comment>" + m::kMimeComentario +
-      "</comment>\n"
-      "    <sub-class-of type=\"text/plain\"/>\n"
-      "    <glob pattern=\"*.zvc\"/>\n"
-      "    <glob pattern=\"*.Zvc\" case-sensitive=\"true\"/>\n"
-      "    <glob pattern=\"*.ZVC\" case-sensitive=\"true\"/>\n"
-      "    <icon name=\"zarvolt\"/>\n"
-      "  </mime-type>\n"
-      "</mime-info>\n";
+  QByteArray xml;
+  {
+    QXmlStreamWriter w(&xml);
+    w.setAutoFormatting(true);
+    w.writeStartDocument();
+    w.writeStartElement(QStringLiteral("mime-info"));
+    w.writeDefaultNamespace(QStringLiteral("http://www.freedesktop.org/standards/shared-mime-info"));
+    w.writeStartElement(QStringLiteral("mime-type"));
+    w.writeAttribute(QStringLiteral("type"), QString::fromLatin1(kTipoMime));
+    w.writeTextElement(QStringLiteral("comment"), QString::fromUtf8(m::kMimeComentario));
+    w.writeEmptyElement(QStringLiteral("sub-class-of"));
+    w.writeAttribute(QStringLiteral("type"), QStringLiteral("text/plain"));
+    // Any case, as the original's file system allowed.
+    w.writeEmptyElement(QStringLiteral("glob"));
+    w.writeAttribute(QStringLiteral("pattern"), QStringLiteral("*.zvc"));
+    w.writeEmptyElement(QStringLiteral("icon"));
+    w.writeAttribute(QStringLiteral("name"), QStringLiteral("zarvolt"));
+    w.writeEndElement();
+    w.writeEndElement();
+    w.writeEndDocument();
+  }
+  const std::string mime = xml.toStdString();
   const std::string entrada = std::string("[Desktop Entry]\nType=Application\nName=Zarvolt\nComment=") +
                               m::kEntradaComentario + "\nExec=" + Citado(executavel.string()) +
                               " %f\nIcon=zarvolt\nTerminal=false\nCategories=Development;IDE;\nMimeType=" +

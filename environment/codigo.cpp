@@ -1,23 +1,31 @@
 #include "environment/codigo.h"
 
 #include <QAction>
+#include <algorithm>
 #include <cstdio>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QDialog>
 #include <QDialogButtonBox>
+#include <QDateTime>
 #include <QDir>
+#include <QDockWidget>
+#include <QHeaderView>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QLocale>
+#include <QMenu>
 #include <QMenuBar>
 #include <QPainter>
 #include <QPrinter>
+#include <QPushButton>
 #include <QScreen>
 #include <QStatusBar>
 #include <QStyle>
+#include <QTableWidget>
 #include <QTextDocument>
 #include <QTimer>
 #include <QToolBar>
@@ -26,6 +34,7 @@
 #include <QVBoxLayout>
 
 #include "core/texto.h"
+#include "core/variaveis.h"
 #include "environment/configuracoes.h"
 #include "environment/editor_codigo.h"
 #include "environment/interacao.h"
@@ -40,6 +49,7 @@ namespace m = msg::ambiente;
 namespace {
 
 QString Q(const Texto& t) { return QString::fromStdU16String(t); }
+Texto U(const std::string& s) { return QString::fromStdString(s).toStdU16String(); }
 Texto T(const QString& s) { return s.toStdU16String(); }
 QString Tr(const char* s) { return QString::fromUtf8(s); }
 constexpr char kTag[] = "tag";
@@ -67,6 +77,20 @@ JanelaCodigo::JanelaCodigo(const fs::path& dirConfig, Interacao& interacao, QWid
   barraPrograma_->setObjectName(QStringLiteral("BarraInfPrograma"));
   barraEstado_ = new QLabel(this);
   statusBar()->addWidget(barraPrograma_, 1);
+  irErro_ = new QPushButton(this);
+  irErro_->setObjectName(QStringLiteral("IrParaErro"));
+  irErro_->setFlat(true);
+  irErro_->setCursor(Qt::PointingHandCursor);
+  irErro_->setStyleSheet(QStringLiteral("color:#b03000;text-decoration:underline"));
+  irErro_->hide();
+  connect(irErro_, &QPushButton::clicked, this, [this] {
+    if (!erro_) return;
+    if (erro_->first != documento.codigoAtivo) TrocaCodigo(erro_->first);
+    editor_->setCursorPosition(erro_->second, 0);
+    editor_->ensureLineVisible(erro_->second);
+    editor_->setFocus();
+  });
+  statusBar()->addPermanentWidget(irErro_);
   statusBar()->addPermanentWidget(barraEstado_);
 
   editor_->AplicaPreferencias(PreferenciasAtivas());
@@ -80,6 +104,9 @@ JanelaCodigo::JanelaCodigo(const fs::path& dirConfig, Interacao& interacao, QWid
 
   execucao_.dirConfig = dirConfig_;
   execucao_.aoMudar = [this](ControleExecucao::Estado e) { MostraEstado(e); };
+  execucao_.aoParar = [this](TipoCaixa t, int codigo, int linha) { Parou(t, codigo, linha); };
+  execucao_.aoSeguir = [this](TipoCaixa t) { Seguiu(t); };
+  MontaExtras();
 
   documento.nomeAtual = Documento::kNomeNovo;
   BarraInfPrograma(Q(documento.nomeAtual));
@@ -347,6 +374,7 @@ void JanelaCodigo::MostraEstado(ControleExecucao::Estado e) {
 void JanelaCodigo::GuardaCodigoAtual() {
   auto i = static_cast<size_t>(documento.codigoAtivo);
   documento.fonte.textos[i] = T(editor_->text());
+  pontos_[i] = editor_->Pontos();
   if (i != 0) documento.fonte.nomes[i - 1] = T(nome_->text());
 }
 
@@ -361,6 +389,10 @@ void JanelaCodigo::MostraCodigoAtivo() {
   editor_->setText(Q(documento.fonte.textos[static_cast<size_t>(i)]));
   nome_->setText(i == 0 ? Tr(m::kCodigoPrincipal) : Q(documento.fonte.nomes[static_cast<size_t>(i - 1)]));
   nome_->setReadOnly(i == 0);
+  // The marks go with the text they were set on.
+  editor_->DefinePontos(pontos_[static_cast<size_t>(i)]);
+  editor_->MarcaErro(erro_ && erro_->first == i ? erro_->second : -1);
+  editor_->MarcaPasso(passo_ && passo_->first == i ? passo_->second : -1);
   editor_->setFocus();
 }
 
@@ -381,6 +413,7 @@ bool JanelaCodigo::GravaNoCaminho(const fs::path& caminho) {
     return false;
   }
   if (escrito) barraEstado_->setText(Tr(m::kGravado).arg(QString::fromStdString(caminho.string())));
+  RemoveRecuperacao();
   return true;
 }
 
@@ -393,6 +426,8 @@ void JanelaCodigo::Novo() {
   BarraInfPrograma(Q(documento.nomeAtual));
   editor_->setText(QString());
   documento.Limpa();
+  EsqueceMarcas();
+  RemoveRecuperacao();
   editor_->setFocus();
   DefineModificado(false);
   documento.temArquivo = false;
@@ -457,6 +492,8 @@ void JanelaCodigo::Salvar(bool abrir) {
   QString caminho = *escolhido;
   if (abrir) {
     documento.Limpa();
+    EsqueceMarcas();
+    RemoveRecuperacao();
     Documento::Leitura r = documento.Le(fs::path(caminho.toStdString()));
     // A file that isn't a source ends the form here: the name and folder
     // stay as they were.
@@ -487,6 +524,7 @@ void JanelaCodigo::AssociaSeFaltar(const std::function<std::string()>& faz) {
 
 void JanelaCodigo::AbreDaLinhaDeComando(const QString& caminho) {
   documento.Limpa();
+  EsqueceMarcas();
   Documento::Leitura r = documento.Le(fs::path(caminho.toStdString()));
   if (r != Documento::Leitura::Lida) AvisaLeitura(r, caminho);
   Texto dir, arquivo;
@@ -526,6 +564,10 @@ void JanelaCodigo::Imprime() {
 void JanelaCodigo::Executa() {
   GuardaCodigoAtual();
   if (EstaModificado() && documento.ENovo()) Salvar(false);
+  erro_.reset();
+  editor_->MarcaErro(-1);
+  irErro_->hide();
+  execucao_.pontosParada = PontosParada();
   execucao_.Executa(documento.fonte, CaminhoAtual().string(), false);
 }
 
@@ -533,6 +575,10 @@ void JanelaCodigo::Depura() {
   if (execucao_.estado() == ControleExecucao::Estado::Depurando) return;
   GuardaCodigoAtual();
   if (EstaModificado() && documento.ENovo()) Salvar(false);
+  erro_.reset();
+  editor_->MarcaErro(-1);
+  irErro_->hide();
+  execucao_.pontosParada.clear();  // every line steps anyway
   execucao_.Executa(documento.fonte, CaminhoAtual().string(), true);
 }
 
@@ -543,6 +589,7 @@ void JanelaCodigo::AbreConfiguracoes() {
   form.exec();
   // Applied whether the form was confirmed or not: the record holds what counts.
   editor_->AplicaPreferencias(PreferenciasAtivas());
+  AplicaExtras(LeExtras(dirConfig_));
 }
 
 void JanelaCodigo::closeEvent(QCloseEvent* e) {
@@ -565,7 +612,221 @@ void JanelaCodigo::closeEvent(QCloseEvent* e) {
       return;
     }
   }
+  // Closed as the user wanted: nothing is left to recover.
+  RemoveRecuperacao();
   e->accept();
+}
+
+// ---- Additions: error mark, Variables panel, breakpoints, recovery copy --------------
+
+void JanelaCodigo::MontaExtras() {
+  painel_ = new QDockWidget(Tr(m::kVariaveisTitulo), this);
+  painel_->setObjectName(QStringLiteral("PainelVariaveis"));
+  tabela_ = new QTableWidget(0, 3, painel_);
+  tabela_->setObjectName(QStringLiteral("TabelaVariaveis"));
+  tabela_->setHorizontalHeaderLabels({Tr(m::kColunaNome), Tr(m::kColunaTipo), Tr(m::kColunaValor)});
+  tabela_->horizontalHeader()->setStretchLastSection(true);
+  tabela_->verticalHeader()->hide();
+  tabela_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  tabela_->setSelectionBehavior(QAbstractItemView::SelectRows);
+  painel_->setWidget(tabela_);
+  addDockWidget(Qt::RightDockWidgetArea, painel_);
+  painel_->hide();
+  QAction* ver = painel_->toggleViewAction();
+  ver->setObjectName(QStringLiteral("MenuVariaveis"));
+  ver->setText(Tr(m::kMenuVariaveis));
+  // Opened while a run stands in a box: filled at once.
+  connect(painel_, &QDockWidget::visibilityChanged, this, [this](bool v) {
+    if (v) MostraVariaveis();
+  });
+  QMenu* menu = new QMenu(Tr(m::kMenuVer), this);
+  menu->addAction(ver);
+  menuBar()->insertMenu(menuBar()->actions().value(2), menu);
+
+  recuperacao_ = new QTimer(this);
+  recuperacao_->setInterval(30000);
+  connect(recuperacao_, &QTimer::timeout, this, [this] { GravaCopiaRecuperacao(); });
+  AplicaExtras(LeExtras(dirConfig_));
+}
+
+void JanelaCodigo::AplicaExtras(const Extras& e) {
+  extras_ = e;
+  editor_->pontosLigados = e.pontosParada;
+  if (!e.pontosParada) {
+    // Turned off: the marks go too, so that none stands unheeded.
+    for (auto& p : pontos_) p.clear();
+    editor_->DefinePontos({});
+  }
+  if (!e.marcaErro) {
+    erro_.reset();
+    editor_->MarcaErro(-1);
+    irErro_->hide();
+  }
+  painel_->toggleViewAction()->setEnabled(e.variaveis);
+  if (!e.variaveis) painel_->hide();
+  if (e.recuperacao) {
+    recuperacao_->start();
+  } else {
+    recuperacao_->stop();
+    RemoveRecuperacao();
+  }
+}
+
+std::set<std::pair<int32_t, int32_t>> JanelaCodigo::PontosParada() {
+  std::set<std::pair<int32_t, int32_t>> r;
+  if (!extras_.pontosParada) return r;
+  pontos_[static_cast<size_t>(documento.codigoAtivo)] = editor_->Pontos();
+  for (int c = 0; c < 7; ++c)
+    for (int l : pontos_[static_cast<size_t>(c)]) r.insert({c, l + 1});
+  return r;
+}
+
+void JanelaCodigo::EsqueceMarcas() {
+  for (auto& p : pontos_) p.clear();
+  erro_.reset();
+  passo_.reset();
+  irErro_->hide();
+}
+
+QString JanelaCodigo::NomeDoCodigo(int codigo) const {
+  if (codigo <= 0 || codigo > 6) return Tr(m::kCodigoPrincipal);
+  QString nome = Q(documento.fonte.nomes[static_cast<size_t>(codigo - 1)]).trimmed();
+  return nome.isEmpty() ? Tr(m::kExtensao).arg(codigo) : nome;
+}
+
+void JanelaCodigo::Parou(TipoCaixa tipo, int codigo, int linha) {
+  const int l = linha - 1;
+  if (tipo == TipoCaixa::Erro && extras_.marcaErro && linha > 0) {
+    // The mark and a way there; the caret stays where the user left it.
+    erro_ = {codigo, l};
+    if (codigo == documento.codigoAtivo) editor_->MarcaErro(l);
+    irErro_->setText(Tr(m::kIrParaErro).arg(NomeDoCodigo(codigo)).arg(linha));
+    irErro_->show();
+  }
+  if (tipo == TipoCaixa::Passo) {
+    passo_ = {codigo, l};
+    if (codigo == documento.codigoAtivo) editor_->MarcaPasso(l);
+    barraEstado_->setText(Tr(m::kParadoEm).arg(NomeDoCodigo(codigo)).arg(linha));
+  }
+  if (painel_->isVisible()) MostraVariaveis();
+}
+
+void JanelaCodigo::Seguiu(TipoCaixa tipo) {
+  if (tipo != TipoCaixa::Passo) return;
+  passo_.reset();
+  editor_->MarcaPasso(-1);
+}
+
+namespace {
+
+QString ValorParaMostrar(const Variaveis& v, TipoVariavel tipo, size_t k) {
+  if (tipo == TipoVariavel::String) {
+    QString t = Q(v.textos[k]);
+    if (t.size() > 200) t = t.left(200) + QChar(0x2026);
+    return QLatin1Char('"') + t + QLatin1Char('"');
+  }
+  if (tipo == TipoVariavel::Integer) return QString::number(v.inteiros[k]);
+  return Q(NumeroParaTexto(v.decimais[k]));
+}
+
+}  // namespace
+
+void JanelaCodigo::MostraVariaveis() {
+  Interpretador* zv = execucao_.interpretador();
+  if (!zv || !extras_.variaveis) return;
+  struct Linha {
+    QString nome, tipo, valor;
+  };
+  std::vector<Linha> linhas;
+  const Variaveis& v = zv->variaveis;
+  for (int t = 0; t < 3; ++t) {
+    auto tipo = static_cast<TipoVariavel>(t);
+    for (const EntradaVariavel& e : v.Diretorio(tipo)) {
+      QString valor;
+      if (e.tamanho == 1) {
+        valor = ValorParaMostrar(v, tipo, static_cast<size_t>(e.inicio));
+      } else {
+        QStringList partes;
+        for (int32_t i = 0; i < e.tamanho && i < 10; ++i)
+          partes << ValorParaMostrar(v, tipo, static_cast<size_t>(e.inicio + i));
+        if (e.tamanho > 10) partes << QString(QChar(0x2026));
+        valor = Tr(m::kValores).arg(e.tamanho).arg(partes.join(QStringLiteral(", ")));
+      }
+      linhas.push_back({Q(e.nome), Q(NomeTipo(tipo)), valor});
+    }
+  }
+  std::sort(linhas.begin(), linhas.end(),
+            [](const Linha& a, const Linha& b) { return a.nome.compare(b.nome, Qt::CaseInsensitive) < 0; });
+  tabela_->setRowCount(static_cast<int>(linhas.size()));
+  for (int i = 0; i < static_cast<int>(linhas.size()); ++i) {
+    const Linha& l = linhas[static_cast<size_t>(i)];
+    tabela_->setItem(i, 0, new QTableWidgetItem(l.nome));
+    tabela_->setItem(i, 1, new QTableWidgetItem(l.tipo));
+    tabela_->setItem(i, 2, new QTableWidgetItem(l.valor));
+  }
+  tabela_->resizeColumnToContents(0);
+  tabela_->resizeColumnToContents(1);
+  painel_->setWindowTitle(Tr(m::kVariaveisTitulo) + QStringLiteral(" \u2014 ") +
+                          Tr(m::kVariaveisEm).arg(NomeDoCodigo(zv->editorAtual)).arg(zv->linhaAtual));
+}
+
+void JanelaCodigo::GravaCopiaRecuperacao() {
+  if (!extras_.recuperacao) return;
+  GuardaCodigoAtual();
+  if (!EstaModificado()) return;
+  const Texto caminho = documento.temArquivo ? U(CaminhoAtual().string()) : Texto(Documento::kNomeNovo);
+  std::string erro;
+  if (!GravaRecuperacao(ArquivoRecuperacao(dirConfig_), caminho, documento.fonte, erro))
+    barraEstado_->setText(Tr(m::kRecuperacaoNaoGravada).arg(QString::fromStdString(erro)));
+}
+
+void JanelaCodigo::RemoveRecuperacao() {
+  std::error_code ec;
+  fs::remove(ArquivoRecuperacao(dirConfig_), ec);
+}
+
+void JanelaCodigo::OfereceRecuperacao() {
+  const fs::path arquivo = ArquivoRecuperacao(dirConfig_);
+  Texto caminho;
+  FontePrograma fonte;
+  switch (LeRecuperacao(arquivo, caminho, fonte)) {
+    case Recuperacao::Nenhuma:
+      return;
+    case Recuperacao::Danificada: {
+      fs::path guardado = arquivo;
+      guardado += ".damaged";
+      std::error_code ec;
+      fs::rename(arquivo, guardado, ec);
+      barraEstado_->setText(Tr(m::kRecuperacaoDanificada)
+                                .arg(QString::fromStdString(arquivo.string()), QString::fromStdString(guardado.string())));
+      return;
+    }
+    case Recuperacao::Lida:
+      break;
+  }
+  QFileInfo info(QString::fromStdString(arquivo.string()));
+  const QString quando = QLocale().toString(info.lastModified(), QLocale::ShortFormat);
+  if (!interacao_.Pergunta(this, QStringLiteral("Zarvolt"), Tr(m::kRecuperar).arg(Q(caminho), quando), true)) {
+    RemoveRecuperacao();
+    return;
+  }
+  documento.Limpa();
+  EsqueceMarcas();
+  documento.fonte = std::move(fonte);
+  Texto dir, nome;
+  SeparaCaminho(fs::path(QString(Q(caminho)).toStdString()), dir, nome);
+  documento.temArquivo = !dir.empty();
+  if (documento.temArquivo) {
+    PreferenciasAtivas().dirPrograma = dir;
+    PreferenciasAtivas().nomePrograma = nome;
+  }
+  documento.nomeAtual = documento.temArquivo ? nome : Texto(Documento::kNomeNovo);
+  BarraInfPrograma(Q(documento.nomeAtual));
+  documento.codigoAtivo = 0;
+  MostraCodigoAtivo();
+  editor_->SendScintilla(QsciScintilla::SCI_EMPTYUNDOBUFFER);
+  // Restored, not saved: the copy stays until the user saves or closes.
+  DefineModificado(true);
 }
 
 }  // namespace zv

@@ -7,12 +7,18 @@
 #include <array>
 #include <filesystem>
 #include <functional>
+#include <optional>
+#include <set>
 #include <string>
 
 #include "environment/documento.h"
 #include "environment/execucao.h"
+#include "environment/extras.h"
 
 class QAction;
+class QDockWidget;
+class QPushButton;
+class QTableWidget;
 class QLabel;
 class QLineEdit;
 class QTimer;
@@ -54,6 +60,19 @@ class JanelaCodigo : public QMainWindow {
   void ComEncerra();
   ControleExecucao& execucao() { return execucao_; }
 
+  // ---- Beyond the original, each switchable in the settings form ------------------
+  const Extras& extras() const { return extras_; }
+  void AplicaExtras(const Extras& e);
+  // Every code's breakpoints, as a run takes them: (code, line from 1).
+  std::set<std::pair<int32_t, int32_t>> PontosParada();
+  QDockWidget* painelVariaveis() const { return painel_; }
+  QTableWidget* tabelaVariaveis() const { return tabela_; }
+  QPushButton* irParaErro() const { return irErro_; }
+  // The recovery copy, written by a 30-second timer while the text is
+  // modified; at start, a copy left behind is offered back.
+  void GravaCopiaRecuperacao();
+  void OfereceRecuperacao();
+
   // ---- For tests and the help ------------------------------------------------------
   EditorCodigo* editor() const { return editor_; }
   QLineEdit* caixaNome() const { return nome_; }
@@ -84,6 +103,13 @@ class JanelaCodigo : public QMainWindow {
   void AvisaLeitura(Documento::Leitura r, const QString& caminho);
   void MostraCodigoAtivo();
   void AbreConfiguracoes();
+  void MontaExtras();
+  void EsqueceMarcas();
+  void Parou(TipoCaixa tipo, int codigo, int linha);
+  void Seguiu(TipoCaixa tipo);
+  void MostraVariaveis();
+  void RemoveRecuperacao();
+  QString NomeDoCodigo(int codigo) const;
 
   std::filesystem::path dirConfig_;
   Interacao& interacao_;
@@ -96,6 +122,15 @@ class JanelaCodigo : public QMainWindow {
   ControleExecucao execucao_;
   bool fecharDepois_ = false;
   bool carregando_ = false;  // the editor's text being set by the program, not typed
+
+  Extras extras_;
+  std::array<std::set<int>, 7> pontos_;       // each code's breakpoints, lines from 0
+  std::optional<std::pair<int, int>> erro_;   // code and line (from 0) of the last error
+  std::optional<std::pair<int, int>> passo_;  // where a step box stands now
+  QDockWidget* painel_ = nullptr;
+  QTableWidget* tabela_ = nullptr;
+  QPushButton* irErro_ = nullptr;
+  QTimer* recuperacao_ = nullptr;
 };
 
 }  // namespace zv

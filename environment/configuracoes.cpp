@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGridLayout>
+#include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -10,6 +11,7 @@
 #include <QVBoxLayout>
 
 #include "environment/editor_codigo.h"
+#include "environment/extras.h"
 #include "environment/interacao.h"
 #include "environment/mensagens.h"
 
@@ -53,6 +55,23 @@ FormConfig::FormConfig(const std::filesystem::path& dirConfig, Interacao& intera
   }
   auto* esquerda = new QVBoxLayout();
   esquerda->addLayout(cores);
+  // The environment's own additions, each one the user may turn off.
+  auto* grupo = new QGroupBox(Tr(m::kConfigExtras), this);
+  auto* g = new QVBoxLayout(grupo);
+  const Extras e = LeExtras(dirConfig_);
+  const std::pair<const char*, bool> extras[] = {{m::kExtraMarcaErro, e.marcaErro},
+                                                 {m::kExtraVariaveis, e.variaveis},
+                                                 {m::kExtraPontos, e.pontosParada},
+                                                 {m::kExtraRecuperacao, e.recuperacao}};
+  const char* nomes[] = {"ChkMarcaErro", "ChkVariaveis", "ChkPontosParada", "ChkRecuperacao"};
+  for (int i = 0; i < 4; ++i) {
+    auto* c = new QCheckBox(Tr(extras[i].first), grupo);
+    c->setObjectName(QString::fromLatin1(nomes[i]));
+    c->setChecked(extras[i].second);
+    extras_[static_cast<size_t>(i)] = c;
+    g->addWidget(c);
+  }
+  esquerda->addWidget(grupo);
   esquerda->addStretch();
   raiz->addLayout(esquerda);
 
@@ -136,6 +155,8 @@ void FormConfig::AplicaAmostra() {
 void FormConfig::Confirma() {
   PreferenciasAtivas() = Campos();
   GravaPreferencias(dirConfig_);
+  GravaExtras(dirConfig_, Extras{extras_[0]->isChecked(), extras_[1]->isChecked(), extras_[2]->isChecked(),
+                                 extras_[3]->isChecked()});
   accept();
 }
 

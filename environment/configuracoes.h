@@ -30,6 +30,8 @@ class FormConfig : public QDialog {
   QComboBox* fonte() const { return fonte_; }
   QComboBox* tamanho() const { return tamanho_; }
   QCheckBox* numeracao() const { return numeracao_; }
+  // The additions' switches: error mark, Variables panel, breakpoints, recovery.
+  QCheckBox* extra(int i) const { return extras_[static_cast<size_t>(i)]; }
   void Confirma();  // BtnOK
 
  private:
@@ -42,6 +44,7 @@ class FormConfig : public QDialog {
   QComboBox* fonte_;
   QComboBox* tamanho_;
   QCheckBox* numeracao_;
+  std::array<QCheckBox*, 4> extras_{};
   EditorCodigo* amostra_;
   QTimer* relogio_;
 };

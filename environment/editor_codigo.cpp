@@ -117,6 +117,18 @@ EditorCodigo::EditorCodigo(QWidget* pai) : QsciScintilla(pai) {
   setMarginWidth(1, 14);
   markerDefine(RightArrow, kMarcador);
   setMarkerBackgroundColor(QColor(70, 130, 220), kMarcador);
+  markerDefine(Circle, kPonto);
+  setMarkerBackgroundColor(QColor(210, 40, 40), kPonto);
+  setMarkerForegroundColor(QColor(150, 20, 20), kPonto);
+  markerDefine(RightTriangle, kErro);
+  setMarkerBackgroundColor(QColor(240, 120, 20), kErro);
+  setMarkerForegroundColor(QColor(160, 70, 0), kErro);
+  markerDefine(Background, kPasso);
+  setMarkerBackgroundColor(QColor(190, 215, 255), kPasso);
+  setMarginSensitivity(1, true);
+  connect(this, &QsciScintilla::marginClicked, this, [this](int margem, int linha, Qt::KeyboardModifiers) {
+    if (margem == 1 && pontosLigados) AlternaPonto(linha);
+  });
   setCaretLineVisible(true);
   setBraceMatching(SloppyBraceMatch);
   // The horizontal bar only when a line is wider than the view.
@@ -407,6 +419,44 @@ void PainelProcura::keyPressEvent(QKeyEvent* e) {
     return;
   }
   QWidget::keyPressEvent(e);
+}
+
+// ---- Marks -------------------------------------------------------------------------
+
+std::set<int> EditorCodigo::Pontos() const {
+  std::set<int> r;
+  auto* eu = const_cast<EditorCodigo*>(this);  // markerFindNext isn't const
+  for (int l = eu->markerFindNext(0, 1 << kPonto); l >= 0; l = eu->markerFindNext(l + 1, 1 << kPonto)) r.insert(l);
+  return r;
+}
+
+void EditorCodigo::DefinePontos(const std::set<int>& linhas) {
+  markerDeleteAll(kPonto);
+  for (int l : linhas)
+    if (l < lines()) markerAdd(l, kPonto);
+}
+
+void EditorCodigo::AlternaPonto(int linha) {
+  if (markersAtLine(linha) & (1 << kPonto))
+    markerDelete(linha, kPonto);
+  else
+    markerAdd(linha, kPonto);
+}
+
+int EditorCodigo::Primeira(int marca) const {
+  return const_cast<EditorCodigo*>(this)->markerFindNext(0, 1 << marca);
+}
+
+void EditorCodigo::MarcaUnica(int marca, int linha) {
+  markerDeleteAll(marca);
+  if (linha >= 0 && linha < lines()) markerAdd(linha, marca);
+}
+
+void EditorCodigo::MarcaErro(int linha) { MarcaUnica(kErro, linha); }
+
+void EditorCodigo::MarcaPasso(int linha) {
+  MarcaUnica(kPasso, linha);
+  if (linha >= 0) ensureLineVisible(linha);
 }
 
 }  // namespace zv

@@ -8,6 +8,8 @@
 
 #include <Qsci/qscilexercustom.h>
 #include <Qsci/qsciscintilla.h>
+#include <functional>
+#include <set>
 
 #include "environment/palavras.h"
 
@@ -62,6 +64,18 @@ class EditorCodigo : public QsciScintilla {
   void AlternaMarcador();
   void ProximoMarcador(bool paraTras);
   PainelProcura* Painel() const { return painel_; }
+
+  // The environment's marks beside the text. Breakpoints toggle by a click
+  // in the symbol margin while `pontosLigados`; the other two are set by
+  // the main window as a run stops.
+  bool pontosLigados = true;
+  std::set<int> Pontos() const;  // lines from 0
+  void DefinePontos(const std::set<int>& linhas);
+  void AlternaPonto(int linha);
+  void MarcaErro(int linha);      // -1 clears
+  void MarcaPasso(int linha);     // -1 clears
+  int LinhaErro() const { return Primeira(kErro); }
+  int LinhaPasso() const { return Primeira(kPasso); }
   // The one notice the editor control gives its owner besides changes: Esc.
   std::function<void()> aoEsc;
 
@@ -74,7 +88,12 @@ class EditorCodigo : public QsciScintilla {
   LexicoZarvolt* lexico_;
   PainelProcura* painel_;
   bool numeracao_ = true;
+  int Primeira(int marca) const;
+  void MarcaUnica(int marca, int linha);
   static constexpr int kMarcador = 1;
+  static constexpr int kPonto = 2;
+  static constexpr int kErro = 3;
+  static constexpr int kPasso = 4;
 };
 
 // The find bar at the foot of the editor: find as you type, match case,

@@ -52,6 +52,14 @@ void ControleExecucao::Roda(const Pedido& p) {
   Lancador lancador(host, pedido, p.fonte);
   Interpretador& zv = lancador.interpretador();
   host.Liga(&zv);
+  zv.pontosParada = pontosParada;
+  auto parada = [](const Caixa& c) { return c.tipo == TipoCaixa::Passo || c.tipo == TipoCaixa::Erro; };
+  host.antesDaCaixa = [this, &zv, parada](const Caixa& c) {
+    if (parada(c) && aoParar) aoParar(c.tipo, zv.editorAtual, zv.linhaAtual);
+  };
+  host.depoisDaCaixa = [this, parada](const Caixa& c, Resposta) {
+    if (parada(c) && aoSeguir) aoSeguir(c.tipo);
+  };
   zv_ = &zv;
   Muda(p.depurar ? Estado::Depurando : Estado::Executando);
   try {

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,12 @@ class ControleExecucao {
   // Told of every change of state, and when a run ends (the main window
   // shows itself again there).
   std::function<void(Estado)> aoMudar;
+  // Breakpoints for the next run, as (code, line from 1).
+  std::set<std::pair<int32_t, int32_t>> pontosParada;
+  // Told when a step box or a run-time error box is about to show, with the
+  // code and line (from 1) it names, and when it has been answered.
+  std::function<void(TipoCaixa, int32_t codigo, int32_t linha)> aoParar;
+  std::function<void(TipoCaixa)> aoSeguir;
 
   // Executa, or Depura with `depurar`: starts a run, or, during one, ends it
   // and starts again once it has unwound. Returns when no run is left to do.

@@ -128,4 +128,25 @@ inline constexpr char kMimeComentario[] = "Zarvolt source code";
 inline constexpr char kEntradaComentario[] = "Write, run and debug Zarvolt programs";
 inline constexpr char kAssociacaoFalhou[] = "The .Zvc files could not be associated with Zarvolt: %s\n";
 
+// ---- Additions: error mark, Variables panel, breakpoints, recovery copy ----------
+inline constexpr char kMenuVer[] = "&View";
+inline constexpr char kMenuVariaveis[] = "Variables";
+inline constexpr char kVariaveisTitulo[] = "Variables";
+inline constexpr char kColunaNome[] = "Name";
+inline constexpr char kColunaTipo[] = "Type";
+inline constexpr char kColunaValor[] = "Value";
+inline constexpr char kVariaveisEm[] = "Stopped in %1, line %2";
+inline constexpr char kValores[] = "%1 values: %2";
+inline constexpr char kIrParaErro[] = "Error in %1, line %2 \u2014 go there";
+inline constexpr char kParadoEm[] = "Step: %1, line %2";
+inline constexpr char kRecuperar[] =
+    "Zarvolt did not close properly last time. Restore the unsaved texts of %1, copied at %2?";
+inline constexpr char kRecuperacaoDanificada[] = "The recovery copy %1 is damaged and was not used; it was kept as %2.";
+inline constexpr char kRecuperacaoNaoGravada[] = "The recovery copy could not be written: %1";
+inline constexpr char kConfigExtras[] = "Additions";
+inline constexpr char kExtraMarcaErro[] = "Mark the line of a run-time error";
+inline constexpr char kExtraVariaveis[] = "Variables panel (View menu)";
+inline constexpr char kExtraPontos[] = "Breakpoints: a click in the margin";
+inline constexpr char kExtraRecuperacao[] = "Recovery copy of unsaved texts every 30 seconds";
+
 }  // namespace zv::msg::ambiente

@@ -80,9 +80,11 @@ void HostJanela::ParaTimer(int id) {
 }
 
 Resposta HostJanela::MostraCaixa(const Caixa& caixa) {
-  if (modo_ == Modo::SemTela) return HostConsole::MostraCaixa(caixa);
+  if (antesDaCaixa) antesDaCaixa(caixa);
   // The box runs its own loop: a pump point, where timers may fire.
-  return Modulo().MostraCaixa(caixa);
+  Resposta r = modo_ == Modo::SemTela ? HostConsole::MostraCaixa(caixa) : Modulo().MostraCaixa(caixa);
+  if (depoisDaCaixa) depoisDaCaixa(caixa, r);
+  return r;
 }
 
 void HostJanela::Bombeia() {

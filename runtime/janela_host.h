@@ -61,6 +61,10 @@ class HostJanela : public HostConsole {
   // the tear-down follows; `antesDoFim` runs first, once, in either case.
   void Termina();
   std::function<void()> antesDoFim;
+  // Told of every box before it shows and once it is answered: the
+  // environment marks the line a step or an error box names.
+  std::function<void(const Caixa&)> antesDaCaixa;
+  std::function<void(const Caixa&, Resposta)> depoisDaCaixa;
 
  private:
   struct Timer {

@@ -58,6 +58,8 @@ int main(int argc, char** argv) {
         });
         janela->show();
         if (!arquivo.isEmpty()) janela->AbreDaLinhaDeComando(arquivo);
+        // A copy left by a crash is offered last: restoring it replaces the file opened.
+        janela->OfereceRecuperacao();
       },
       [](const QString& aviso) { std::fprintf(stderr, "zarvolt: %s\n", aviso.toLocal8Bit().constData()); });
   apresenta.show();

@@ -264,6 +264,45 @@ TEST(Limites, DoublingTextIsStoppedWithABox) {
   EXPECT_EQ(zv.LeVariavel(u"s").s.size(), size_t{1} << 24);
 }
 
+// Breakpoints: a plain run shows the step box at each marked line it
+// reaches, in the main code and in a routine of a code tab alike; its
+// Cancel ends only the walk it stopped.
+TEST(PontosParada, APlainRunStepsAtMarkedLinesOnly) {
+  struct Passos : HostConsole {
+    std::vector<Texto> textos;
+    int cancelaNo = -1;
+    Resposta MostraCaixa(const Caixa& c) override {
+      if (c.tipo != TipoCaixa::Passo) return Resposta::OK;
+      textos.push_back(c.texto);
+      return static_cast<int>(textos.size()) == cancelaNo ? Resposta::Cancel : Resposta::OK;
+    }
+  };
+  auto roda = [](Passos& host, bool comPontos) {
+    Interpretador zv(host);
+    zv.fonte.textos[0] = u"Var n Integer, t Integer\r\nWhile n < 3\r\n  n++\r\n  Conta()\r\nLoop";
+    zv.fonte.nomes[0] = u"Tools";
+    zv.fonte.textos[1] = u"Sub Conta()\r\n  t++\r\nEndSub";
+    if (comPontos) zv.pontosParada = {{0, 3}, {1, 2}};
+    zv.Executa();
+    return std::pair{zv.LeVariavel(u"n").i, zv.LeVariavel(u"t").i};
+  };
+  Passos semPontos;
+  EXPECT_EQ(roda(semPontos, false), (std::pair{3, 3}));
+  EXPECT_TRUE(semPontos.textos.empty());
+
+  Passos todos;
+  EXPECT_EQ(roda(todos, true), (std::pair{3, 3}));
+  ASSERT_EQ(todos.textos.size(), 6u);
+  EXPECT_EQ(todos.textos[0].substr(0, 18), u"Editor: 0\rLine: 3\r");
+  EXPECT_EQ(todos.textos[1].substr(0, 18), u"Editor: 1\rLine: 2\r");
+
+  // Cancel in the routine: that call's walk ends, the loop goes on.
+  Passos cancela;
+  cancela.cancelaNo = 2;
+  EXPECT_EQ(roda(cancela, true), (std::pair{3, 2}));
+  EXPECT_EQ(cancela.textos.size(), 6u);
+}
+
 TEST(Fonte, DocumentRoundTrip) {
   FontePrograma f;
   f.textos[0] = u"A=1";

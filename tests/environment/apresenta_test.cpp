@@ -126,7 +126,7 @@ TEST(Associacao, TheDesktopEntryAndMimeTypeAreWrittenOnceKeyedByTheSetting) {
   EXPECT_NE(entrada.find("Exec=\"" + exe.string() + "\" %f"), std::string::npos) << entrada;
   EXPECT_NE(entrada.find(std::string("MimeType=") + kTipoMime + ";"), std::string::npos);
   const std::string mime = LeTudo(dados / "mime" / "packages" / "zarvolt.xml");
-  EXPECT_NE(mime.find("*.Zvc"), std::string::npos);
+  EXPECT_NE(mime.find("pattern=\"*.zvc\""), std::string::npos) << mime;
   EXPECT_TRUE(fs::exists(dados / "icons" / "hicolor" / "128x128" / "apps" / "zarvolt.png"));
 
   struct Ninguem : Interacao {

@@ -7,15 +7,23 @@
 #include <QAction>
 #include <QApplication>
 #include <QLineEdit>
+#include <QCheckBox>
+#include <QDockWidget>
 #include <QPrinter>
+#include <QPushButton>
+#include <QTableWidget>
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
 #include <deque>
 #include <filesystem>
 #include <fstream>
+#include <map>
+#include <set>
 
 #include "environment/codigo.h"
+#include "environment/configuracoes.h"
+#include "environment/extras.h"
 #include "environment/editor_codigo.h"
 #include "environment/interacao.h"
 #include "environment/settings/armazem_config.h"
@@ -242,6 +250,159 @@ TEST_F(Ambiente, F5DuringARunStartsItAgainAndBreakEndsIt) {
   EXPECT_EQ(janela->execucao().RunsTerminados(), 2);
   EXPECT_FALSE(janela->execucao().Rodando());
   EXPECT_EQ(janela->Etiqueta("BtnExecutar"), QString());
+}
+
+// ---- The additions -----------------------------------------------------------------
+
+TEST_F(Ambiente, BreakpointsFollowTheirCodeAndStopAPlainRun) {
+  janela->editor()->setText(QStringLiteral("Var n Integer\r\nn = 1\r\nn = 2\r\nConta()"));
+  janela->editor()->AlternaPonto(2);
+  QTest::mouseClick(janela->botaoCodigo(1), Qt::LeftButton);
+  janela->caixaNome()->setText(QStringLiteral("Tools"));
+  janela->documento.fonte.nomes[0] = u"Tools";
+  janela->editor()->setText(QStringLiteral("Sub Conta()\r\n  n = 3\r\nEndSub"));
+  janela->editor()->AlternaPonto(1);
+  janela->editor()->AlternaPonto(0);
+  janela->editor()->AlternaPonto(0);  // twice: off again
+  QTest::mouseClick(janela->botaoCodigo(0), Qt::LeftButton);
+  EXPECT_EQ(janela->editor()->Pontos(), (std::set<int>{2}));
+  EXPECT_EQ(janela->PontosParada(), (std::set<std::pair<int32_t, int32_t>>{{0, 3}, {1, 2}}));
+
+  janela->DefineModificado(false);
+  janela->execucao().respostas = {"OK", "OK"};
+  janela->Executa();
+  const std::string s = Saida();
+  EXPECT_NE(s.find("Editor: 0\\rLine: 3"), std::string::npos) << s;
+  EXPECT_NE(s.find("Editor: 1\\rLine: 2"), std::string::npos) << s;
+  // The step line's mark went with its box.
+  EXPECT_EQ(janela->editor()->LinhaPasso(), -1);
+
+  // Switched off in the settings: the marks go, and a run steps nowhere.
+  Extras e = janela->extras();
+  e.pontosParada = false;
+  janela->AplicaExtras(e);
+  EXPECT_TRUE(janela->editor()->Pontos().empty());
+  EXPECT_TRUE(janela->PontosParada().empty());
+  janela->editor()->AlternaPonto(0);
+  QTest::mouseClick(janela->botaoCodigo(1), Qt::LeftButton);
+  QTest::mouseClick(janela->botaoCodigo(0), Qt::LeftButton);
+  EXPECT_TRUE(janela->PontosParada().empty());
+}
+
+TEST_F(Ambiente, AnErrorMarksItsLineAndTheStatusBarLeadsThere) {
+  janela->editor()->setText(QStringLiteral("Quebra()"));
+  QTest::mouseClick(janela->botaoCodigo(1), Qt::LeftButton);
+  janela->caixaNome()->setText(QStringLiteral("Tools"));
+  janela->documento.fonte.nomes[0] = u"Tools";
+  janela->editor()->setText(QStringLiteral("Sub Quebra()\r\n  Ninguem = 1\r\nEndSub"));
+  QTest::mouseClick(janela->botaoCodigo(0), Qt::LeftButton);
+  janela->editor()->setCursorPosition(0, 3);
+  janela->DefineModificado(false);
+  janela->execucao().respostas = {"OK"};
+  janela->Executa();
+  ASSERT_NE(Saida().find("\"box\":\"error\""), std::string::npos) << Saida();
+  EXPECT_FALSE(janela->irParaErro()->isHidden());
+  EXPECT_EQ(janela->irParaErro()->text(), QString::fromUtf8("Error in Tools, line 2 \u2014 go there"));
+  // The caret stays; the other code's margin has the mark, shown with it.
+  int linha = -1, coluna = -1;
+  janela->editor()->getCursorPosition(&linha, &coluna);
+  EXPECT_EQ(std::pair(linha, coluna), std::pair(0, 3));
+  EXPECT_EQ(janela->editor()->LinhaErro(), -1);
+  QTest::mouseClick(janela->irParaErro(), Qt::LeftButton);
+  EXPECT_EQ(janela->documento.codigoAtivo, 1);
+  EXPECT_EQ(janela->editor()->LinhaErro(), 1);
+  janela->editor()->getCursorPosition(&linha, &coluna);
+  EXPECT_EQ(linha, 1);
+
+  // The next run starts clean.
+  janela->execucao().respostas = {"OK"};
+  janela->editor()->setText(QStringLiteral("Sub Quebra()\r\nEndSub"));
+  janela->Executa();
+  EXPECT_TRUE(janela->irParaErro()->isHidden());
+  EXPECT_EQ(janela->editor()->LinhaErro(), -1);
+}
+
+TEST_F(Ambiente, TheVariablesPanelShowsTheRunWhereItStopped) {
+  EXPECT_FALSE(janela->painelVariaveis()->isVisible());
+  janela->painelVariaveis()->show();
+  janela->editor()->setText(
+      QStringLiteral("Var n Integer, s String, v(3) Decimal\r\nn = 3\r\ns = \"hi\"\r\nv(2) = 1.5\r\nn = 4"));
+  janela->editor()->AlternaPonto(4);
+  janela->DefineModificado(false);
+  janela->execucao().respostas = {"OK"};
+  janela->Executa();
+  QTableWidget* t = janela->tabelaVariaveis();
+  std::map<QString, QString> valores, tipos;
+  for (int i = 0; i < t->rowCount(); ++i) {
+    valores[t->item(i, 0)->text()] = t->item(i, 2)->text();
+    tipos[t->item(i, 0)->text()] = t->item(i, 1)->text();
+  }
+  // Names as the language keeps them, in capitals.
+  EXPECT_EQ(valores[QStringLiteral("N")], QStringLiteral("3"));  // before line 5 ran
+  EXPECT_EQ(valores[QStringLiteral("S")], QStringLiteral("\"hi\""));
+  EXPECT_EQ(tipos[QStringLiteral("N")], QStringLiteral("Integer"));
+  EXPECT_EQ(valores[QStringLiteral("V")], QStringLiteral("3 values: 0, 0, 1.5"));
+
+  Extras e = janela->extras();
+  e.variaveis = false;
+  janela->AplicaExtras(e);
+  EXPECT_FALSE(janela->painelVariaveis()->isVisible());
+  EXPECT_FALSE(janela->acao("MenuVariaveis")->isEnabled());
+}
+
+TEST_F(Ambiente, TheRecoveryCopyComesBackAfterACrashAndGoesOnSave) {
+  const fs::path copia = pasta / "zv.recovery";
+  Digita(QStringLiteral("Write 1"));
+  QTest::mouseClick(janela->botaoCodigo(3), Qt::LeftButton);
+  Digita(QStringLiteral("Sub T"));
+  janela->GravaCopiaRecuperacao();
+  ASSERT_TRUE(fs::exists(copia));
+  // The crash: the window goes without its close.
+  janela->hide();
+  Pessoa outra;
+  outra.sim = {true};
+  JanelaCodigo nova(pasta, outra);
+  nova.OfereceRecuperacao();
+  ASSERT_EQ(outra.perguntas.size(), 1);
+  EXPECT_TRUE(outra.perguntas[0].contains(QStringLiteral("New.Zvc")));
+  EXPECT_EQ(nova.editor()->text(), QStringLiteral("Write 1"));
+  EXPECT_EQ(nova.documento.fonte.textos[1], u"Sub T");  // slot 3 comes back as 1
+  EXPECT_TRUE(nova.EstaModificado());
+  EXPECT_TRUE(fs::exists(copia));
+  outra.arquivos.push_back(QString::fromStdString(Arquivo("kept.Zvc")));
+  nova.Salva();
+  EXPECT_FALSE(fs::exists(copia));
+  EXPECT_EQ(Le(pasta / "kept.Zvc"), "#ZV7#Write 1#%#&Sub T#%");
+
+  // Nothing modified: nothing copied. A damaged copy is set aside, not used.
+  nova.GravaCopiaRecuperacao();
+  EXPECT_FALSE(fs::exists(copia));
+  std::ofstream(copia, std::ios::binary) << "#ZV7#not a copy";
+  nova.OfereceRecuperacao();
+  EXPECT_FALSE(fs::exists(copia));
+  EXPECT_TRUE(fs::exists(pasta / "zv.recovery.damaged"));
+  EXPECT_EQ(outra.perguntas.size(), 1);
+
+  // Turned off: no copy, and the timer's call writes none.
+  Extras e = nova.extras();
+  e.recuperacao = false;
+  nova.AplicaExtras(e);
+  nova.editor()->setText(QStringLiteral("Write 2"));
+  nova.GravaCopiaRecuperacao();
+  EXPECT_FALSE(fs::exists(copia));
+}
+
+TEST_F(Ambiente, TheSettingsFormSwitchesTheAdditions) {
+  FormConfig form(pasta, pessoa);
+  for (int i = 0; i < 4; ++i) EXPECT_TRUE(form.extra(i)->isChecked());
+  form.extra(1)->setChecked(false);
+  form.extra(3)->setChecked(false);
+  form.Confirma();
+  Extras e = LeExtras(pasta);
+  EXPECT_TRUE(e.marcaErro);
+  EXPECT_FALSE(e.variaveis);
+  EXPECT_TRUE(e.pontosParada);
+  EXPECT_FALSE(e.recuperacao);
 }
 
 TEST_F(Ambiente, ApiLibraryAnywhereSetsUsaApi) {
