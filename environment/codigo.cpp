@@ -35,6 +35,7 @@
 
 #include "core/texto.h"
 #include "core/variaveis.h"
+#include "runtime/headless_host.h"
 #include "environment/configuracoes.h"
 #include "environment/editor_codigo.h"
 #include "environment/interacao.h"
@@ -362,6 +363,8 @@ void JanelaCodigo::MostraEstado(ControleExecucao::Estado e) {
   DefineEtiqueta(acao("BtnDepurar"), e != E::Depurando);
   barraEstado_->setText(e == E::Parado ? QString() : Tr(e == E::Depurando ? m::kDepurando : m::kExecutando));
   if (e == E::Parado) {
+    // What the run's windows covered is painted again now, not at the next event.
+    editor_->viewport()->update();
     show();
     raise();
     activateWindow();
@@ -622,14 +625,26 @@ void JanelaCodigo::closeEvent(QCloseEvent* e) {
 void JanelaCodigo::MontaExtras() {
   painel_ = new QDockWidget(Tr(m::kVariaveisTitulo), this);
   painel_->setObjectName(QStringLiteral("PainelVariaveis"));
-  tabela_ = new QTableWidget(0, 3, painel_);
+  auto* corpo = new QWidget(painel_);
+  auto* v = new QVBoxLayout(corpo);
+  v->setContentsMargins(2, 2, 2, 2);
+  ondeParou_ = new QLabel(corpo);
+  ondeParou_->setObjectName(QStringLiteral("OndeParou"));
+  ondeParou_->setText(Tr(m::kVariaveisQuando));
+  ondeParou_->setWordWrap(true);
+  v->addWidget(ondeParou_);
+  tabela_ = new QTableWidget(0, 3, corpo);
+  v->addWidget(tabela_, 1);
   tabela_->setObjectName(QStringLiteral("TabelaVariaveis"));
   tabela_->setHorizontalHeaderLabels({Tr(m::kColunaNome), Tr(m::kColunaTipo), Tr(m::kColunaValor)});
   tabela_->horizontalHeader()->setStretchLastSection(true);
   tabela_->verticalHeader()->hide();
   tabela_->setEditTriggers(QAbstractItemView::NoEditTriggers);
   tabela_->setSelectionBehavior(QAbstractItemView::SelectRows);
-  painel_->setWidget(tabela_);
+  tabela_->setWordWrap(false);
+  tabela_->verticalHeader()->setDefaultSectionSize(tabela_->fontMetrics().height() + 6);
+  painel_->setWidget(corpo);
+  painel_->setMinimumWidth(320);
   addDockWidget(Qt::RightDockWidgetArea, painel_);
   painel_->hide();
   QAction* ver = painel_->toggleViewAction();
@@ -719,6 +734,22 @@ void JanelaCodigo::Seguiu(TipoCaixa tipo) {
 
 namespace {
 
+// The names every run declares before the program's first line, learnt once
+// from an interpreter of our own.
+const std::set<Texto>& VariaveisPredeclaradas() {
+  static const std::set<Texto> nomes = [] {
+    HostConsole host(nullptr);
+    host.mudo = true;
+    Interpretador zv(host);
+    zv.DeclaraSistema();
+    std::set<Texto> r;
+    for (int t = 0; t < 3; ++t)
+      for (const EntradaVariavel& e : zv.variaveis.Diretorio(static_cast<TipoVariavel>(t))) r.insert(e.nome);
+    return r;
+  }();
+  return nomes;
+}
+
 QString ValorParaMostrar(const Variaveis& v, TipoVariavel tipo, size_t k) {
   if (tipo == TipoVariavel::String) {
     QString t = Q(v.textos[k]);
@@ -736,6 +767,7 @@ void JanelaCodigo::MostraVariaveis() {
   if (!zv || !extras_.variaveis) return;
   struct Linha {
     QString nome, tipo, valor;
+    bool sistema = false;
   };
   std::vector<Linha> linhas;
   const Variaveis& v = zv->variaveis;
@@ -752,22 +784,29 @@ void JanelaCodigo::MostraVariaveis() {
         if (e.tamanho > 10) partes << QString(QChar(0x2026));
         valor = Tr(m::kValores).arg(e.tamanho).arg(partes.join(QStringLiteral(", ")));
       }
-      linhas.push_back({Q(e.nome), Q(NomeTipo(tipo)), valor});
+      linhas.push_back({Q(e.nome), Q(NomeTipo(tipo)), valor, false});
     }
   }
-  std::sort(linhas.begin(), linhas.end(),
-            [](const Linha& a, const Linha& b) { return a.nome.compare(b.nome, Qt::CaseInsensitive) < 0; });
+  // The program's own variables first, then the predeclared ones, greyed.
+  const std::set<Texto>& sistema = VariaveisPredeclaradas();
+  for (Linha& l : linhas) l.sistema = sistema.count(T(l.nome)) > 0;
+  std::sort(linhas.begin(), linhas.end(), [](const Linha& a, const Linha& b) {
+    if (a.sistema != b.sistema) return b.sistema;
+    return a.nome.compare(b.nome, Qt::CaseInsensitive) < 0;
+  });
   tabela_->setRowCount(static_cast<int>(linhas.size()));
   for (int i = 0; i < static_cast<int>(linhas.size()); ++i) {
     const Linha& l = linhas[static_cast<size_t>(i)];
-    tabela_->setItem(i, 0, new QTableWidgetItem(l.nome));
-    tabela_->setItem(i, 1, new QTableWidgetItem(l.tipo));
-    tabela_->setItem(i, 2, new QTableWidgetItem(l.valor));
+    int c = 0;
+    for (const QString& texto : {l.nome, l.tipo, l.valor}) {
+      auto* item = new QTableWidgetItem(texto);
+      if (l.sistema) item->setForeground(palette().color(QPalette::Disabled, QPalette::Text));
+      tabela_->setItem(i, c++, item);
+    }
   }
   tabela_->resizeColumnToContents(0);
   tabela_->resizeColumnToContents(1);
-  painel_->setWindowTitle(Tr(m::kVariaveisTitulo) + QStringLiteral(" \u2014 ") +
-                          Tr(m::kVariaveisEm).arg(NomeDoCodigo(zv->editorAtual)).arg(zv->linhaAtual));
+  ondeParou_->setText(Tr(m::kVariaveisEm).arg(NomeDoCodigo(zv->editorAtual)).arg(zv->linhaAtual));
 }
 
 void JanelaCodigo::GravaCopiaRecuperacao() {

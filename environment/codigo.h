@@ -129,6 +129,7 @@ class JanelaCodigo : public QMainWindow {
   std::optional<std::pair<int, int>> passo_;  // where a step box stands now
   QDockWidget* painel_ = nullptr;
   QTableWidget* tabela_ = nullptr;
+  QLabel* ondeParou_ = nullptr;
   QPushButton* irErro_ = nullptr;
   QTimer* recuperacao_ = nullptr;
 };

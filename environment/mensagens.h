@@ -135,6 +135,7 @@ inline constexpr char kVariaveisTitulo[] = "Variables";
 inline constexpr char kColunaNome[] = "Name";
 inline constexpr char kColunaTipo[] = "Type";
 inline constexpr char kColunaValor[] = "Value";
+inline constexpr char kVariaveisQuando[] = "Filled when a run stops in a step box, at a breakpoint or in an error box.";
 inline constexpr char kVariaveisEm[] = "Stopped in %1, line %2";
 inline constexpr char kValores[] = "%1 values: %2";
 inline constexpr char kIrParaErro[] = "Error in %1, line %2 \u2014 go there";
