@@ -252,6 +252,18 @@ TEST_F(Ambiente, F5DuringARunStartsItAgainAndBreakEndsIt) {
   EXPECT_EQ(janela->Etiqueta("BtnExecutar"), QString());
 }
 
+TEST_F(Ambiente, AProgramThatFailsToPrepareSaysWhyAndTheToolBarComesBack) {
+  janela->editor()->setText(QStringLiteral("If 1 = 1\r\nWrite \"no end\""));
+  janela->DefineModificado(false);
+  janela->execucao().respostas = {"OK"};
+  janela->Executa();
+  EXPECT_NE(Saida().find("If statement without their EndIf!"), std::string::npos) << Saida();
+  EXPECT_EQ(Saida().find("no end"), std::string::npos);
+  EXPECT_FALSE(janela->execucao().Rodando());
+  EXPECT_EQ(janela->Etiqueta("BtnExecutar"), QString());
+  EXPECT_EQ(janela->Etiqueta("BtnStop"), QStringLiteral("INATIVO"));
+}
+
 // ---- The additions -----------------------------------------------------------------
 
 TEST_F(Ambiente, BreakpointsFollowTheirCodeAndStopAPlainRun) {
