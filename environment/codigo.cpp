@@ -33,6 +33,7 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include "core/mensagens.h"
 #include "core/texto.h"
 #include "core/variaveis.h"
 #include "runtime/headless_host.h"
@@ -92,6 +93,21 @@ JanelaCodigo::JanelaCodigo(const fs::path& dirConfig, Interacao& interacao, QWid
     editor_->setFocus();
   });
   statusBar()->addPermanentWidget(irErro_);
+  paginaErro_ = new QPushButton(this);
+  paginaErro_->setObjectName(QStringLiteral("PaginaDoErro"));
+  paginaErro_->setFlat(true);
+  paginaErro_->setCursor(Qt::PointingHandCursor);
+  paginaErro_->setStyleSheet(QStringLiteral("color:#2050b0;text-decoration:underline"));
+  paginaErro_->hide();
+  connect(paginaErro_, &QPushButton::clicked, this, [this] { ajuda_->PalavraNoEditor(comandoErro_); });
+  statusBar()->addPermanentWidget(paginaErro_);
+  ajuda_ = std::make_unique<Ajuda>(dirConfig_, interacao_);
+  abreAjuda = [this](const QString& palavra) {
+    if (palavra.isEmpty())
+      ajuda_->MostraIndice();
+    else
+      ajuda_->PalavraNoEditor(palavra);
+  };
   statusBar()->addPermanentWidget(barraEstado_);
 
   editor_->AplicaPreferencias(PreferenciasAtivas());
@@ -105,7 +121,9 @@ JanelaCodigo::JanelaCodigo(const fs::path& dirConfig, Interacao& interacao, QWid
 
   execucao_.dirConfig = dirConfig_;
   execucao_.aoMudar = [this](ControleExecucao::Estado e) { MostraEstado(e); };
-  execucao_.aoParar = [this](TipoCaixa t, int codigo, int linha) { Parou(t, codigo, linha); };
+  execucao_.aoParar = [this](TipoCaixa t, int codigo, int linha, const Texto& texto) {
+    Parou(t, codigo, linha, texto);
+  };
   execucao_.aoSeguir = [this](TipoCaixa t) { Seguiu(t); };
   MontaExtras();
 
@@ -570,6 +588,7 @@ void JanelaCodigo::Executa() {
   erro_.reset();
   editor_->MarcaErro(-1);
   irErro_->hide();
+  paginaErro_->hide();
   execucao_.pontosParada = PontosParada();
   execucao_.Executa(documento.fonte, CaminhoAtual().string(), false);
 }
@@ -709,8 +728,21 @@ QString JanelaCodigo::NomeDoCodigo(int codigo) const {
   return nome.isEmpty() ? Tr(m::kExtensao).arg(codigo) : nome;
 }
 
-void JanelaCodigo::Parou(TipoCaixa tipo, int codigo, int linha) {
+void JanelaCodigo::Parou(TipoCaixa tipo, int codigo, int linha, const Texto& texto) {
   const int l = linha - 1;
+  if (tipo == TipoCaixa::Erro) {
+    // "Error in command Round(x ...": that command's page, where it has one.
+    const QString t = Q(texto);
+    const QString marca = QString::fromStdU16String(msg::kErroEmComando);
+    qsizetype p = t.indexOf(marca);
+    QString palavra;
+    if (p >= 0)
+      for (qsizetype k = p + marca.size(); k < t.size() && (t[k].isLetterOrNumber() || t[k] == QLatin1Char('_')); ++k)
+        palavra += t[k];
+    comandoErro_ = palavra;
+    paginaErro_->setVisible(!palavra.isEmpty() && ajuda_->TemPagina(palavra));
+    paginaErro_->setText(Tr(m::kPaginaDoComando).arg(palavra));
+  }
   if (tipo == TipoCaixa::Erro && extras_.marcaErro && linha > 0) {
     // The mark and a way there; the caret stays where the user left it.
     erro_ = {codigo, l};

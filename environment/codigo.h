@@ -7,10 +7,12 @@
 #include <array>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
 
+#include "environment/ajuda.h"
 #include "environment/documento.h"
 #include "environment/execucao.h"
 #include "environment/extras.h"
@@ -68,6 +70,8 @@ class JanelaCodigo : public QMainWindow {
   QDockWidget* painelVariaveis() const { return painel_; }
   QTableWidget* tabelaVariaveis() const { return tabela_; }
   QPushButton* irParaErro() const { return irErro_; }
+  QPushButton* paginaDoErro() const { return paginaErro_; }
+  Ajuda& ajuda() { return *ajuda_; }
   // The recovery copy, written by a 30-second timer while the text is
   // modified; at start, a copy left behind is offered back.
   void GravaCopiaRecuperacao();
@@ -105,7 +109,7 @@ class JanelaCodigo : public QMainWindow {
   void AbreConfiguracoes();
   void MontaExtras();
   void EsqueceMarcas();
-  void Parou(TipoCaixa tipo, int codigo, int linha);
+  void Parou(TipoCaixa tipo, int codigo, int linha, const Texto& texto);
   void Seguiu(TipoCaixa tipo);
   void MostraVariaveis();
   void RemoveRecuperacao();
@@ -131,6 +135,9 @@ class JanelaCodigo : public QMainWindow {
   QTableWidget* tabela_ = nullptr;
   QLabel* ondeParou_ = nullptr;
   QPushButton* irErro_ = nullptr;
+  QPushButton* paginaErro_ = nullptr;  // the page of the command an error names
+  QString comandoErro_;
+  std::unique_ptr<Ajuda> ajuda_;
   QTimer* recuperacao_ = nullptr;
 };
 

@@ -55,7 +55,7 @@ void ControleExecucao::Roda(const Pedido& p) {
   zv.pontosParada = pontosParada;
   auto parada = [](const Caixa& c) { return c.tipo == TipoCaixa::Passo || c.tipo == TipoCaixa::Erro; };
   host.antesDaCaixa = [this, &zv, parada](const Caixa& c) {
-    if (parada(c) && aoParar) aoParar(c.tipo, zv.editorAtual, zv.linhaAtual);
+    if (parada(c) && aoParar) aoParar(c.tipo, zv.editorAtual, zv.linhaAtual, c.texto);
   };
   host.depoisDaCaixa = [this, parada](const Caixa& c, Resposta) {
     if (parada(c) && aoSeguir) aoSeguir(c.tipo);

@@ -39,8 +39,8 @@ class ControleExecucao {
   // Breakpoints for the next run, as (code, line from 1).
   std::set<std::pair<int32_t, int32_t>> pontosParada;
   // Told when a step box or a run-time error box is about to show, with the
-  // code and line (from 1) it names, and when it has been answered.
-  std::function<void(TipoCaixa, int32_t codigo, int32_t linha)> aoParar;
+  // code and line (from 1) it names and its text, and when it has been answered.
+  std::function<void(TipoCaixa, int32_t codigo, int32_t linha, const Texto& texto)> aoParar;
   std::function<void(TipoCaixa)> aoSeguir;
 
   // Executa, or Depura with `depurar`: starts a run, or, during one, ends it

@@ -150,4 +150,21 @@ inline constexpr char kExtraVariaveis[] = "Variables panel (View menu)";
 inline constexpr char kExtraPontos[] = "Breakpoints: a click in the margin";
 inline constexpr char kExtraRecuperacao[] = "Recovery copy of unsaved texts every 30 seconds";
 
+// ---- The help: the index Ajuda and the reader Intro ------------------------------
+inline constexpr char kAjudaTitulo[] = "Zarvolt - Help";
+inline constexpr char kIntroTitulo[] = "Introduction to Zarvolt";
+inline constexpr char kAjudaProcure[] = "Type the first few letters of the command to seek";
+inline constexpr char kAjudaExibir[] = "Show";
+inline constexpr char kAjudaSair[] = "Close";
+inline constexpr char kAjudaCurso[] = "Zarvolt tutorial for beginners";
+inline constexpr char kAjudaLivro[] = "Introduction to Zarvolt: from an empty program to a window";
+inline constexpr char kIntroF9[] = "F9 - Find word";
+inline constexpr char kIntroF3[] = "F3 - Find next";
+inline constexpr char kIntroFrase[] = "Find word or phrase";
+inline constexpr char kIntroCancelar[] = "Cancel";
+inline constexpr char kSemMaisOcorrencias[] = "No more occurrences of this text!";
+inline constexpr char kTextoNaoEncontrado[] = "Text not found!";
+// Beyond the original: an error in a command leads to its page.
+inline constexpr char kPaginaDoComando[] = "Help on %1";
+
 }  // namespace zv::msg::ambiente
