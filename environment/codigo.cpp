@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <QApplication>
+#include <QClipboard>
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QDesktopServices>
 #include <QDialog>
 #include <QDialogButtonBox>
@@ -532,6 +534,18 @@ void JanelaCodigo::Salvar(bool abrir) {
   GravaPreferencias(dirConfig_);
   documento.nomeAtual = Q(arquivo).trimmed().toStdU16String();
   BarraInfPrograma(Q(documento.nomeAtual));
+}
+
+void JanelaCodigo::ColaDoSeletor(const QString& texto) {
+  if (texto.isEmpty()) return;  // a picker closed at once leaves nothing
+  QClipboard* c = QGuiApplication::clipboard();
+  c->clear();
+  c->setText(texto);
+  editor_->setFocus();
+  QKeyEvent aperta(QEvent::KeyPress, Qt::Key_V, Qt::ControlModifier, QStringLiteral("\x16"));
+  QKeyEvent solta(QEvent::KeyRelease, Qt::Key_V, Qt::ControlModifier, QStringLiteral("\x16"));
+  QCoreApplication::sendEvent(editor_, &aperta);
+  QCoreApplication::sendEvent(editor_, &solta);
 }
 
 void JanelaCodigo::AssociaSeFaltar(const std::function<std::string()>& faz) {

@@ -53,6 +53,9 @@ class JanelaCodigo : public QMainWindow {
   // On first start (AssociaZV empty): `faz` makes the file association and
   // answers a failure's message, empty when done; the key is written then.
   void AssociaSeFaltar(const std::function<std::string()>& faz);
+  // A piece of source text from a picker (the wizard's), pasted at the
+  // caret the way the user would: through the clipboard and Ctrl+V.
+  void ColaDoSeletor(const QString& texto);
   // The path of the current file: DirPrograma, trimmed, and NomeAtual.
   std::filesystem::path CaminhoAtual() const;
 

@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QDockWidget>
 #include <QPrinter>
 #include <QPushButton>
@@ -262,6 +263,16 @@ TEST_F(Ambiente, AProgramThatFailsToPrepareSaysWhyAndTheToolBarComesBack) {
   EXPECT_FALSE(janela->execucao().Rodando());
   EXPECT_EQ(janela->Etiqueta("BtnExecutar"), QString());
   EXPECT_EQ(janela->Etiqueta("BtnStop"), QStringLiteral("INATIVO"));
+}
+
+TEST_F(Ambiente, APickersTextIsPastedAtTheCaretThroughTheClipboard) {
+  janela->editor()->setText(QStringLiteral("A\r\nB"));
+  janela->editor()->setCursorPosition(1, 0);
+  janela->ColaDoSeletor(QStringLiteral("Button BtnNew, \"Go\", 1, 1, \"OK\"\r\n"));
+  EXPECT_EQ(janela->editor()->text(), QStringLiteral("A\r\nButton BtnNew, \"Go\", 1, 1, \"OK\"\r\nB"));
+  EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("Button BtnNew, \"Go\", 1, 1, \"OK\"\r\n"));
+  janela->ColaDoSeletor(QString());
+  EXPECT_EQ(janela->editor()->lines(), 3);
 }
 
 // ---- The additions -----------------------------------------------------------------
