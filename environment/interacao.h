@@ -5,6 +5,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <functional>
 #include <optional>
 
@@ -27,6 +28,21 @@ class Interacao {
   virtual bool EscolheImpressora(QWidget* pai, QPrinter& impressora) = 0;
   // The colour dialogue: a colour as the language's number, or nothing.
   virtual std::optional<int> EscolheCor(QWidget* pai, const QString& titulo, int atual) = 0;
+};
+
+// Nobody at the keyboard: every question declined, every dialogue
+// cancelled, the notices kept (for tools and tests that run unattended).
+class InteracaoNula : public Interacao {
+ public:
+  QStringList avisos;
+  bool Pergunta(QWidget*, const QString&, const QString&, bool) override { return false; }
+  void Avisa(QWidget*, const QString&, const QString& texto) override { avisos << texto; }
+  std::optional<QString> EscolheArquivo(QWidget*, bool, const QString&, const QString&, const QString&,
+                                        const QString&) override {
+    return std::nullopt;
+  }
+  bool EscolheImpressora(QWidget*, QPrinter&) override { return false; }
+  std::optional<int> EscolheCor(QWidget*, const QString&, int) override { return std::nullopt; }
 };
 
 // The real dialogues of the desktop.

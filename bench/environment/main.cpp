@@ -25,18 +25,6 @@ using namespace zv;
 
 namespace {
 
-// Nobody at the keyboard: every question is declined, every dialogue cancelled.
-struct Ninguem : Interacao {
-  bool Pergunta(QWidget*, const QString&, const QString&, bool) override { return false; }
-  void Avisa(QWidget*, const QString&, const QString&) override {}
-  std::optional<QString> EscolheArquivo(QWidget*, bool, const QString&, const QString&, const QString&,
-                                        const QString&) override {
-    return std::nullopt;
-  }
-  bool EscolheImpressora(QWidget*, QPrinter&) override { return false; }
-  std::optional<int> EscolheCor(QWidget*, const QString&, int) override { return std::nullopt; }
-};
-
 struct Medida {
   const char* nome;
   double orcamentoMs;
@@ -81,7 +69,7 @@ int main(int argc, char** argv) {
   fs::create_directories(pasta);
   const fs::path grande = pasta / "Big.Zvc";
   EscreveProgramaGrande(grande, 20000);
-  Ninguem ninguem;
+  InteracaoNula ninguem;
 
   Medida pronto{"ready", 1000, {}}, abre{"open 20,000 lines", 500, {}}, tecla{"key in it", 16, {}},
       roda{"F5 to run window", 200, {}};

@@ -20,23 +20,12 @@
 #include "environment/interacao.h"
 #include "environment/lista_ajuda.h"
 #include "environment/settings/armazem_config.h"
+#include "tests/environment/ambiente.h"
 
 namespace zv {
 namespace {
 
 namespace fs = std::filesystem;
-
-struct Avisos : Interacao {
-  QStringList avisos;
-  bool Pergunta(QWidget*, const QString&, const QString&, bool) override { return false; }
-  void Avisa(QWidget*, const QString&, const QString& texto) override { avisos << texto; }
-  std::optional<QString> EscolheArquivo(QWidget*, bool, const QString&, const QString&, const QString&,
-                                        const QString&) override {
-    return std::nullopt;
-  }
-  bool EscolheImpressora(QWidget*, QPrinter&) override { return false; }
-  std::optional<int> EscolheCor(QWidget*, const QString&, int) override { return std::nullopt; }
-};
 
 std::string Le(const fs::path& p) {
   std::ifstream in(p, std::ios::binary);
@@ -100,7 +89,7 @@ TEST(IndiceDaAjuda, TheListIsTheReferencesAndTheSearchFollowsTheTyping) {
     EXPECT_EQ(QString::fromUtf16(kLstAjuda[i]).toStdString(), palavras[i]);
 
   Pasta pasta;
-  Avisos ninguem;
+  InteracaoNula ninguem;
   Ajuda ajuda(pasta.p, ninguem);
   FormAjuda* f = ajuda.indice();
   auto escolhido = [&] { return f->lista()->currentItem()->text(); };
@@ -121,7 +110,7 @@ TEST(IndiceDaAjuda, TheListIsTheReferencesAndTheSearchFollowsTheTyping) {
 
 TEST(LeitorDaAjuda, FindThenFindNextThenNoMore) {
   Pasta pasta;
-  Avisos pessoa;
+  InteracaoNula pessoa;
   Ajuda ajuda(pasta.p, pessoa);
   FormIntro* l = ajuda.leitor();
   l->texto()->setPlainText(QStringLiteral("Round rounds a number. See also Int."));
@@ -147,27 +136,12 @@ TEST(LeitorDaAjuda, FindThenFindNextThenNoMore) {
 }
 
 // F1 and the error's page need the build's Commands.pack beside the tests.
-struct ComPacote : ::testing::Test {
-  Pasta pasta;
-  Avisos pessoa;
-  std::FILE* saida = std::tmpfile();
-  std::unique_ptr<JanelaCodigo> janela;
+struct ComPacote : teste::Ambiente {
   void SetUp() override {
     const fs::path pacote = fs::path(QCoreApplication::applicationDirPath().toStdString()) / "Commands.pack";
     if (!fs::exists(pacote)) GTEST_SKIP() << "no Commands.pack beside the tests";
-    fs::copy_file(pacote, pasta.p / "Commands.pack");
-    DescartaConfig();
-    janela = std::make_unique<JanelaCodigo>(pasta.p, pessoa);
-    janela->execucao().semTela = true;
-    janela->execucao().saida = saida;
-    janela->show();
-    QApplication::setActiveWindow(janela.get());
-    ASSERT_TRUE(QTest::qWaitForWindowActive(janela.get()));
-  }
-  void TearDown() override {
-    janela.reset();
-    std::fclose(saida);
-    DescartaConfig();
+    teste::Ambiente::SetUp();
+    fs::copy_file(pacote, pasta / "Commands.pack");
   }
 };
 

@@ -129,16 +129,7 @@ TEST(Associacao, TheDesktopEntryAndMimeTypeAreWrittenOnceKeyedByTheSetting) {
   EXPECT_NE(mime.find("pattern=\"*.zvc\""), std::string::npos) << mime;
   EXPECT_TRUE(fs::exists(dados / "icons" / "hicolor" / "128x128" / "apps" / "zarvolt.png"));
 
-  struct Ninguem : Interacao {
-    bool Pergunta(QWidget*, const QString&, const QString&, bool) override { return false; }
-    void Avisa(QWidget*, const QString&, const QString&) override {}
-    std::optional<QString> EscolheArquivo(QWidget*, bool, const QString&, const QString&, const QString&,
-                                          const QString&) override {
-      return std::nullopt;
-    }
-    bool EscolheImpressora(QWidget*, QPrinter&) override { return false; }
-    std::optional<int> EscolheCor(QWidget*, const QString&, int) override { return std::nullopt; }
-  } ninguem;
+  InteracaoNula ninguem;
   JanelaCodigo janela(pasta.p, ninguem);
   int vezes = 0;
   janela.AssociaSeFaltar([&] { return ++vezes == 1 ? std::string("no room") : std::string(); });
