@@ -294,17 +294,34 @@ Valor SistemaJanelas::CriaBotao(const std::vector<Texto>& a) {
                                    [](QWidget* pai, int) { return new BtnEsp(pai); });
   QFontMetrics fm(b->font());
   if (forma3) {
-    // The skins come with the skinned button; until then a plain button,
-    // with skin 0's colours when ButtonStyle set them.
-    if (Apara(t2.substr(4)) == u"0") {
-      if (estilo0_.temFundo) CorDeFundoBotao(b, estilo0_.fundo);
-      if (estilo0_.temFrente) CorDeFrente(b, estilo0_.frente);
-    }
+    // TypeN: skin n of the button-types array, skin 0 as ButtonStyle left it.
+    double n = 0;
+    Texto numero = Apara(t2.substr(4));
+    if (!LeNumero(numero, n) || n < 0 || n >= kTiposBotao || n != static_cast<int>(n))
+      throw FalhaHost(msg::Formata(msg::ElementoInexistente, numero));
+    const int tipo = static_cast<int>(n);
     b->move(PxColuna(Num(*zv, Arg(a, 3))), PxLinha(Num(*zv, Arg(a, 2))));
     bool semNada = Arg(a, 4).empty() && Arg(a, 5).empty() && Arg(a, 6).empty();
     Texto cap = semNada ? Texto(u"OK") : TextoT(*zv, Arg(a, 4));
     b->setText(Q(cap));
     b->resize(std::max(kLarguraPadrao, fm.horizontalAdvance(Q(cap)) + 16), kAlturaBotao);
+    b->DefineEstilo(1);
+    bool figuras = false;
+    if (tipo == 0) {
+      if (estilo0_.temFundo) CorDeFundoBotao(b, estilo0_.fundo);
+      if (estilo0_.temFrente) CorDeFrente(b, estilo0_.frente);
+      for (const Texto& f : estilo0_.figuras) figuras = figuras || !f.empty();
+    }
+    if (figuras) {
+      // The pictures ButtonStyle gave, shown as they are; the states it
+      // left alone keep skin 0's own.
+      Pele pele = PelePadrao(0, b->size());
+      for (size_t i = 0; i < 5; ++i)
+        if (!estilo0_.figuras[i].empty()) pele.figuras[i].load(Q(estilo0_.figuras[i]));
+      b->DefinePele(pele);
+    } else {
+      b->DefineTipoPele(tipo);
+    }
     if (!Figura(*zv, b, Arg(a, 5))) zv->ErroExecucao(msg::FiguraForma3);
     b->setToolTip(Q(TextoT(*zv, Arg(a, 6))));
   } else if (forma2) {

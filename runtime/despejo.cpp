@@ -12,6 +12,7 @@
 #include <QTextEdit>
 
 #include "controls/barras.h"
+#include "controls/btn_esp.h"
 #include "controls/entra_num.h"
 #include "runtime/headless_host.h"
 #include "runtime/janelas.h"
@@ -32,9 +33,18 @@ std::string Campo(const char* nome, bool valor) {
 // What the control holds, as its kind shows it: text, caption or value.
 void Conteudo(TipoControle tipo, QWidget* w, std::string& s) {
   switch (tipo) {
-    case TipoControle::Botao:
-      s += Campo("caption", static_cast<QPushButton*>(w)->text());
+    case TipoControle::Botao: {
+      auto* b = static_cast<BtnEsp*>(w);
+      s += Campo("caption", b->text());
+      // What the face shows: a skin's picture, or the drawn face up or sunk.
+      static const char* const kFiguras[] = {"up", "high", "focus", "down", "disabled"};
+      s += Campo("style", b->estilo());
+      s += Campo("state", QString::fromLatin1(b->estilo() == 1 ? kFiguras[static_cast<int>(b->FiguraVisivel())]
+                                              : !b->isEnabled() ? "disabled"
+                                              : b->Afundado()   ? "down"
+                                                                : "up"));
       break;
+    }
     case TipoControle::Texto:
       if (auto* l = qobject_cast<QLineEdit*>(w))
         s += Campo("text", l->text());

@@ -1,6 +1,7 @@
 // Each action of the event script delivered as the real input events a
 // user's hand would make, sent to the widget.
 #include <QApplication>
+#include <QCursor>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QKeyEvent>
@@ -140,6 +141,32 @@ void SistemaJanelas::EntregaAcao(const QJsonObject& a, int linha) {
     if (!w) return Aviso(linha, QString::fromUtf8(msg::execucao::kSemControle) + nome);
     Ativa(w);
     Clica(w, w->rect().center(), Qt::LeftButton, duplo);
+    return;
+  }
+  // The mouse over a control (the cursor goes there, as a hand would take
+  // it), or off every control with an empty name; a press or a release on
+  // one, each by itself, to see the states between them.
+  if (a.contains(QLatin1String("hover"))) {
+    const QString nome = s("hover");
+    if (nome.isEmpty()) {
+      QCursor::setPos(QPoint(-10000, -10000));
+      return;
+    }
+    QWidget* w = principalFeita_ ? AchaControle(nome, s("kind"), s("window")) : nullptr;
+    if (!w) return Aviso(linha, QString::fromUtf8(msg::execucao::kSemControle) + nome);
+    Ativa(w);
+    QCursor::setPos(w->mapToGlobal(w->rect().center()));
+    Mouse(w, QEvent::MouseMove, w->rect().center(), Qt::NoButton);
+    return;
+  }
+  if (a.contains(QLatin1String("press")) || a.contains(QLatin1String("release"))) {
+    const bool press = a.contains(QLatin1String("press"));
+    const QString nome = s(press ? "press" : "release");
+    QWidget* w = principalFeita_ ? AchaControle(nome, s("kind"), s("window")) : nullptr;
+    if (!w) return Aviso(linha, QString::fromUtf8(msg::execucao::kSemControle) + nome);
+    Ativa(w);
+    if (press && (w->focusPolicy() & Qt::ClickFocus)) w->setFocus(Qt::MouseFocusReason);
+    Mouse(w, press ? QEvent::MouseButtonPress : QEvent::MouseButtonRelease, w->rect().center(), Qt::LeftButton);
     return;
   }
   if (a.contains(QLatin1String("type"))) {

@@ -66,5 +66,7 @@ inline constexpr Texto TituloPrefixo = u"Zarvolt - ";
 inline constexpr Texto FiguraForma2 = u"Erro ao carregar figura, caminho n\u00e3o encontrado!";
 inline constexpr Texto FiguraForma3 = u"Error loading picture, path not found!";
 inline constexpr Texto TipoSemControle = u"this kind of window has no control of this kind";
+// A skin number the button-types array has no instance for.
+inline constexpr Texto ElementoInexistente = u"Control array element '{}' doesn't exist";
 
 }  // namespace zv::msg
