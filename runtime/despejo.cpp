@@ -62,6 +62,7 @@ void Conteudo(TipoControle tipo, QWidget* w, std::string& s) {
       break;
     case TipoControle::Moeda:
       s += Campo("value", static_cast<EntraNum*>(w)->TextoValor());
+      s += Campo("shown", static_cast<EntraNum*>(w)->TextoExibido());
       break;
     case TipoControle::Calendario:
       s += Campo("text", static_cast<QDateEdit*>(w)->text());
