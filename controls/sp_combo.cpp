@@ -1,26 +1,299 @@
 #include "controls/sp_combo.h"
 
+#include <QApplication>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QPainterPath>
+
+#include "controls/teclas.h"
+
 namespace zv {
 
-SpCombo::SpCombo(QWidget* pai) : QComboBox(pai) {
-  setEditable(true);
-  setInsertPolicy(QComboBox::NoInsert);
-  connect(this, &QComboBox::activated, this, [this] {
-    if (relata) relata({EventoControle::Clique});
-  });
-  connect(this, &QComboBox::currentTextChanged, this, [this] {
+namespace {
+
+// The original's measures were twips, 15 to a pixel.
+constexpr int kAlturaMinima = 19;  // 280
+constexpr int kEntreListaTexto = 2;  // 35
+constexpr int kBotaoDaBorda = 1;   // 20
+constexpr int kLarguraBotao = 16;
+
+bool LetraOuDigito(int k) {
+  return (k >= Qt::Key_A && k <= Qt::Key_Z) || (k >= Qt::Key_0 && k <= Qt::Key_9);
+}
+
+}  // namespace
+
+QString DobraTexto(const QString& s) {
+  static const QString kCom = QStringLiteral("ÁÀÂÃÄÉÈÊËÍÌÎÏÓÒÔÕÖÚÙÛÜÇÑáàâãäéèêëíìîïóòôõöúùûüçñ");
+  static const QString kSem = QStringLiteral("AAAAAEEEEIIIIOOOOOUUUUCNaaaaaeeeeiiiiooooouuuucn");
+  QString r = s;
+  for (QChar& c : r) {
+    const qsizetype i = kCom.indexOf(c);
+    if (i >= 0) c = kSem[i];
+  }
+  return r.toUpper();
+}
+
+// PicUp: the drop button, with its two pictures of our own or the user's.
+class BotaoCombo : public QWidget {
+ public:
+  explicit BotaoCombo(QWidget* pai) : QWidget(pai) { setCursor(Qt::ArrowCursor); }
+  bool proprias = false;  // DefButton
+  QPixmap cima, baixo;
+  bool apertado = false;
+  std::function<void()> aoClicar;
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter p(this);
+    if (proprias) {
+      const QPixmap& pm = apertado ? baixo : cima;
+      if (!pm.isNull()) p.drawPixmap(0, 0, pm);
+      return;
+    }
+    // PicNormal and PicDown: a small raised face with a chevron.
+    p.setRenderHint(QPainter::Antialiasing);
+    QRectF r = QRectF(rect()).adjusted(0.5, 1.5, -0.5, -1.5);
+    QLinearGradient g(0, 0, 0, height());
+    g.setColorAt(0, apertado ? QColor(200, 208, 222) : QColor(250, 251, 253));
+    g.setColorAt(1, apertado ? QColor(226, 231, 240) : QColor(218, 224, 234));
+    QPainterPath forma;
+    forma.addRoundedRect(r, 2, 2);
+    p.fillPath(forma, g);
+    p.setPen(QColor(150, 160, 178));
+    p.drawPath(forma);
+    const QPointF c = r.center() + QPointF(apertado ? 1 : 0, apertado ? 1 : 0);
+    QPainterPath seta;
+    seta.moveTo(c + QPointF(-3.5, -1.5));
+    seta.lineTo(c + QPointF(0, 2));
+    seta.lineTo(c + QPointF(3.5, -1.5));
+    p.setPen(QPen(isEnabled() ? QColor(50, 60, 80) : QColor(160, 160, 160), 1.6));
+    p.drawPath(seta);
+  }
+  void mousePressEvent(QMouseEvent*) override {
+    apertado = true;
+    update();
+  }
+  void mouseReleaseEvent(QMouseEvent*) override {
+    apertado = false;
+    update();
+    if (aoClicar) aoClicar();
+  }
+};
+
+SpCombo::SpCombo(QWidget* pai) : QWidget(pai) {
+  txtAux_ = new QLineEdit(this);
+  txtAux_->setObjectName(QStringLiteral("TxtAux"));
+  picUp_ = new BotaoCombo(this);
+  picUp_->setObjectName(QStringLiteral("PicUp"));
+  lstAux_ = new QListWidget(this);
+  lstAux_->setObjectName(QStringLiteral("LstAux"));
+  lstAux_->setFocusPolicy(Qt::StrongFocus);
+  setFocusProxy(txtAux_);
+  txtAux_->installEventFilter(this);
+  lstAux_->installEventFilter(this);
+  picUp_->aoClicar = [this] {
+    if (aberta_)
+      Fecha();
+    else
+      Abre();
+    txtAux_->setFocus();
+  };
+  connect(txtAux_, &QLineEdit::textChanged, this, [this] {
     if (relata) relata({EventoControle::Mudou});
   });
+  // The list's click event, as the original's list raised it: on a change
+  // of its selection (the completion's too) and on a click on an item.
+  connect(lstAux_, &QListWidget::currentRowChanged, this, [this] { CliqueLista(); });
+  connect(lstAux_, &QListWidget::itemClicked, this, [this] { CliqueLista(); });
+  connect(lstAux_, &QListWidget::itemDoubleClicked, this, [this] { Fecha(); });
+  // Losing the focus closes the list (without taking the focus back).
+  connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* agora) {
+    if (aberta_ && (!agora || !isAncestorOf(agora))) Fecha(false);
+  });
+  resize(120, kAlturaMinima);
 }
 
-void SpCombo::focusInEvent(QFocusEvent* e) {
-  QComboBox::focusInEvent(e);
-  if (relata) relata({EventoControle::GanhouFoco});
+QWidget* SpCombo::botao() const { return picUp_; }
+
+void SpCombo::DefineAlturaLista(int px) {
+  alturaLista_ = std::max(1, px);
+  Arranja();
 }
 
-void SpCombo::focusOutEvent(QFocusEvent* e) {
-  QComboBox::focusOutEvent(e);
-  if (relata) relata({EventoControle::PerdeuFoco});
+void SpCombo::DefineFigurasBotao(bool proprias, const QPixmap& cima, const QPixmap& baixo) {
+  picUp_->proprias = proprias;
+  picUp_->cima = cima;
+  picUp_->baixo = baixo;
+  Arranja();
+  picUp_->update();
+}
+
+int SpCombo::SelLista() const {
+  const QString t = txtAux_->text();
+  for (int i = 0; i < lstAux_->count(); ++i)
+    if (lstAux_->item(i)->text() == t) return static_cast<int16_t>(i);
+  return static_cast<int16_t>(lstAux_->count());
+}
+
+void SpCombo::Arranja() {
+  if (aberta_ || arranjando_) return;
+  raise();
+  const int altura = !picUp_->proprias && height() < kAlturaMinima ? kAlturaMinima : height();
+  if (altura != height()) {
+    // Laid out below at once: a hidden control gets its resize event late.
+    arranjando_ = true;
+    resize(width(), altura);
+    arranjando_ = false;
+  }
+  txtAux_->setGeometry(0, 0, width(), altura);
+  const int largBotao = picUp_->proprias && !picUp_->cima.isNull() ? picUp_->cima.width() : kLarguraBotao;
+  picUp_->setGeometry(txtAux_->width() - largBotao - kBotaoDaBorda - 1, 2, largBotao, altura - 4);
+  picUp_->raise();
+  txtAux_->setTextMargins(0, 0, largBotao + 2, 0);
+  lstAux_->setGeometry(0, altura + kEntreListaTexto, width(), alturaLista_);
+}
+
+void SpCombo::resizeEvent(QResizeEvent* e) {
+  QWidget::resizeEvent(e);
+  Arranja();
+}
+
+void SpCombo::changeEvent(QEvent* e) {
+  QWidget::changeEvent(e);
+  if (e->type() == QEvent::EnabledChange && !isEnabled() && aberta_) Fecha(false);
+  if (e->type() == QEvent::FontChange) {
+    txtAux_->setFont(font());
+    lstAux_->setFont(font());
+  }
+}
+
+void SpCombo::Abre() {
+  if (aberta_) return;
+  raise();
+  aberta_ = true;
+  resize(width(), lstAux_->height() + txtAux_->height() + kEntreListaTexto);
+}
+
+void SpCombo::Fecha(bool devolveFoco) {
+  if (!aberta_) return;
+  aberta_ = false;
+  resize(txtAux_->width(), txtAux_->height());
+  if (devolveFoco) txtAux_->setFocus();
+}
+
+void SpCombo::ItemParaTexto() {
+  QListWidgetItem* item = lstAux_->currentItem();
+  if (!item) return;
+  txtAux_->setText(item->text());
+  txtAux_->selectAll();
+  ultimoTexto_ = item->text();
+  if (relata) relata({EventoControle::Clique});
+}
+
+void SpCombo::CliqueLista() {
+  if (primeiroClique_) {
+    primeiroClique_ = false;
+    return;
+  }
+  if (mudando_) return;
+  ItemParaTexto();
+}
+
+void SpCombo::Completa() {
+  ultimoTexto_ = txtAux_->text();
+  const QString alvo = DobraTexto(ultimoTexto_);
+  for (int i = 0; i < lstAux_->count(); ++i) {
+    if (DobraTexto(lstAux_->item(i)->text().left(alvo.size())) == alvo) {
+      // Selected in the list only: the typing stands until Enter or a click.
+      lstAux_->setCurrentRow(i);
+      return;
+    }
+  }
+}
+
+// Keys sent to the control itself (an event script's) reach the part that
+// has the focus, as a user's would. A key a part leaves comes back up to
+// here: it goes no further down.
+void SpCombo::keyPressEvent(QKeyEvent* e) { Encaminha(e); }
+void SpCombo::keyReleaseEvent(QKeyEvent* e) { Encaminha(e); }
+
+void SpCombo::Encaminha(QKeyEvent* e) {
+  if (encaminhando_) {
+    e->ignore();
+    return;
+  }
+  encaminhando_ = true;
+  QCoreApplication::sendEvent(lstAux_->hasFocus() ? static_cast<QWidget*>(lstAux_) : txtAux_, e);
+  encaminhando_ = false;
+}
+
+bool SpCombo::TeclaNaCaixa(QKeyEvent* e) {
+  if (relata) relata({EventoControle::TeclaDesce, CodigoTecla(e), EstadoShift(e)});
+  mudando_ = true;
+  switch (e->key()) {
+    case Qt::Key_Down:
+      Abre();
+      lstAux_->setFocus();
+      return true;
+    case Qt::Key_Up:
+      Fecha();
+      return true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      if (aberta_ && lstAux_->currentItem()) txtAux_->setText(lstAux_->currentItem()->text());
+      txtAux_->selectAll();
+      Fecha();
+      return true;
+    default:
+      if (LetraOuDigito(e->key()) && !aberta_) Abre();
+      return false;
+  }
+}
+
+bool SpCombo::TeclaNaLista(QKeyEvent* e) {
+  switch (e->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      Fecha();
+      return true;
+    case Qt::Key_Up:
+      if (lstAux_->currentRow() <= 0) {
+        txtAux_->setFocus();
+        return true;
+      }
+      return false;
+    default:
+      return false;
+  }
+}
+
+bool SpCombo::eventFilter(QObject* o, QEvent* e) {
+  if (o == txtAux_) {
+    if (e->type() == QEvent::KeyPress) return TeclaNaCaixa(static_cast<QKeyEvent*>(e));
+    if (e->type() == QEvent::KeyRelease) {
+      auto* k = static_cast<QKeyEvent*>(e);
+      if (relata) relata({EventoControle::TeclaSobe, CodigoTecla(k), EstadoShift(k)});
+      // Still changing while the completion selects: the list's click that
+      // follows leaves the typing alone.
+      Completa();
+      mudando_ = false;
+    } else if (e->type() == QEvent::FocusIn) {
+      if (relata) relata({EventoControle::GanhouFoco});
+    } else if (e->type() == QEvent::FocusOut) {
+      if (!isAncestorOf(QApplication::focusWidget()) && relata) relata({EventoControle::PerdeuFoco});
+    }
+    return false;
+  }
+  if (o == lstAux_) {
+    if (e->type() == QEvent::KeyPress) return TeclaNaLista(static_cast<QKeyEvent*>(e));
+    if (e->type() == QEvent::KeyRelease) {
+      auto* k = static_cast<QKeyEvent*>(e);
+      if (k->key() != Qt::Key_Return && k->key() != Qt::Key_Enter) ItemParaTexto();
+    }
+    return false;
+  }
+  return QWidget::eventFilter(o, e);
 }
 
 }  // namespace zv

@@ -211,7 +211,7 @@ void SistemaJanelas::EscreveEspelho(TipoControle tipo, int slot) {
   QWidget* w = t.instancias[k];
   if (!w || t.nomes[k].empty()) return;
   if (tipo == TipoControle::Combo)
-    zv->GravaVariavel(t.nomes[k] + u".Txt", Valor::DeTexto(T(static_cast<SpCombo*>(w)->currentText())), false);
+    zv->GravaVariavel(t.nomes[k] + u".Txt", Valor::DeTexto(T(static_cast<SpCombo*>(w)->Texto())), false);
   else if (tipo == TipoControle::Mascara)
     zv->GravaVariavel(t.nomes[k] + u".Txt", Valor::DeTexto(T(static_cast<CaixaTexto*>(w)->text())), false);
   else if (tipo == TipoControle::Barra)
@@ -420,7 +420,8 @@ Valor SistemaJanelas::CriaCombo(const std::vector<Texto>& a) {
   SpCombo* c = NovoControle<SpCombo>(*this, TipoControle::Combo, TextoT(*zv, Arg(a, 0)), slot,
                                      [](QWidget* pai, int) { return new SpCombo(pai); });
   int largura = Arg(a, 3).empty() ? kLarguraPadrao : PxColuna(Num(*zv, Arg(a, 3)));
-  c->setGeometry(PxColuna(Num(*zv, Arg(a, 2))), PxLinha(Num(*zv, Arg(a, 1))), largura, c->sizeHint().height());
+  // One line high; the combo raises that to its least height itself.
+  c->setGeometry(PxColuna(Num(*zv, Arg(a, 2))), PxLinha(Num(*zv, Arg(a, 1))), largura, PxLinha(1));
   Mostra(*this, c, TipoControle::Combo);
   return Valor();
 }
@@ -598,16 +599,17 @@ void SistemaJanelas::Membro(TipoControle tipo, int slot, const std::vector<Texto
       if (prop == u".ADD") {
         // The text stands behind the first blank of the first argument.
         size_t b = primeiro.find(u' ');
-        c->addItem(Q(TextoNT(*zv, b == NPOS ? Texto() : Apara(primeiro.substr(b + 1)))));
+        c->AdicionaItem(Q(TextoNT(*zv, b == NPOS ? Texto() : Apara(primeiro.substr(b + 1)))));
         return;
       }
       if (prop == u".TXT") {
-        c->setEditText(Q(TextoNT(*zv, valor)));
+        c->DefineTexto(Q(TextoNT(*zv, valor)));
         EscreveEspelho(tipo, slot);
         return;
       }
       if (prop == u".LINES") {
-        c->setMaxVisibleItems(std::max(1, static_cast<int>(Num(*zv, valor))));
+        // ListHeight = value x 210 twips: 14 pixels a line.
+        c->DefineAlturaLista(static_cast<int>(Num(*zv, valor) * 14));
         return;
       }
       break;

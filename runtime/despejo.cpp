@@ -14,6 +14,7 @@
 #include "controls/barras.h"
 #include "controls/btn_esp.h"
 #include "controls/entra_num.h"
+#include "controls/sp_combo.h"
 #include "runtime/headless_host.h"
 #include "runtime/janelas.h"
 #include "runtime/mensagens.h"
@@ -54,9 +55,13 @@ void Conteudo(TipoControle tipo, QWidget* w, std::string& s) {
     case TipoControle::Rotulo:
       s += Campo("text", static_cast<QLabel*>(w)->text());
       break;
-    case TipoControle::Combo:
-      s += Campo("text", static_cast<QComboBox*>(w)->currentText());
+    case TipoControle::Combo: {
+      auto* c = static_cast<SpCombo*>(w);
+      s += Campo("text", c->Texto());
+      s += Campo("list_open", c->Aberta());
+      s += Campo("list_index", c->IndSel());
       break;
+    }
     case TipoControle::Mascara:
       s += Campo("text", static_cast<QLineEdit*>(w)->text());
       break;
