@@ -327,16 +327,4 @@ void BarraRolagem::focusOutEvent(QFocusEvent* e) {
   if (relata) relata({EventoControle::PerdeuFoco});
 }
 
-SpecialFrame::SpecialFrame(QWidget* pai) : QGroupBox(pai) {}
-
-void SpecialFrame::mousePressEvent(QMouseEvent* e) {
-  QGroupBox::mousePressEvent(e);
-  if (relata) relata({EventoControle::Clique});
-}
-
-void SpecialFrame::mouseDoubleClickEvent(QMouseEvent* e) {
-  QGroupBox::mouseDoubleClickEvent(e);
-  if (relata) relata({EventoControle::DuploClique});
-}
-
 }  // namespace zv

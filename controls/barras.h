@@ -1,10 +1,9 @@
 // The scroll bars (`BarraHorizontal`, `BarraVertical`), drawn here part by
 // part (arrows, track, thumb) with auto-repeat and a value reported during a
-// drag, and the frame (`SpecialFrame`).
+// drag.
 #pragma once
 
 #include <QBasicTimer>
-#include <QGroupBox>
 #include <QPixmap>
 #include <QWidget>
 #include <array>
@@ -98,14 +97,5 @@ class BarraVertical : public BarraRolagem {
   explicit BarraVertical(QWidget* pai) : BarraRolagem(Qt::Vertical, pai) {}
 };
 
-class SpecialFrame : public QGroupBox {
- public:
-  explicit SpecialFrame(QWidget* pai);
-  RelatorControle relata;
-
- protected:
-  void mousePressEvent(QMouseEvent* e) override;
-  void mouseDoubleClickEvent(QMouseEvent* e) override;
-};
 
 }  // namespace zv

@@ -178,6 +178,19 @@ Valor DecToBin(Interpretador& zv, const Texto& argumentos) {
   return Valor::DeTexto(DecimalParaBinario(ArgNumerico(zv, a, 0).ComoInt16()));
 }
 
+// RGB Red, Green, Blue: red in the low byte. Each part as the original's
+// 16-bit integer, above 255 taken as 255, below 0 refused.
+Valor Rgb(Interpretador& zv, const Texto& argumentos) {
+  auto a = zv.SeparaArgumentos(argumentos, 4);
+  int32_t cor = 0;
+  for (int i = 2; i >= 0; --i) {
+    int16_t parte = ArgNumerico(zv, a, static_cast<size_t>(i)).ComoInt16();
+    if (parte < 0) throw FalhaHost(falha::ChamadaInvalida);
+    cor = cor * 256 + std::min<int16_t>(parte, 255);
+  }
+  return Valor::DeInt32(cor);
+}
+
 }  // namespace
 
 void RegistraNumeros() {
@@ -197,6 +210,7 @@ void RegistraNumeros() {
   c.Define(u"Random", Random);
   c.Define(u"BinToDec", BinToDec);
   c.Define(u"DecToBin", DecToBin);
+  c.Define(u"RGB", Rgb);
 }
 
 }  // namespace zv

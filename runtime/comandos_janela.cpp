@@ -450,6 +450,20 @@ Valor CmdCls(Interpretador& zv, const Texto&) {
   return Valor();
 }
 
+// Gradient [Start, End]: the current window's gradient, painted on its
+// surface, and again at each resize from then on.
+Valor CmdGradient(Interpretador& zv, const Texto& args) {
+  std::vector<Texto> a = zv.SeparaArgumentos(args, 2);
+  JanelaExecucao* j = Janelas(zv).Atual();
+  if (!Arg(a, 0).empty()) {
+    j->grdInicial = CorDe(Numero(zv, Arg(a, 0)));
+    j->grdFinal = CorDe(Numero(zv, Arg(a, 1)));
+  }
+  if (!j->PintaGradiente()) throw FalhaHost(falha::DivisaoPorZero);
+  j->grdAtivo = true;
+  return Valor();
+}
+
 Valor CmdFont(Interpretador& zv, const Texto& args) {
   Janelas(zv).Fonte(zv.SeparaArgumentos(args, 51, true));
   return Valor();
@@ -559,6 +573,7 @@ void RegistraComandosJanela() {
   t.Define(u"Cls", CmdCls, semArgs);
   t.Define(u"ClearWindow", CmdCls, semArgs);
   t.Define(u"Font", CmdFont);
+  t.Define(u"Gradient", CmdGradient);
   t.Define(u"WindowWidth", CmdWindowWidth, semArgs);
   t.Define(u"WindowHeight", CmdWindowHeight, semArgs);
   t.Define(u"CaptureWindow", CmdCapture, semArgs);

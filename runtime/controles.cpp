@@ -12,6 +12,7 @@
 #include "controls/calendario.h"
 #include "controls/entra_num.h"
 #include "controls/marcas.h"
+#include "controls/moldura.h"
 #include "controls/sp_combo.h"
 #include "controls/rot.h"
 #include "library/arquivos.h"
@@ -430,7 +431,7 @@ Valor SistemaJanelas::CriaFrame(const std::vector<Texto>& a) {
   int slot;
   SpecialFrame* f = NovoControle<SpecialFrame>(*this, TipoControle::Frame, TextoT(*zv, Arg(a, 0)), slot,
                                                [](QWidget* pai, int) { return new SpecialFrame(pai); });
-  f->setTitle(Q(TextoNT(*zv, Arg(a, 1))));
+  f->DefineLegenda(Q(TextoNT(*zv, Arg(a, 1))));
   f->setGeometry(PxColuna(Num(*zv, Arg(a, 3))), PxLinha(Num(*zv, Arg(a, 2))), PxColuna(Num(*zv, Arg(a, 5))),
                  PxLinha(Num(*zv, Arg(a, 4))));
   // Behind the controls already on the window, as a frame drawn first.

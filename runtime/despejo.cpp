@@ -14,6 +14,7 @@
 #include "controls/barras.h"
 #include "controls/btn_esp.h"
 #include "controls/entra_num.h"
+#include "controls/moldura.h"
 #include "controls/sp_combo.h"
 #include "runtime/headless_host.h"
 #include "runtime/janelas.h"
@@ -73,7 +74,7 @@ void Conteudo(TipoControle tipo, QWidget* w, std::string& s) {
       s += Campo("text", static_cast<QDateEdit*>(w)->text());
       break;
     case TipoControle::Frame:
-      s += Campo("caption", static_cast<QGroupBox*>(w)->title());
+      s += Campo("caption", static_cast<SpecialFrame*>(w)->Legenda());
       break;
     case TipoControle::Barra:
       s += Campo("value", QString::number(static_cast<BarraRolagem*>(w)->value()));

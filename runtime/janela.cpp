@@ -5,6 +5,8 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+#include "controls/moldura.h"
+
 namespace zv {
 
 JanelaExecucao::JanelaExecucao(ClasseJanela classe, OuvinteJanela* ouvinte)
@@ -84,6 +86,14 @@ void JanelaExecucao::DesenhaFigura(const QImage& figura, int x, int y) {
   CresceTela();
   QPainter(&tela_).drawImage(x, y, figura);
   update();
+}
+
+bool JanelaExecucao::PintaGradiente() {
+  CresceTela();
+  QPainter p(&tela_);
+  const bool feito = DesenhaGradiente(p, size(), grdInicial, grdFinal);
+  update();
+  return feito;
 }
 
 void JanelaExecucao::CresceTela() {

@@ -58,6 +58,12 @@ class JanelaExecucao : public QWidget {
   void DesenhaFigura(const QImage& figura, int x, int y);
   // The frame as the style bits say.
   void AplicaEstilo();
+  // Grd, the window's gradient: its colours, and whether it is painted
+  // again at each resize (GrdAtivo). False when the colours can't be
+  // spread over the window's height.
+  QColor grdInicial{Qt::black}, grdFinal{Qt::black};
+  bool grdAtivo = false;
+  bool PintaGradiente();
 
  protected:
   void paintEvent(QPaintEvent* e) override;

@@ -307,6 +307,7 @@ void SistemaJanelas::JanelaRedimensionada(JanelaExecucao* j) {
   if (!principalFeita_ || encerrada_) return;
   eventos.ultimoRedimensiona = u"RESIZE " + Maiusculas(nomeFormAtual);
   if (j->auxiliar) j->auxiliar->move(j->width() + 500 / 15, 0);
+  if (j->grdAtivo) j->PintaGradiente();
   if (j == janelas_[0] && fixo && j->isMaximized()) j->showNormal();
 }
 
