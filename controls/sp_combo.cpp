@@ -2,9 +2,8 @@
 
 #include <QApplication>
 #include <QKeyEvent>
-#include <QPainter>
-#include <QPainterPath>
 
+#include "controls/botao_descer.h"
 #include "controls/teclas.h"
 
 namespace zv {
@@ -34,57 +33,10 @@ QString DobraTexto(const QString& s) {
   return r.toUpper();
 }
 
-// PicUp: the drop button, with its two pictures of our own or the user's.
-class BotaoCombo : public QWidget {
- public:
-  explicit BotaoCombo(QWidget* pai) : QWidget(pai) { setCursor(Qt::ArrowCursor); }
-  bool proprias = false;  // DefButton
-  QPixmap cima, baixo;
-  bool apertado = false;
-  std::function<void()> aoClicar;
-
- protected:
-  void paintEvent(QPaintEvent*) override {
-    QPainter p(this);
-    if (proprias) {
-      const QPixmap& pm = apertado ? baixo : cima;
-      if (!pm.isNull()) p.drawPixmap(0, 0, pm);
-      return;
-    }
-    // PicNormal and PicDown: a small raised face with a chevron.
-    p.setRenderHint(QPainter::Antialiasing);
-    QRectF r = QRectF(rect()).adjusted(0.5, 1.5, -0.5, -1.5);
-    QLinearGradient g(0, 0, 0, height());
-    g.setColorAt(0, apertado ? QColor(200, 208, 222) : QColor(250, 251, 253));
-    g.setColorAt(1, apertado ? QColor(226, 231, 240) : QColor(218, 224, 234));
-    QPainterPath forma;
-    forma.addRoundedRect(r, 2, 2);
-    p.fillPath(forma, g);
-    p.setPen(QColor(150, 160, 178));
-    p.drawPath(forma);
-    const QPointF c = r.center() + QPointF(apertado ? 1 : 0, apertado ? 1 : 0);
-    QPainterPath seta;
-    seta.moveTo(c + QPointF(-3.5, -1.5));
-    seta.lineTo(c + QPointF(0, 2));
-    seta.lineTo(c + QPointF(3.5, -1.5));
-    p.setPen(QPen(isEnabled() ? QColor(50, 60, 80) : QColor(160, 160, 160), 1.6));
-    p.drawPath(seta);
-  }
-  void mousePressEvent(QMouseEvent*) override {
-    apertado = true;
-    update();
-  }
-  void mouseReleaseEvent(QMouseEvent*) override {
-    apertado = false;
-    update();
-    if (aoClicar) aoClicar();
-  }
-};
-
 SpCombo::SpCombo(QWidget* pai) : QWidget(pai) {
   txtAux_ = new QLineEdit(this);
   txtAux_->setObjectName(QStringLiteral("TxtAux"));
-  picUp_ = new BotaoCombo(this);
+  picUp_ = new BotaoDescer(this);
   picUp_->setObjectName(QStringLiteral("PicUp"));
   lstAux_ = new QListWidget(this);
   lstAux_->setObjectName(QStringLiteral("LstAux"));

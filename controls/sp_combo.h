@@ -18,7 +18,7 @@ namespace zv {
 // Upper case with the Portuguese accents taken off: "São" -> "SAO".
 QString DobraTexto(const QString& s);
 
-class BotaoCombo;
+class BotaoDescer;
 
 class SpCombo : public QWidget {
  public:
@@ -60,7 +60,7 @@ class SpCombo : public QWidget {
   void Encaminha(QKeyEvent* e);
 
   QLineEdit* txtAux_;
-  BotaoCombo* picUp_;
+  BotaoDescer* picUp_;
   QListWidget* lstAux_;
   int alturaLista_ = 106;  // 1590 twips
   bool aberta_ = false;

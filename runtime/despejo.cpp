@@ -13,6 +13,7 @@
 
 #include "controls/barras.h"
 #include "controls/btn_esp.h"
+#include "controls/calendario.h"
 #include "controls/entra_num.h"
 #include "controls/moldura.h"
 #include "controls/sp_combo.h"
@@ -71,7 +72,8 @@ void Conteudo(TipoControle tipo, QWidget* w, std::string& s) {
       s += Campo("shown", static_cast<EntraNum*>(w)->TextoExibido());
       break;
     case TipoControle::Calendario:
-      s += Campo("text", static_cast<QDateEdit*>(w)->text());
+      s += Campo("text", static_cast<Calendario*>(w)->text());
+      s += Campo("open", static_cast<Calendario*>(w)->Aberto());
       break;
     case TipoControle::Frame:
       s += Campo("caption", static_cast<SpecialFrame*>(w)->Legenda());

@@ -140,6 +140,10 @@ void SistemaJanelas::EntregaAcao(const QJsonObject& a, int linha) {
     QWidget* w = principalFeita_ ? AchaControle(nome, s("kind"), s("window")) : nullptr;
     if (!w) return Aviso(linha, QString::fromUtf8(msg::execucao::kSemControle) + nome);
     Ativa(w);
+    // "part":"button": the drop button of a combo or a date field.
+    if (s("part") == u"button") {
+      if (QWidget* b = w->findChild<QWidget*>(QStringLiteral("PicUp"))) w = b;
+    }
     Clica(w, w->rect().center(), Qt::LeftButton, duplo);
     return;
   }
