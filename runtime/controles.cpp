@@ -274,7 +274,9 @@ W* NovoControle(SistemaJanelas& s, TipoControle tipo, const Texto& nome, int& sl
 void Mostra(SistemaJanelas& s, QWidget* w, TipoControle tipo) {
   // Controls start with the font of the original's design-time instance
   // (the platform's small sans serif), not the window's printing font.
-  if (tipo == TipoControle::Botao || tipo == TipoControle::Texto) {
+  if (tipo == TipoControle::Botao || tipo == TipoControle::Texto || tipo == TipoControle::Combo ||
+      tipo == TipoControle::Moeda || tipo == TipoControle::Calendario || tipo == TipoControle::Mascara ||
+      tipo == TipoControle::Frame) {
     QFont f(QStringLiteral("MS Sans Serif"), 8);
     f.setStyleHint(QFont::SansSerif);
     w->setFont(f);
