@@ -1,5 +1,7 @@
 #include "controls/caixa_texto.h"
 
+#include <algorithm>
+
 #include <QKeyEvent>
 
 #include "controls/teclas.h"
@@ -20,6 +22,13 @@ void CaixaTexto::mouseDoubleClickEvent(QMouseEvent* e) {
 
 void CaixaTexto::focusInEvent(QFocusEvent* e) {
   QLineEdit::focusInEvent(e);
+  // Into a masked box by the keyboard: the caret at the first place still
+  // to fill, or at the start.
+  if (!mascara.isEmpty() && e->reason() != Qt::MouseFocusReason) {
+    const qsizetype p = text().indexOf(QLatin1Char('_'));
+    deselect();
+    setCursorPosition(p >= 0 && p < mascara.size() && mascara[p] == QLatin1Char('#') ? static_cast<int>(p) : 0);
+  }
   if (relata) relata({EventoControle::GanhouFoco});
 }
 
@@ -28,8 +37,59 @@ void CaixaTexto::focusOutEvent(QFocusEvent* e) {
   if (relata) relata({EventoControle::PerdeuFoco});
 }
 
+namespace {
+
+bool Vaga(const QString& mascara, qsizetype p) { return p >= 0 && p < mascara.size() && mascara[p] == QLatin1Char('#'); }
+
+}  // namespace
+
+bool CaixaTexto::TeclaNaMascara(QKeyEvent* e) {
+  QString t = text();
+  const qsizetype n = std::min(t.size(), mascara.size());
+  qsizetype p = cursorPosition();
+  auto muda = [&](qsizetype cursor) {
+    setText(t);
+    setCursorPosition(static_cast<int>(cursor));
+    emit textEdited(t);
+  };
+  switch (e->key()) {
+    case Qt::Key_Backspace:
+      do --p;
+      while (p >= 0 && !Vaga(mascara, p));
+      if (p >= 0 && p < n) {
+        t[p] = QLatin1Char('_');
+        muda(p);
+      }
+      return true;
+    case Qt::Key_Delete:
+      while (p < n && !Vaga(mascara, p)) ++p;
+      if (p < n) {
+        t[p] = QLatin1Char('_');
+        muda(cursorPosition());
+      }
+      return true;
+    default:
+      break;
+  }
+  const QString c = e->text();
+  if (c.isEmpty() || !c.at(0).isPrint() || (e->modifiers() & (Qt::ControlModifier | Qt::AltModifier)))
+    return false;  // the caret's keys, Tab, short cuts
+  while (p < n && !Vaga(mascara, p)) ++p;
+  // A key that can't stand at the next place is refused.
+  if (p >= n || !c.at(0).isDigit()) return true;
+  t[p] = c.at(0);
+  ++p;
+  while (p < n && !Vaga(mascara, p)) ++p;
+  muda(p);
+  return true;
+}
+
 void CaixaTexto::keyPressEvent(QKeyEvent* e) {
   if (relata && !e->isAutoRepeat()) relata({EventoControle::TeclaDesce, CodigoTecla(e), EstadoShift(e)});
+  if (!mascara.isEmpty() && TeclaNaMascara(e)) {
+    e->accept();
+    return;
+  }
   if (numerico) {
     // Keys that type a character: only the digits pass. Keys that type
     // nothing (arrows, Tab) aren't key presses of the text and pass too.

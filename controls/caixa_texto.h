@@ -16,6 +16,10 @@ class CaixaTexto : public QLineEdit {
   RelatorControle relata;
   // Only digits and backspace get through (the Tag "NUMERICO").
   bool numerico = false;
+  // A masked box (Mask): each "#" of the mask takes one digit, the other
+  // characters stand as they are and the caret passes over them; Backspace
+  // and Delete put "_" back. Empty: a plain box.
+  QString mascara;
 
  protected:
   void mousePressEvent(QMouseEvent* e) override;
@@ -24,6 +28,9 @@ class CaixaTexto : public QLineEdit {
   void focusOutEvent(QFocusEvent* e) override;
   void keyPressEvent(QKeyEvent* e) override;
   void keyReleaseEvent(QKeyEvent* e) override;
+
+ private:
+  bool TeclaNaMascara(QKeyEvent* e);  // true when the key was the mask's
 };
 
 class TextoMultiLinha : public QTextEdit {

@@ -501,6 +501,7 @@ Valor SistemaJanelas::CriaMascara(const std::vector<Texto>& a) {
                                            [](QWidget* pai, int) { return new CaixaTexto(pai); });
   Texto mascara = TextoT(*zv, Arg(a, 1));
   m->setProperty("zvMascara", Q(mascara));
+  m->mascara = Q(mascara);
   m->setText(Q(MascaraVazia(mascara)));
   int largura = Arg(a, 4).empty() ? kLarguraPadrao : PxColuna(Num(*zv, Arg(a, 4)));
   m->setGeometry(PxColuna(Num(*zv, Arg(a, 3))), PxLinha(Num(*zv, Arg(a, 2))), largura, PxLinha(1));
@@ -652,6 +653,7 @@ void SistemaJanelas::Membro(TipoControle tipo, int slot, const std::vector<Texto
       if (prop == u".MASK") {
         Texto mascara = TextoT(*zv, valor);
         m->setProperty("zvMascara", Q(mascara));
+        m->mascara = Q(mascara);
         m->setText(Q(MascaraVazia(mascara)));
         EscreveEspelho(tipo, slot);
         return;
