@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "controls/grade.h"
+#include "runtime/argumentos.h"
 #include "runtime/headless_host.h"
 #include "runtime/janelas.h"
 #include "runtime/mensagens.h"
@@ -14,10 +15,6 @@ namespace zv {
 
 namespace {
 
-Texto Arg(const std::vector<Texto>& a, size_t k) { return k < a.size() ? a[k] : Texto(); }
-Texto TextoNT(Interpretador& zv, const Texto& t) { return t.empty() ? Texto() : zv.ValorNumerico(t).ComoTexto(); }
-Texto TextoT(Interpretador& zv, const Texto& t) { return t.empty() ? Texto() : zv.ValorTexto(t).ComoTexto(); }
-double Num(Interpretador& zv, const Texto& t) { return t.empty() ? 0.0 : zv.ValorNumerico(t).ComoDouble(); }
 QString Q(const Texto& t) { return QString::fromStdU16String(t); }
 Texto T(const QString& s) { return s.toStdU16String(); }
 
@@ -67,7 +64,7 @@ Valor SistemaJanelas::CriaBox(const std::vector<Texto>& a) {
   auto k = static_cast<size_t>(slot);
   t.nomes[k] = nome;
   t.donos[k] = nomeFormAtual;
-  auto* b = new NovoBox(Atual());
+  auto* b = new NovoBox(Atual()->Cliente());
   t.instancias[k] = b;
   // The mirror, Name.Txt(n), is declared by .Activate, when the columns are known.
   b->relata = [this, slot](const DadosEvento& e) { RelataBox(slot, e); };

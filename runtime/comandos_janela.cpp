@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "library/arquivos.h"
+#include "runtime/argumentos.h"
 #include "runtime/janela_host.h"
 #include "runtime/janelas.h"
 #include "runtime/mensagens.h"
@@ -15,12 +16,9 @@ namespace zv {
 
 namespace {
 
-Texto Arg(const std::vector<Texto>& a, size_t k) { return k < a.size() ? a[k] : Texto(); }
 
 // A value in numeric-or-text form, as text.
-Texto Texto_(Interpretador& zv, const Texto& t) { return t.empty() ? Texto() : zv.ValorNumerico(t).ComoTexto(); }
 
-double Numero(Interpretador& zv, const Texto& t) { return t.empty() ? 0.0 : zv.ValorNumerico(t).ComoDouble(); }
 
 // A 16-bit store of a position, as the original keeps CurrentX and CurrentY.
 int16_t Em16(double v) {
@@ -54,13 +52,13 @@ void AplicaTamanho(SistemaJanelas& s, JanelaExecucao* j, const Texto& altura, co
     pos.setY(0);
     h = tela.height();
   } else {
-    h = Px(Numero(zv, altura) * 220 + 600);
+    h = Px(Num(zv, altura) * 220 + 600);
   }
   if (Maiusculas(Apara(largura)) == u"MAX") {
     pos.setX(0);
     w = tela.width();
   } else {
-    w = Px(Numero(zv, largura) * 120);
+    w = Px(Num(zv, largura) * 120);
   }
   j->resize(std::max(1, w - m.width()), std::max(1, h - m.height()));
   j->move(pos);
@@ -70,8 +68,8 @@ void AplicaPosicao(SistemaJanelas& s, JanelaExecucao* j, const Texto& linha, con
   Interpretador& zv = *s.zv;
   QSize tela = s.TamanhoTela(), m = Moldura(j);
   int alto = j->height() + m.height(), largo = j->width() + m.width();
-  int top = Maiusculas(Apara(linha)) == u"CENTER" ? (tela.height() - alto) / 2 : Px(Numero(zv, linha) * 220);
-  int left = Maiusculas(Apara(coluna)) == u"CENTER" ? (tela.width() - largo) / 2 : Px(Numero(zv, coluna) * 120);
+  int top = Maiusculas(Apara(linha)) == u"CENTER" ? (tela.height() - alto) / 2 : Px(Num(zv, linha) * 220);
+  int left = Maiusculas(Apara(coluna)) == u"CENTER" ? (tela.width() - largo) / 2 : Px(Num(zv, coluna) * 120);
   j->move(left, top);
 }
 
@@ -110,7 +108,7 @@ bool AplicaFundo(SistemaJanelas& s, JanelaExecucao* j, const Texto& valor, const
     zv.CaixaCritica(Texto(msg::FundoNaoAchado) + CR + nome + CR);
     return false;
   }
-  double px = Numero(zv, x), py = Numero(zv, y);
+  double px = Num(zv, x), py = Num(zv, y);
   if (px == 0 && py == 0) {
     j->DefineFiguraFundo(figura);
   } else {
@@ -130,7 +128,7 @@ void Alterna(uint32_t& estilo, int k) {
     estilo ^= 0xC40000u;
 }
 
-bool Verdade(Interpretador& zv, const Texto& t) { return Maiusculas(Texto_(zv, t)) == u"TRUE"; }
+bool Verdade(Interpretador& zv, const Texto& t) { return Maiusculas(TextoNT(zv, t)) == u"TRUE"; }
 
 }  // namespace
 
@@ -144,7 +142,7 @@ void SistemaJanelas::Window(const std::vector<Texto>& a) {
       p->larguraPena = zv->ValorNumerico(v1.empty() ? u"0" : v1).ComoInt16();
       return;  // nothing behind it on the line is looked at
     } else if (t == u"FIXED") {
-      Texto v = Maiusculas(Texto_(*zv, v1));
+      Texto v = Maiusculas(TextoNT(*zv, v1));
       if ((v == u"TRUE" && !fixo) || (v == u"FALSE" && fixo)) {
         p->estilo ^= 0x70000u;
         fixo = !fixo;
@@ -152,7 +150,7 @@ void SistemaJanelas::Window(const std::vector<Texto>& a) {
       }
     } else if (t == u"BOX") {
       // Compared as written: only FALSE in capitals removes the box.
-      if (Texto_(*zv, v1) == u"FALSE")
+      if (TextoNT(*zv, v1) == u"FALSE")
         p->estilo |= JanelaExecucao::kSemCaixaSistema;
       else
         p->estilo &= ~JanelaExecucao::kSemCaixaSistema;
@@ -195,7 +193,7 @@ void SistemaJanelas::Window(const std::vector<Texto>& a) {
     } else if (t == u"VIDEORES") {
       throw FalhaHost(msg::ModoDeVideo);
     } else if (t == u"BORDER") {
-      int pedido = Maiusculas(Texto_(*zv, v1)) == u"FALSE" ? 0 : 1;
+      int pedido = Maiusculas(TextoNT(*zv, v1)) == u"FALSE" ? 0 : 1;
       Alterna(p->estilo, p->estiloBorda);
       Alterna(p->estilo, pedido);
       p->AplicaEstilo();
@@ -269,12 +267,12 @@ void SistemaJanelas::NewWindow(const Texto& argumentos) {
     }
     AplicaFundo(*this, j, v1, v2, Arg(a, 4));
   } else if (prop == u".BORDER") {
-    bool sem = Maiusculas(Texto_(*zv, v1)) == u"FALSE";
+    bool sem = Maiusculas(TextoNT(*zv, v1)) == u"FALSE";
     j->estiloBorda = sem ? 0 : 1;
     j->estilo = sem ? 0u : 0xC00000u;
     j->AplicaEstilo();
   } else if (prop == u".VISIBLE") {
-    if (Maiusculas(Texto_(*zv, v1)) == u"FALSE")
+    if (Maiusculas(TextoNT(*zv, v1)) == u"FALSE")
       j->hide();
     else
       j->show();
@@ -394,12 +392,12 @@ void SistemaJanelas::Fonte(const std::vector<Texto>& a) {
   // Each word is tested in turn, in the whole first argument.
   if (Contem(m, u"NAME")) f.setFamily(QString::fromStdU16String(zv->ValorTexto(v).ComoTexto()));
   if (Contem(m, u"SIZE")) {
-    double s = Numero(*zv, v);
+    double s = Num(*zv, v);
     if (s > 0) f.setPointSizeF(s);
   }
-  if (Contem(m, u"COLOR")) j->corFrente = CorDe(Numero(*zv, v));
-  if (Contem(m, u"BOLD")) f.setBold(Maiusculas(Texto_(*zv, v)) != u"FALSE");
-  if (Contem(m, u"ITALIC")) f.setItalic(Maiusculas(Texto_(*zv, v)) != u"FALSE");
+  if (Contem(m, u"COLOR")) j->corFrente = CorDe(Num(*zv, v));
+  if (Contem(m, u"BOLD")) f.setBold(Maiusculas(TextoNT(*zv, v)) != u"FALSE");
+  if (Contem(m, u"ITALIC")) f.setItalic(Maiusculas(TextoNT(*zv, v)) != u"FALSE");
   j->setFont(f);
 }
 
@@ -441,12 +439,45 @@ Valor CmdWrite(Interpretador& zv, const Texto& args) {
 
 Valor CmdPosition(Interpretador& zv, const Texto& args) {
   std::vector<Texto> a = zv.SeparaArgumentos(args, 51);
-  Janelas(zv).Posiciona(Numero(zv, Arg(a, 0)), Numero(zv, Arg(a, 1)));
+  Janelas(zv).Posiciona(Num(zv, Arg(a, 0)), Num(zv, Arg(a, 1)));
   return Valor();
 }
 
 Valor CmdCls(Interpretador& zv, const Texto&) {
   Janelas(zv).Limpa();
+  return Valor();
+}
+
+// SystemMenu Start | MainOption, n, Text | MainOption, n, Option, Text: the
+// menu bar of Janela and Form1.
+Valor CmdSystemMenu(Interpretador& zv, const Texto& args) {
+  std::vector<Texto> a = zv.SeparaArgumentos(args, 4);
+  SistemaJanelas& s = Janelas(zv);
+  // The words stand bare, as the examples write them, or in quotes.
+  Texto palavra = Maiusculas(Apara(Arg(a, 0)));
+  if (!palavra.empty() && palavra.front() == u'"') palavra = Maiusculas(Apara(TextoT(zv, Arg(a, 0))));
+  if (palavra == u"START") {
+    s.contadoresMenu.fill(0);
+    return Valor();
+  }
+  if (palavra != u"MAINOPTION") return Valor();
+  JanelaExecucao* j = s.Atual();
+  if (!j->TemMenu()) throw FalhaHost(msg::SemMenu);
+  int n = 0;
+  if (!Arg(a, 1).empty()) {
+    const double v = Num(zv, Arg(a, 1));
+    if (!(v >= -32768.0 && v <= 32767.0)) throw FalhaHost(falha::Estouro);
+    n = static_cast<int>(std::nearbyint(v));
+  }
+  if (n < 0 || n > 9) throw FalhaHost(msg::Formata(msg::ElementoInexistente, InteiroParaTexto(n)));
+  const Texto terceiro = TextoT(zv, Arg(a, 2));
+  if (Arg(a, 3).empty()) {
+    j->DefineGuia(n, QString::fromStdU16String(terceiro));
+  } else {
+    int16_t& contador = s.contadoresMenu[static_cast<size_t>(n)];
+    j->DefineOpcao(n, contador, QString::fromStdU16String(TextoT(zv, Arg(a, 3))));
+    ++contador;
+  }
   return Valor();
 }
 
@@ -456,8 +487,8 @@ Valor CmdGradient(Interpretador& zv, const Texto& args) {
   std::vector<Texto> a = zv.SeparaArgumentos(args, 2);
   JanelaExecucao* j = Janelas(zv).Atual();
   if (!Arg(a, 0).empty()) {
-    j->grdInicial = CorDe(Numero(zv, Arg(a, 0)));
-    j->grdFinal = CorDe(Numero(zv, Arg(a, 1)));
+    j->grdInicial = CorDe(Num(zv, Arg(a, 0)));
+    j->grdFinal = CorDe(Num(zv, Arg(a, 1)));
   }
   if (!j->PintaGradiente()) throw FalhaHost(falha::DivisaoPorZero);
   j->grdAtivo = true;
@@ -520,7 +551,7 @@ Valor CmdKeyTest(Interpretador& zv, const Texto& args) {
   SistemaJanelas& s = Janelas(zv);
   s.FocaAuxiliar();
   Texto a = Apara(args);
-  Texto m = Maiusculas(a == u"?" ? a : Texto_(zv, a));
+  Texto m = Maiusculas(a == u"?" ? a : TextoNT(zv, a));
   EstadoEventos& e = s.eventos;
   if (m == u"?") return Valor::DeTexto(Tira(e.ultimaTeclaTeste));
   static const char16_t kLetras[] = u"LRUDSC#";
@@ -574,6 +605,7 @@ void RegistraComandosJanela() {
   t.Define(u"ClearWindow", CmdCls, semArgs);
   t.Define(u"Font", CmdFont);
   t.Define(u"Gradient", CmdGradient);
+  t.Define(u"SystemMenu", CmdSystemMenu);
   t.Define(u"WindowWidth", CmdWindowWidth, semArgs);
   t.Define(u"WindowHeight", CmdWindowHeight, semArgs);
   t.Define(u"CaptureWindow", CmdCapture, semArgs);

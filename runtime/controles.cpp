@@ -1,6 +1,7 @@
 // The control commands of this slice: Button, Text and Label, with the
 // forms they share (creation, .Remove, members), their tables and mirror
 // variables, and what their events write.
+#include "runtime/argumentos.h"
 #include "runtime/controles.h"
 
 #include <QIcon>
@@ -66,10 +67,6 @@ int TabelaControles::Livre() {
 
 namespace {
 
-Texto Arg(const std::vector<Texto>& a, size_t k) { return k < a.size() ? a[k] : Texto(); }
-Texto TextoNT(Interpretador& zv, const Texto& t) { return t.empty() ? Texto() : zv.ValorNumerico(t).ComoTexto(); }
-Texto TextoT(Interpretador& zv, const Texto& t) { return t.empty() ? Texto() : zv.ValorTexto(t).ComoTexto(); }
-double Num(Interpretador& zv, const Texto& t) { return t.empty() ? 0.0 : zv.ValorNumerico(t).ComoDouble(); }
 QString Q(const Texto& t) { return QString::fromStdU16String(t); }
 Texto T(const QString& s) { return s.toStdU16String(); }
 
@@ -263,7 +260,7 @@ W* NovoControle(SistemaJanelas& s, TipoControle tipo, const Texto& nome, int& sl
   auto k = static_cast<size_t>(slot);
   t.nomes[k] = nome;
   t.donos[k] = s.nomeFormAtual;
-  W* w = faz(s.Atual(), slot);
+  W* w = faz(s.Atual()->Cliente(), slot);
   t.instancias[k] = w;
   const InfoControle& info = Info(tipo);
   if (info.espelho) s.zv->CriaVariavel(nome + info.espelho, info.tipoEspelho);
@@ -361,11 +358,11 @@ Valor SistemaJanelas::CriaTexto(const std::vector<Texto>& a) {
   // The two classes report alike.
   RelatorControle r = [this, slot](const DadosEvento& e) { RelataControle(TipoControle::Texto, slot, e); };
   if (multi) {
-    auto* m = new TextoMultiLinha(Atual());
+    auto* m = new TextoMultiLinha(Atual()->Cliente());
     m->relata = r;
     w = m;
   } else {
-    auto* l = new CaixaTexto(Atual());
+    auto* l = new CaixaTexto(Atual()->Cliente());
     l->relata = r;
     w = l;
   }

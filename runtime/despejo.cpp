@@ -108,8 +108,23 @@ std::string SistemaJanelas::DespejaJanelas() {
     out += Campo("class", QString::fromLatin1(JanelaExecucao::NomeClasse(j->classe())));
     out += Campo("caption", j->windowTitle());
     out += Campo("visible", j->isVisible());
-    out += Campo("client_width", j->width());
-    out += Campo("client_height", j->height());
+    out += Campo("client_width", j->TamanhoCliente().width());
+    out += Campo("client_height", j->TamanhoCliente().height());
+    // The menu bar's tabs on view, each with its options on view.
+    const auto menus = j->MenusVisiveis();
+    if (!menus.empty()) {
+      out += ",\"menu\":[";
+      for (size_t m = 0; m < menus.size(); ++m) {
+        if (m) out += ',';
+        out += "{\"title\":\"" + EscapaJson(menus[m].first.toStdU16String()) + "\",\"options\":[";
+        for (qsizetype o = 0; o < menus[m].second.size(); ++o) {
+          if (o) out += ',';
+          out += "\"" + EscapaJson(menus[m].second[o].toStdU16String()) + "\"";
+        }
+        out += "]}";
+      }
+      out += ']';
+    }
     out += "}\n";
     // Its controls in the tear-down's order of kinds, then by slot.
     for (int t = 0; t < kTiposControle; ++t) {
@@ -118,7 +133,7 @@ std::string SistemaJanelas::DespejaJanelas() {
       for (size_t s = 0; s < tab.nomes.size(); ++s) {
         QWidget* w = tab.instancias[s];
         if (!w || tab.nomes[s].empty() || w->window() != j) continue;
-        QPoint p = w->mapTo(j, QPoint(0, 0));
+        QPoint p = w->mapTo(j->Cliente(), QPoint(0, 0));
         out += "{\"control\":\"" + Utf8(Info(tipo).palavra) + "\"";
         out += Campo("name", QString::fromStdU16String(tab.nomes[s]));
         out += Campo("slot", static_cast<int>(s));

@@ -6,6 +6,7 @@
 #include <QFontDialog>
 #include <QInputDialog>
 
+#include "runtime/argumentos.h"
 #include "runtime/headless_host.h"
 #include "runtime/janela_host.h"
 #include "runtime/janelas.h"
@@ -14,8 +15,6 @@ namespace zv {
 
 namespace {
 
-Texto Arg(const std::vector<Texto>& a, size_t k) { return k < a.size() ? a[k] : Texto(); }
-Texto TextoT(Interpretador& zv, const Texto& t) { return t.empty() ? Texto() : zv.ValorTexto(t).ComoTexto(); }
 QString Q(const Texto& t) { return QString::fromStdU16String(t); }
 
 HostConsole* Console(Interpretador& zv) {

@@ -244,6 +244,12 @@ void SistemaJanelas::EntregaAcao(const QJsonObject& a, int linha) {
     b->ArrastaValor(a.value(QLatin1String("value")).toInt());
     return;
   }
+  // A menu title or option of the current window, by its caption.
+  if (a.contains(QLatin1String("menu"))) {
+    JanelaExecucao* j = principalFeita_ ? AchaJanelaViva(s("window")) : nullptr;
+    if (!j || !j->ClicaMenu(s("menu"))) return Aviso(linha, QString::fromUtf8(msg::execucao::kSemMenu) + s("menu"));
+    return;
+  }
   if (a.contains(QLatin1String("close"))) {
     JanelaExecucao* j = AchaJanelaViva(s("close"));
     if (!j) return Aviso(linha, QString::fromUtf8(msg::execucao::kSemJanela) + s("close"));

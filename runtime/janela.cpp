@@ -1,7 +1,11 @@
 #include "runtime/janela.h"
 
+#include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
+#include <QMenu>
+#include <QMenuBar>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -23,8 +27,14 @@ JanelaExecucao::JanelaExecucao(ClasseJanela classe, OuvinteJanela* ouvinte)
   f.setStyleHint(QFont::Monospace);
   setFont(f);
   setAutoFillBackground(true);
+  // The client: transparent, so that the window's own painting shows
+  // through it; the mouse it doesn't take goes up to the window.
+  cliente_ = new QWidget(this);
+  cliente_->setObjectName(QStringLiteral("Cliente"));
+  cliente_->setMouseTracking(true);
   QSize s = TamanhoPadrao(classe);
   resize(s);
+  cliente_->setGeometry(rect());
   tela_ = QImage(s, QImage::Format_ARGB32_Premultiplied);
   tela_.fill(Qt::transparent);
   AplicaEstilo();
@@ -134,12 +144,15 @@ void JanelaExecucao::DefineFiguraFundo(const QImage& figura) {
 
 void JanelaExecucao::paintEvent(QPaintEvent*) {
   QPainter p(this);
+  p.translate(0, desvio_);
   if (!figura_.isNull()) p.drawImage(rect(), figura_);
   p.drawImage(0, 0, tela_);
 }
 
 void JanelaExecucao::resizeEvent(QResizeEvent* e) {
   QWidget::resizeEvent(e);
+  cliente_->setGeometry(0, desvio_, width(), std::max(0, height() - desvio_));
+  if (barra_) barra_->setGeometry(0, 0, width(), desvio_);
   if (ouvinte_) ouvinte_->JanelaRedimensionada(this);
 }
 
@@ -162,24 +175,127 @@ namespace {
 int Botao(Qt::MouseButton b) { return b == Qt::RightButton ? 2 : b == Qt::LeftButton ? 1 : 0; }
 }  // namespace
 
+// The mouse in the client's units: below the menu bar when there is one.
 void JanelaExecucao::mousePressEvent(QMouseEvent* e) {
-  if (ouvinte_) ouvinte_->MouseJanela(this, 0, Botao(e->button()), e->position().toPoint().x(), e->position().toPoint().y());
+  const QPoint p = e->position().toPoint() - QPoint(0, desvio_);
+  if (ouvinte_) ouvinte_->MouseJanela(this, 0, Botao(e->button()), p.x(), p.y());
 }
 
 void JanelaExecucao::mouseReleaseEvent(QMouseEvent* e) {
   if (!ouvinte_) return;
-  QPoint p = e->position().toPoint();
+  const QPoint p = e->position().toPoint() - QPoint(0, desvio_);
   ouvinte_->MouseJanela(this, 1, Botao(e->button()), p.x(), p.y());
-  if (rect().contains(p)) ouvinte_->MouseJanela(this, 3, Botao(e->button()), p.x(), p.y());
+  if (cliente_->rect().contains(p)) ouvinte_->MouseJanela(this, 3, Botao(e->button()), p.x(), p.y());
 }
 
 void JanelaExecucao::mouseMoveEvent(QMouseEvent* e) {
   int b = (e->buttons() & Qt::LeftButton) ? 1 : (e->buttons() & Qt::RightButton) ? 2 : 0;
-  if (ouvinte_) ouvinte_->MouseJanela(this, 2, b, e->position().toPoint().x(), e->position().toPoint().y());
+  const QPoint p = e->position().toPoint() - QPoint(0, desvio_);
+  if (ouvinte_) ouvinte_->MouseJanela(this, 2, b, p.x(), p.y());
 }
 
 void JanelaExecucao::mouseDoubleClickEvent(QMouseEvent* e) {
-  if (ouvinte_) ouvinte_->MouseJanela(this, 4, Botao(e->button()), e->position().toPoint().x(), e->position().toPoint().y());
+  const QPoint p = e->position().toPoint() - QPoint(0, desvio_);
+  if (ouvinte_) ouvinte_->MouseJanela(this, 4, Botao(e->button()), p.x(), p.y());
+}
+
+// ---- The menu bar ---------------------------------------------------------------
+
+bool JanelaExecucao::TemMenu() const { return classe_ == ClasseJanela::Janela || classe_ == ClasseJanela::Form1; }
+
+void JanelaExecucao::MostraBarra() {
+  if (!barra_) {
+    barra_ = new QMenuBar(this);
+    barra_->setObjectName(QStringLiteral("Guia"));
+    barra_->setNativeMenuBar(false);
+    // The desktop's own font, not the window's printing font.
+    barra_->setFont(QApplication::font());
+    for (int n = 0; n < 10; ++n) {
+      // Hidden at first: a tab shows once it has a title.
+      QAction* g = barra_->addAction(QString());
+      g->setVisible(false);
+      connect(g, &QAction::triggered, this, [this, g] {
+        if (aoMenu) aoMenu(g->text());
+      });
+      guias_[static_cast<size_t>(n)] = g;
+    }
+  }
+  if (desvio_ > 0) return;
+  // The bar takes the top; the client keeps its size below it.
+  desvio_ = barra_->sizeHint().height();
+  const QSize cliente = size();
+  if (estilo & 0x40000u)
+    resize(cliente.width(), cliente.height() + desvio_);
+  else
+    setFixedSize(cliente.width(), cliente.height() + desvio_);
+  barra_->setGeometry(0, 0, width(), desvio_);
+  cliente_->setGeometry(0, desvio_, width(), height() - desvio_);
+  barra_->show();
+  update();
+}
+
+void JanelaExecucao::DefineGuia(int n, const QString& titulo) {
+  MostraBarra();
+  QAction* g = guias_[static_cast<size_t>(n)];
+  g->setText(titulo);
+  g->setVisible(true);
+  barra_->adjustSize();
+  barra_->setGeometry(0, 0, width(), desvio_);
+}
+
+void JanelaExecucao::DefineOpcao(int n, int indice, const QString& texto) {
+  MostraBarra();
+  QAction* g = guias_[static_cast<size_t>(n)];
+  if (!g->menu()) {
+    auto* m = new QMenu(this);
+    // A click on the title, before its list drops, counts as its own click.
+    connect(m, &QMenu::aboutToShow, this, [this, g] {
+      if (aoMenu) aoMenu(g->text());
+    });
+    g->setMenu(m);
+  }
+  std::vector<QAction*>& itens = opcoes_[static_cast<size_t>(n)];
+  // Item 0 exists from the start; later ones are loaded hidden.
+  while (static_cast<int>(itens.size()) <= indice + 1) {
+    QAction* o = g->menu()->addAction(QString());
+    o->setVisible(false);
+    connect(o, &QAction::triggered, this, [this, o] {
+      if (aoMenu) aoMenu(o->text());
+    });
+    itens.push_back(o);
+  }
+  itens[static_cast<size_t>(indice)]->setText(texto);
+  itens[static_cast<size_t>(indice)]->setVisible(true);
+}
+
+std::vector<std::pair<QString, QStringList>> JanelaExecucao::MenusVisiveis() const {
+  std::vector<std::pair<QString, QStringList>> r;
+  if (!barra_) return r;
+  for (size_t n = 0; n < 10; ++n) {
+    if (!guias_[n]->isVisible()) continue;
+    QStringList opcoes;
+    for (QAction* o : opcoes_[n])
+      if (o->isVisible()) opcoes << o->text();
+    r.emplace_back(guias_[n]->text(), opcoes);
+  }
+  return r;
+}
+
+bool JanelaExecucao::ClicaMenu(const QString& legenda) {
+  if (!barra_) return false;
+  for (size_t n = 0; n < 10; ++n) {
+    for (QAction* o : opcoes_[n])
+      if (o->isVisible() && o->text() == legenda) {
+        o->trigger();
+        return true;
+      }
+  }
+  for (size_t n = 0; n < 10; ++n)
+    if (guias_[n]->isVisible() && guias_[n]->text() == legenda) {
+      if (aoMenu) aoMenu(legenda);
+      return true;
+    }
+  return false;
 }
 
 }  // namespace zv

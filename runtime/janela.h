@@ -5,8 +5,14 @@
 
 #include <QImage>
 #include <QWidget>
+#include <array>
+#include <functional>
+#include <vector>
 
 #include "core/texto.h"
+
+class QAction;
+class QMenuBar;
 
 namespace zv {
 
@@ -65,6 +71,23 @@ class JanelaExecucao : public QWidget {
   bool grdAtivo = false;
   bool PintaGradiente();
 
+  // The client area, where the controls live: the whole window until a
+  // menu bar takes the top, then below it. Controls are made in it.
+  QWidget* Cliente() const { return cliente_; }
+  // Its size now, whether or not a hidden window has laid it out yet.
+  QSize TamanhoCliente() const { return {width(), std::max(0, height() - desvio_)}; }
+  // The menu bar of Janela and Form1: ten tabs (Guia), each with its list
+  // of options (MenuGuia0 to MenuGuia9). False for the classes without one.
+  bool TemMenu() const;
+  void DefineGuia(int n, const QString& titulo);
+  void DefineOpcao(int n, int indice, const QString& texto);
+  // Each tab's title and its options on view, for the window dump.
+  std::vector<std::pair<QString, QStringList>> MenusVisiveis() const;
+  // Clicks a title or an option by its caption; false when none has it.
+  bool ClicaMenu(const QString& legenda);
+  // Told of a click on a title or an option, with its caption.
+  std::function<void(const QString&)> aoMenu;
+
  protected:
   void paintEvent(QPaintEvent* e) override;
   void resizeEvent(QResizeEvent* e) override;
@@ -78,7 +101,13 @@ class JanelaExecucao : public QWidget {
 
  private:
   void CresceTela();
+  void MostraBarra();
   ClasseJanela classe_;
+  QWidget* cliente_ = nullptr;
+  QMenuBar* barra_ = nullptr;
+  std::array<QAction*, 10> guias_{};
+  std::array<std::vector<QAction*>, 10> opcoes_;
+  int desvio_ = 0;  // the bar's height once it shows
   OuvinteJanela* ouvinte_;
   QImage tela_;     // what Write printed, transparent elsewhere
   QImage figura_;   // the background picture, sized by the window

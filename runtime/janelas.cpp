@@ -76,6 +76,12 @@ JanelaExecucao* SistemaJanelas::NovaJanela(ClasseJanela c) {
   };
   aux->setFocusPolicy(Qt::StrongFocus);
   p->auxiliar = aux;
+  // A menu title or option clicked: its caption, as a button's name.
+  p->aoMenu = [this](const QString& legenda) {
+    if (!zv) return;
+    zv->ultimoBotao = legenda.toStdU16String();
+    zv->GravaVariavel(u"TestButton", Valor::DeTexto(legenda.toStdU16String()), false);
+  };
   return p;
 }
 

@@ -82,6 +82,8 @@ class SistemaJanelas : public OuvinteJanela {
   // ---- Controls (controles.cpp) ------------------------------------------
   std::array<TabelaControles, kTiposControle> controles;
   int16_t proximoTabIndex = 0;  // ProximoTabIndex
+  // SystemMenu's option counters, one a tab, shared by every window.
+  std::array<int16_t, 10> contadoresMenu{};
   // Removes a control's mirror variable and frees its slot.
   void LiberaControle(TipoControle tipo, int slot, bool destroi);
   // Deletes the controls removed so far; only from a command, where no

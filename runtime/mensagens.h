@@ -21,6 +21,7 @@ inline constexpr char kLinhaDoRoteiro[] = "zvrun: event line %d: %s; skipped\n";
 inline constexpr char kAindaSemJanela[] = "the program has no window yet";
 inline constexpr char kJanelaFechada[] = "the run window is closed";
 inline constexpr char kSemControle[] = "no control named ";
+inline constexpr char kSemMenu[] = "no menu title or option ";
 inline constexpr char kSemJanela[] = "no window named ";
 inline constexpr char kSemBarra[] = "no scroll bar named ";
 inline constexpr char kSemFoco[] = "no window has the keyboard focus";
@@ -66,6 +67,8 @@ inline constexpr Texto TituloPrefixo = u"Zarvolt - ";
 inline constexpr Texto FiguraForma2 = u"Erro ao carregar figura, caminho n\u00e3o encontrado!";
 inline constexpr Texto FiguraForma3 = u"Error loading picture, path not found!";
 inline constexpr Texto TipoSemControle = u"this kind of window has no control of this kind";
+// SystemMenu on a window class without a menu bar (Form2, Form3).
+inline constexpr Texto SemMenu = u"Object doesn't support this property or method";
 // A skin number the button-types array has no instance for.
 inline constexpr Texto ElementoInexistente = u"Control array element '{}' doesn't exist";
 

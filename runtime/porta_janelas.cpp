@@ -65,7 +65,7 @@ struct Substituta {
   const char16_t* palavra;
   bool semArgumentos;
 };
-constexpr std::array<Substituta, 28> kPalavras = {{
+constexpr std::array<Substituta, 30> kPalavras = {{
     {u"Window", false},       {u"Position", false},       {u"Cls", true},          {u"ClearWindow", true},
     {u"Font", false},         {u"WindowWidth", true},     {u"WindowHeight", true}, {u"CaptureWindow", true},
     {u"UnCaptureWindow", true}, {u"Event", false},        {u"KeyTest", false},     {u"TestMouse", true},
@@ -73,7 +73,7 @@ constexpr std::array<Substituta, 28> kPalavras = {{
     {u"Check", false},        {u"Radio", false},          {u"Combo", false},       {u"Frame", false},
     {u"ScrollBar", false},    {u"Mask", false},           {u"GetText", false},     {u"DialogBox", false},
     {u"Currency", false},     {u"Calendar", false},           {u"ButtonStyle", false},
-    {u"Box", false},
+    {u"Box", false},          {u"Gradient", false},       {u"SystemMenu", false},
 }};
 
 ModuloJanelas& Modulo() {

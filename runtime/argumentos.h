@@ -1,0 +1,22 @@
+// A command's arguments as the window commands read them: a slot that may
+// be missing, and the three forms a value is taken in.
+#pragma once
+
+#include <vector>
+
+#include "core/interpretador.h"
+
+namespace zv {
+
+// The k-th argument, empty when there are fewer.
+inline Texto Arg(const std::vector<Texto>& a, size_t k) { return k < a.size() ? a[k] : Texto(); }
+// Text form.
+inline Texto TextoT(Interpretador& zv, const Texto& t) { return t.empty() ? Texto() : zv.ValorTexto(t).ComoTexto(); }
+// Numeric-or-text form.
+inline Texto TextoNT(Interpretador& zv, const Texto& t) {
+  return t.empty() ? Texto() : zv.ValorNumerico(t).ComoTexto();
+}
+// A number; 0 for an empty argument.
+inline double Num(Interpretador& zv, const Texto& t) { return t.empty() ? 0.0 : zv.ValorNumerico(t).ComoDouble(); }
+
+}  // namespace zv
