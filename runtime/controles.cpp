@@ -511,6 +511,27 @@ Valor SistemaJanelas::CriaMascara(const std::vector<Texto>& a) {
 
 // ---- Members --------------------------------------------------------------------
 
+namespace {
+
+// Tab goes through a window's controls by their TabIndex. A control given
+// an index stands before the others that hold it, as the original pushed
+// them on; otherwise the order they were made in stands. New controls take
+// the next index and stand last already: only a .TabIndex sorts again.
+void OrdenaTabulacao(QWidget* cliente) {
+  if (!cliente) return;
+  std::vector<QWidget*> ws;
+  for (QWidget* c : cliente->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+    if (c->property("zvTabIndex").isValid()) ws.push_back(c);
+  std::stable_sort(ws.begin(), ws.end(), [](QWidget* a, QWidget* b) {
+    const int ia = a->property("zvTabIndex").toInt(), ib = b->property("zvTabIndex").toInt();
+    if (ia != ib) return ia < ib;
+    return a->property("zvTabVez").toInt() > b->property("zvTabVez").toInt();
+  });
+  for (size_t i = 1; i < ws.size(); ++i) QWidget::setTabOrder(ws[i - 1], ws[i]);
+}
+
+}  // namespace
+
 // The common properties; false when the property isn't one of them.
 bool SistemaJanelas::MembroComum(TipoControle tipo, QWidget* w, const Texto& prop, const Texto& primeiro,
                                  const Texto& valor) {
@@ -544,7 +565,12 @@ bool SistemaJanelas::MembroComum(TipoControle tipo, QWidget* w, const Texto& pro
   } else if (prop == u".SETFOCUS") {
     if (tipo != TipoControle::Rotulo) w->setFocus(Qt::OtherFocusReason);
   } else if (prop == u".TABINDEX") {
-    if (Info(tipo).focavel) w->setProperty("zvTabIndex", static_cast<int>(zv->ValorNumerico(valor.empty() ? u"0" : valor).ComoInt16()));
+    if (Info(tipo).focavel) {
+      static int vez = 0;
+      w->setProperty("zvTabIndex", static_cast<int>(zv->ValorNumerico(valor.empty() ? u"0" : valor).ComoInt16()));
+      w->setProperty("zvTabVez", ++vez);
+      OrdenaTabulacao(w->parentWidget());
+    }
   } else if (prop == u".TIP") {
     if (tipo != TipoControle::Botao) w->setToolTip(Q(TextoT(*zv, valor)));
   } else if (prop == u".PARENT") {

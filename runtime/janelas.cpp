@@ -74,7 +74,8 @@ JanelaExecucao* SistemaJanelas::NovaJanela(ClasseJanela c) {
     if (e.tipo == EventoControle::TeclaDesce) TeclaDesce(e.tecla, e.shift);
     if (e.tipo == EventoControle::TeclaSobe) TeclaSobe(e.tecla);
   };
-  aux->setFocusPolicy(Qt::StrongFocus);
+  // Reached by KeyTest and Event, never by Tab.
+  aux->setFocusPolicy(Qt::ClickFocus);
   p->auxiliar = aux;
   // A menu title or option clicked: its caption, as a button's name.
   p->aoMenu = [this](const QString& legenda) {
