@@ -74,8 +74,7 @@ JanelaExecucao* SistemaJanelas::NovaJanela(ClasseJanela c) {
     if (e.tipo == EventoControle::TeclaDesce) TeclaDesce(e.tecla, e.shift);
     if (e.tipo == EventoControle::TeclaSobe) TeclaSobe(e.tecla);
   };
-  // Reached by KeyTest and Event, never by Tab.
-  aux->setFocusPolicy(Qt::ClickFocus);
+  aux->setFocusPolicy(Qt::StrongFocus);
   p->auxiliar = aux;
   // A menu title or option clicked: its caption, as a button's name.
   p->aoMenu = [this](const QString& legenda) {
