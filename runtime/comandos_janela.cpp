@@ -592,6 +592,7 @@ Valor CmdTimer(Interpretador& zv, const Texto& args) {
 
 void RegistraControles(TabelaComandos& t);
 void RegistraDialogos(TabelaComandos& t);
+void RegistraDesenho(TabelaComandos& t);
 
 void RegistraComandosJanela() {
   TabelaComandos& t = Comandos();
@@ -616,6 +617,7 @@ void RegistraComandosJanela() {
   t.Define(u"Timer", CmdTimer);
   RegistraControles(t);
   RegistraDialogos(t);
+  RegistraDesenho(t);
 }
 
 }  // namespace zv

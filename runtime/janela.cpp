@@ -98,6 +98,15 @@ void JanelaExecucao::DesenhaFigura(const QImage& figura, int x, int y) {
   update();
 }
 
+QImage& JanelaExecucao::Tela() {
+  CresceTela();
+  return tela_;
+}
+
+QColor JanelaExecucao::CorVisivel(QPoint p) {
+  return CorDaSuperficie(this, p + QPoint(0, desvio_));
+}
+
 bool JanelaExecucao::PintaGradiente() {
   CresceTela();
   QPainter p(&tela_);

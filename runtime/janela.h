@@ -70,6 +70,13 @@ class JanelaExecucao : public QWidget {
   QColor grdInicial{Qt::black}, grdFinal{Qt::black};
   bool grdAtivo = false;
   bool PintaGradiente();
+  // The drawing surface (what Write, the drawing commands and the gradient
+  // leave), grown to the window; and a repaint of a part of it.
+  QImage& Tela();
+  void MostraTela(const QRect& r) { update(r.translated(0, desvio_)); }
+  // The colour seen at p of the client, controls left out: the background,
+  // its picture and the surface.
+  QColor CorVisivel(QPoint p);
 
   // The client area, where the controls live: the whole window until a
   // menu bar takes the top, then below it. Controls are made in it.

@@ -67,6 +67,9 @@ inline constexpr Texto TituloPrefixo = u"Zarvolt - ";
 inline constexpr Texto FiguraForma2 = u"Erro ao carregar figura, caminho n\u00e3o encontrado!";
 inline constexpr Texto FiguraForma3 = u"Error loading picture, path not found!";
 inline constexpr Texto TipoSemControle = u"this kind of window has no control of this kind";
+// Transition: a picture the program's folder doesn't have.
+inline constexpr Texto FiguraInicialAusente = u"Path of initial picture not found:";
+inline constexpr Texto FiguraFinalAusente = u"Path of final picture not found:";
 // SystemMenu on a window class without a menu bar (Form2, Form3).
 inline constexpr Texto SemMenu = u"Object doesn't support this property or method";
 // A skin number the button-types array has no instance for.

@@ -65,7 +65,7 @@ struct Substituta {
   const char16_t* palavra;
   bool semArgumentos;
 };
-constexpr std::array<Substituta, 30> kPalavras = {{
+constexpr std::array<Substituta, 37> kPalavras = {{
     {u"Window", false},       {u"Position", false},       {u"Cls", true},          {u"ClearWindow", true},
     {u"Font", false},         {u"WindowWidth", true},     {u"WindowHeight", true}, {u"CaptureWindow", true},
     {u"UnCaptureWindow", true}, {u"Event", false},        {u"KeyTest", false},     {u"TestMouse", true},
@@ -74,6 +74,8 @@ constexpr std::array<Substituta, 30> kPalavras = {{
     {u"ScrollBar", false},    {u"Mask", false},           {u"GetText", false},     {u"DialogBox", false},
     {u"Currency", false},     {u"Calendar", false},           {u"ButtonStyle", false},
     {u"Box", false},          {u"Gradient", false},       {u"SystemMenu", false},
+    {u"Circle", false},       {u"Rectangle", false},      {u"Straight", false},    {u"Point", false},
+    {u"ReadPoint", false},    {u"Paint", false},          {u"Transition", false},
 }};
 
 ModuloJanelas& Modulo() {
