@@ -35,7 +35,7 @@ QSize Moldura(const JanelaExecucao* j) {
   return {8, 38};
 }
 
-int Px(double twips) { return static_cast<int>(std::lround(twips / 15.0)); }
+int Px(double twips) { return SistemaJanelas::EmPixels(std::nearbyint(twips / 15.0)); }
 
 }  // namespace
 

@@ -20,7 +20,8 @@ struct Ponto {
 
 // Row and column to pixels, each rounded.
 Ponto NaGrade(SistemaJanelas& s, double linha, double coluna) {
-  return {static_cast<int>(std::nearbyint(coluna * s.colSize)), static_cast<int>(std::nearbyint(linha * s.linSize))};
+  return {SistemaJanelas::EmPixels(std::nearbyint(coluna * s.colSize)),
+          SistemaJanelas::EmPixels(std::nearbyint(linha * s.linSize))};
 }
 
 QColor Cor(Interpretador& zv, const Texto& t) { return CorDe(Num(zv, t)); }
@@ -36,7 +37,7 @@ Valor CmdCircle(Interpretador& zv, const Texto& args) {
   JanelaExecucao* j = s.Atual();
   const Ponto c = NaGrade(s, Num(zv, Arg(a, 0)), Num(zv, Arg(a, 1)));
   // The radius counts in columns only.
-  const double raio = Num(zv, Arg(a, 2)) * s.colSize;
+  const double raio = SistemaJanelas::EmPixels(Num(zv, Arg(a, 2)) * s.colSize);
   const QColor cor = Cor(zv, Arg(a, 3));
   QPainter p(&j->Tela());
   p.setPen(Pena(j, cor));
@@ -143,8 +144,8 @@ Valor CmdTransition(Interpretador& zv, const Texto& args) {
   const Texto palavra = Maiusculas(Apara(Arg(a, 0)));
   if (palavra == u"POSITION") {
     // The first value, scaled by LinSize, is the x: as the original had it.
-    t.x = static_cast<int>(std::nearbyint(Num(zv, Arg(a, 2)) * s.linSize));
-    t.y = static_cast<int>(std::nearbyint(Num(zv, Arg(a, 3)) * s.colSize));
+    t.x = SistemaJanelas::EmPixels(std::nearbyint(Num(zv, Arg(a, 2)) * s.linSize));
+    t.y = SistemaJanelas::EmPixels(std::nearbyint(Num(zv, Arg(a, 3)) * s.colSize));
   } else if (palavra == u"INITIALPICTURE" || palavra == u"FINALPICTURE") {
     const bool inicial = palavra == u"INITIALPICTURE";
     const Texto nome = TextoT(zv, Arg(a, 2));

@@ -60,8 +60,14 @@ class SistemaJanelas : public OuvinteJanela {
   int16_t posX = 0, posY = 0;        // CurrentX, CurrentY on the current window
   void EscreveGrade();               // the four program variables
   // Lines to pixels, as every command places things.
-  int PxLinha(double l) const { return static_cast<int>(l * linSize); }
-  int PxColuna(double c) const { return static_cast<int>(c * colSize); }
+  int PxLinha(double l) const { return EmPixels(l * linSize); }
+  int PxColuna(double c) const { return EmPixels(c * colSize); }
+  // A place or size beyond what the original's twips could hold (2^31 / 15
+  // pixels) overflows, as it did there.
+  static int EmPixels(double v) {
+    if (!(v > -143165577.0 && v < 143165577.0)) throw FalhaHost(falha::Estouro);
+    return static_cast<int>(v);
+  }
   // The screen in pixels: the desktop's, or a fixed 1024 by 768 headless.
   QSize TamanhoTela() const;
   int SlotDe(const JanelaExecucao* j) const;
