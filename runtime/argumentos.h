@@ -19,4 +19,12 @@ inline Texto TextoNT(Interpretador& zv, const Texto& t) {
 // A number; 0 for an empty argument.
 inline double Num(Interpretador& zv, const Texto& t) { return t.empty() ? 0.0 : zv.ValorNumerico(t).ComoDouble(); }
 
+// A number cut toward zero to an int; beyond 32 bits it overflows, as the
+// original's conversions did.
+inline int ParaInt(double v) {
+  if (!(v > -2147483649.0 && v < 2147483648.0)) throw FalhaHost(falha::Estouro);
+  return static_cast<int>(v);
+}
+inline int NumInt(Interpretador& zv, const Texto& t) { return ParaInt(Num(zv, t)); }
+
 }  // namespace zv

@@ -449,7 +449,7 @@ Valor SistemaJanelas::CriaBarra(const std::vector<Texto>& a) {
   BarraRolagem* b = NovoControle<BarraRolagem>(
       *this, TipoControle::Barra, TextoT(*zv, Arg(a, 0)), slot,
       [vertical](QWidget* pai, int) { return new BarraRolagem(vertical ? Qt::Vertical : Qt::Horizontal, pai); });
-  b->setRange(0, static_cast<int>(Num(*zv, Arg(a, 1))));
+  b->setRange(0, NumInt(*zv, Arg(a, 1)));
   int top = PxLinha(Num(*zv, Arg(a, 2))), left = PxColuna(Num(*zv, Arg(a, 3)));
   double tam = Num(*zv, Arg(a, 5));
   if (vertical)
@@ -612,7 +612,7 @@ void SistemaJanelas::Membro(TipoControle tipo, int slot, const std::vector<Texto
         return;
       }
       if (prop == u".ALIGNMENT") {
-        int n = static_cast<int>(Num(*zv, valor));
+        int n = NumInt(*zv, valor);
         r->setAlignment((n == 1 ? Qt::AlignRight : n == 2 ? Qt::AlignHCenter : Qt::AlignLeft) | Qt::AlignTop);
         return;
       }
@@ -636,7 +636,7 @@ void SistemaJanelas::Membro(TipoControle tipo, int slot, const std::vector<Texto
       }
       if (prop == u".LINES") {
         // ListHeight = value x 210 twips: 14 pixels a line.
-        c->DefineAlturaLista(static_cast<int>(Num(*zv, valor) * 14));
+        c->DefineAlturaLista(ParaInt(Num(*zv, valor) * 14));
         return;
       }
       break;
@@ -647,7 +647,7 @@ void SistemaJanelas::Membro(TipoControle tipo, int slot, const std::vector<Texto
       break;
     case TipoControle::Barra: {
       auto* b = static_cast<BarraRolagem*>(w);
-      int n = static_cast<int>(Num(*zv, valor));
+      int n = NumInt(*zv, valor);
       if (prop == u".MAX") {
         b->setMaximum(n);
       } else if (prop == u".SMALLSTEP") {
@@ -696,7 +696,7 @@ void SistemaJanelas::Membro(TipoControle tipo, int slot, const std::vector<Texto
       if (prop == u".HEIGHT") {
         m->resize(m->width(), PxLinha(Num(*zv, valor)));
       } else if (prop == u".DECIMALPLACES") {
-        m->DefineCasas(static_cast<int>(Num(*zv, valor)));
+        m->DefineCasas(NumInt(*zv, valor));
       } else if (prop == u".VALUE") {
         m->DefineValor(Num(*zv, valor));
       } else if (prop == u".FONTNAME" || prop == u".FONTSIZE" || prop == u".BOLD" || prop == u".ITALIC") {
@@ -763,7 +763,7 @@ bool SistemaJanelas::MembroTexto(int slot, const Texto& prop, const std::vector<
         rico->selectAll();
       } else {
         QTextCursor c = rico->textCursor();
-        int ini = static_cast<int>(Num(*zv, inicio)) - 1, tam = static_cast<int>(Num(*zv, Arg(a, 1)));
+        int ini = NumInt(*zv, inicio) - 1, tam = NumInt(*zv, Arg(a, 1));
         int total = static_cast<int>(rico->toPlainText().size());
         ini = std::clamp(ini, 0, total);
         c.setPosition(ini);
@@ -789,13 +789,13 @@ bool SistemaJanelas::MembroTexto(int slot, const Texto& prop, const std::vector<
     c.clearSelection();
     rico->setTextCursor(c);
   } else if (prop == u".ALIGNMENT") {
-    int n = static_cast<int>(Num(*zv, valor));
+    int n = NumInt(*zv, valor);
     if (multi)
       rico->setAlignment(Alinhamento(n) & Qt::AlignHorizontal_Mask);
     else
       linha->setAlignment(Alinhamento(n));
   } else if (prop == u".MAX") {
-    int n = static_cast<int>(Num(*zv, valor));
+    int n = NumInt(*zv, valor);
     if (!multi) linha->setMaxLength(n > 0 ? n : 32767);
   } else if (prop == u".RIGHTMARGIN") {
     if (multi) {
@@ -803,7 +803,7 @@ bool SistemaJanelas::MembroTexto(int slot, const Texto& prop, const std::vector<
       rico->setLineWrapColumnOrWidth(PxColuna(Num(*zv, valor)));
     }
   } else if (prop == u".CURSORPOS") {
-    int n = static_cast<int>(Num(*zv, valor));
+    int n = NumInt(*zv, valor);
     if (multi) {
       QTextCursor c = rico->textCursor();
       c.setPosition(std::clamp(n, 0, static_cast<int>(rico->toPlainText().size())));
