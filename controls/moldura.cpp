@@ -115,7 +115,9 @@ bool DesenhaGradiente(QPainter& p, QSize tamanho, const QColor& inicial, const Q
     intervalo[i] = static_cast<int>(std::nearbyint(static_cast<double>(altura) / vao[i]));
     if (intervalo[i] == 0) return false;
   }
-  for (int y = 0; y <= altura; ++y) {
+  // Lines below what the surface holds can't be seen: the walk stops there.
+  const int ultima = p.device() ? std::min(altura, p.device()->height()) : altura;
+  for (int y = 0; y <= ultima; ++y) {
     p.setPen(QColor(cor[0], cor[1], cor[2]));
     p.drawLine(0, y, tamanho.width(), y);
     for (int i = 0; i < 3; ++i)

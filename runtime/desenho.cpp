@@ -106,9 +106,9 @@ Valor CmdPaint(Interpretador& zv, const Texto& args) {
   // What is seen: the window's own drawing with the surface over it.
   // What is seen, the controls left out: the window's background and its
   // own drawing, as the original's device context held them.
-  QImage visto(j->Cliente()->size(), QImage::Format_RGB32);
+  QImage visto(tela.size(), QImage::Format_RGB32);
   visto.fill(Qt::white);
-  j->render(&visto, QPoint(), QRegion(j->Cliente()->geometry()), QWidget::DrawWindowBackground);
+  j->render(&visto, QPoint(), QRegion(QRect(j->Cliente()->pos(), tela.size())), QWidget::DrawWindowBackground);
   if (!visto.rect().contains(pt.x, pt.y)) return Valor();
   const QRgb alvo = visto.pixel(pt.x, pt.y);
   if (alvo == cor.rgb()) return Valor();

@@ -116,9 +116,12 @@ bool JanelaExecucao::PintaGradiente() {
 }
 
 void JanelaExecucao::CresceTela() {
-  if (tela_.width() < width() || tela_.height() < height()) {
-    QImage maior(std::max(tela_.width(), width()), std::max(tela_.height(), height()),
-                 QImage::Format_ARGB32_Premultiplied);
+  // The surface goes no larger than the original's persistent picture
+  // could: a window made absurdly large draws only on its first 4096 pixels.
+  constexpr int kMaior = 4096;
+  const int w = std::min(width(), kMaior), h = std::min(height(), kMaior);
+  if (tela_.width() < w || tela_.height() < h) {
+    QImage maior(std::max(tela_.width(), w), std::max(tela_.height(), h), QImage::Format_ARGB32_Premultiplied);
     maior.fill(Qt::transparent);
     QPainter(&maior).drawImage(0, 0, tela_);
     tela_ = std::move(maior);
