@@ -98,19 +98,11 @@ void Calendario::Fecha() {
   if (relata) relata({EventoControle::Mudou});
 }
 
-// Keys sent to the control itself (an event script's) reach the part that
-// has the focus; a key a part leaves comes back up and goes no further.
-void Calendario::keyPressEvent(QKeyEvent* e) { Encaminha(e); }
-void Calendario::keyReleaseEvent(QKeyEvent* e) { Encaminha(e); }
+void Calendario::keyPressEvent(QKeyEvent* e) { encaminha_(e, ParteComFoco()); }
+void Calendario::keyReleaseEvent(QKeyEvent* e) { encaminha_(e, ParteComFoco()); }
 
-void Calendario::Encaminha(QKeyEvent* e) {
-  if (encaminhando_) {
-    e->ignore();
-    return;
-  }
-  encaminhando_ = true;
-  QCoreApplication::sendEvent(aberto_ ? static_cast<QWidget*>(txtCalendario_) : txtData_, e);
-  encaminhando_ = false;
+QWidget* Calendario::ParteComFoco() const {
+  return aberto_ ? static_cast<QWidget*>(txtCalendario_) : static_cast<QWidget*>(txtData_);
 }
 
 bool Calendario::eventFilter(QObject* o, QEvent* e) {

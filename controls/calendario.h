@@ -9,6 +9,7 @@
 #include <QDateEdit>
 #include <QWidget>
 
+#include "controls/encaminha.h"
 #include "controls/evento_controle.h"
 
 namespace zv {
@@ -42,7 +43,7 @@ class Calendario : public QWidget {
 
  private:
   void Arranja();
-  void Encaminha(QKeyEvent* e);
+  QWidget* ParteComFoco() const;
 
   QDateEdit* txtData_;
   BotaoDescer* picUp_;
@@ -51,7 +52,7 @@ class Calendario : public QWidget {
   QSize fechado_;           // PicCalendario's size: the closed control
   bool aberto_ = false;     // Open
   bool redimensionando_ = false;  // Resizing: the control's own growing
-  bool encaminhando_ = false;
+  EncaminhaTeclas encaminha_;
 };
 
 }  // namespace zv

@@ -192,21 +192,8 @@ void EntraNum::mousePressEvent(QMouseEvent*) {
   if (relata) relata({EventoControle::Clique});
 }
 
-// Keys sent to the control itself (an event script's) reach the edit box
-// as a user's would. A key the box leaves comes back up to here: it goes
-// no further down.
-void EntraNum::keyPressEvent(QKeyEvent* e) { Encaminha(e); }
-void EntraNum::keyReleaseEvent(QKeyEvent* e) { Encaminha(e); }
-
-void EntraNum::Encaminha(QKeyEvent* e) {
-  if (encaminhando_) {
-    e->ignore();
-    return;
-  }
-  encaminhando_ = true;
-  QCoreApplication::sendEvent(txtAux_, e);
-  encaminhando_ = false;
-}
+void EntraNum::keyPressEvent(QKeyEvent* e) { encaminha_(e, txtAux_); }
+void EntraNum::keyReleaseEvent(QKeyEvent* e) { encaminha_(e, txtAux_); }
 
 bool EntraNum::eventFilter(QObject* o, QEvent* e) {
   if (o != txtAux_) return QWidget::eventFilter(o, e);

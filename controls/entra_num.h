@@ -10,6 +10,7 @@
 #include <QTimer>
 #include <QWidget>
 
+#include "controls/encaminha.h"
 #include "controls/evento_controle.h"
 
 namespace zv {
@@ -60,14 +61,13 @@ class EntraNum : public QWidget {
   void TeclaSobe(QKeyEvent* e);
   int FiltraTecla(int ascii);     // CampoNumerico: the key, or 0 to drop it
   void Insere(const QString& s);
-  void Encaminha(QKeyEvent* e);
 
   QLineEdit* txtAux_;
   QTimer redesenho_;  // Timer1: 10 ms after a key
   QTimer pisca_;      // Timer2: the caret, every 500 ms
   double valor_ = 0;
   int casas_ = 2;
-  bool encaminhando_ = false;
+  EncaminhaTeclas encaminha_;
   int fase_ = 1;      // 1: the next key is the first since the focus came
   bool cursorVisivel_ = false;
   QString exibido_;

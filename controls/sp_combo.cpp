@@ -164,20 +164,11 @@ void SpCombo::Completa() {
   }
 }
 
-// Keys sent to the control itself (an event script's) reach the part that
-// has the focus, as a user's would. A key a part leaves comes back up to
-// here: it goes no further down.
-void SpCombo::keyPressEvent(QKeyEvent* e) { Encaminha(e); }
-void SpCombo::keyReleaseEvent(QKeyEvent* e) { Encaminha(e); }
+void SpCombo::keyPressEvent(QKeyEvent* e) { encaminha_(e, ParteComFoco()); }
+void SpCombo::keyReleaseEvent(QKeyEvent* e) { encaminha_(e, ParteComFoco()); }
 
-void SpCombo::Encaminha(QKeyEvent* e) {
-  if (encaminhando_) {
-    e->ignore();
-    return;
-  }
-  encaminhando_ = true;
-  QCoreApplication::sendEvent(lstAux_->hasFocus() ? static_cast<QWidget*>(lstAux_) : txtAux_, e);
-  encaminhando_ = false;
+QWidget* SpCombo::ParteComFoco() const {
+  return lstAux_->hasFocus() ? static_cast<QWidget*>(lstAux_) : static_cast<QWidget*>(txtAux_);
 }
 
 bool SpCombo::TeclaNaCaixa(QKeyEvent* e) {

@@ -11,6 +11,7 @@
 #include <QPixmap>
 #include <QWidget>
 
+#include "controls/encaminha.h"
 #include "controls/evento_controle.h"
 
 namespace zv {
@@ -57,7 +58,7 @@ class SpCombo : public QWidget {
   void CliqueLista();
   bool TeclaNaCaixa(QKeyEvent* e);
   bool TeclaNaLista(QKeyEvent* e);
-  void Encaminha(QKeyEvent* e);
+  QWidget* ParteComFoco() const;
 
   QLineEdit* txtAux_;
   BotaoDescer* picUp_;
@@ -65,7 +66,7 @@ class SpCombo : public QWidget {
   int alturaLista_ = 106;  // 1590 twips
   bool aberta_ = false;
   bool arranjando_ = false;
-  bool encaminhando_ = false;
+  EncaminhaTeclas encaminha_;
   bool mudando_ = false;         // Changing: from a key's press to its release
   bool primeiroClique_ = true;   // the list's first click event is passed over
   QString ultimoTexto_;          // LastText
