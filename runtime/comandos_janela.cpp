@@ -6,6 +6,7 @@
 #include <QPixmap>
 #include <cmath>
 
+#include "controls/figuras_padrao.h"
 #include "library/arquivos.h"
 #include "runtime/argumentos.h"
 #include "runtime/janela_host.h"
@@ -85,9 +86,19 @@ void AplicaRes(SistemaJanelas& s, JanelaExecucao* j, const Texto& linhas, const 
 
 // Background: a colour, a colour variable, NULL, or a picture file. False
 // when the file isn't there (the message was shown).
-bool AplicaFundo(SistemaJanelas& s, JanelaExecucao* j, const Texto& valor, const Texto& x, const Texto& y) {
+bool AplicaFundo(SistemaJanelas& s, JanelaExecucao* j, const Texto& valor, const Texto& x, const Texto& y,
+                 bool padroes = false) {
   Interpretador& zv = *s.zv;
   Texto v = Apara(valor);
+  // Window Background looks at the built-in backgrounds first.
+  if (padroes) {
+    if (int n = ProcuraNaLista(QString::fromLatin1(kListaFundos),
+                               QString::fromStdU16String(Interpretador::RemoveAspas(v)));
+        n >= 0) {
+      j->DefineFiguraFundo(FundoPadrao(n));
+      return true;
+    }
+  }
   double n;
   if (LeNumero(v, n)) {
     j->DefineFundo(CorDe(n));
@@ -189,7 +200,7 @@ void SistemaJanelas::Window(const std::vector<Texto>& a) {
     } else if (t == u"BACKGROUND") {
       // The built-in backgrounds are pictures of the environment, which
       // this build doesn't carry yet: they count as a missing picture.
-      AplicaFundo(*this, Atual(), v1, v2, Arg(a, i + 4));
+      AplicaFundo(*this, Atual(), v1, v2, Arg(a, i + 4), true);
     } else if (t == u"VIDEORES") {
       throw FalhaHost(msg::ModoDeVideo);
     } else if (t == u"BORDER") {

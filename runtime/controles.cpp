@@ -12,6 +12,7 @@
 #include "controls/barras.h"
 #include "controls/calendario.h"
 #include "controls/entra_num.h"
+#include "controls/figuras_padrao.h"
 #include "controls/marcas.h"
 #include "controls/moldura.h"
 #include "controls/sp_combo.h"
@@ -123,16 +124,21 @@ Qt::Alignment Alinhamento(int n) {
   return Qt::AlignLeft | Qt::AlignVCenter;
 }
 
-// A picture argument: empty clears, a file loads; false when it isn't there.
+// A picture argument: empty clears, a default picture's name takes it, a
+// file loads; false when it isn't there.
 bool Figura(Interpretador& zv, BtnEsp* b, const Texto& valor) {
   Texto nome = TextoT(zv, valor);
   if (nome.empty()) {
     b->setIcon(QIcon());
     return true;
   }
-  Texto arquivo = ResolveArquivo(zv, nome);
   QPixmap p;
-  if (arquivo.empty() || !p.load(Q(arquivo))) return false;
+  if (int n = ProcuraNaLista(QString::fromLatin1(kListaFiguras), Q(nome)); n >= 0) {
+    p = FiguraPadrao(n);
+  } else {
+    Texto arquivo = ResolveArquivo(zv, nome);
+    if (arquivo.empty() || !p.load(Q(arquivo))) return false;
+  }
   b->setIcon(QIcon(p));
   b->setIconSize(p.size());
   return true;
