@@ -1,7 +1,9 @@
 #include "controls/calendario.h"
 
 #include <QApplication>
+#include <QPainter>
 #include <QKeyEvent>
+#include <QMouseEvent>
 
 #include "controls/botao_descer.h"
 #include "controls/teclas.h"
@@ -143,6 +145,89 @@ bool Calendario::eventFilter(QObject* o, QEvent* e) {
     }
   }
   return QWidget::eventFilter(o, e);
+}
+
+// ---- MyDate -----------------------------------------------------------------------
+
+namespace {
+constexpr int kMargemInterna = 2;   // Picture1: 25 in from the control
+constexpr int kSobraLargura = 5;    // the editor: 75 wider than its panel
+constexpr int kSobraAltura = 3;     // and 45 higher
+}  // namespace
+
+MyDate::MyDate(QWidget* pai) : QWidget(pai) {
+  picture1_ = new QWidget(this);
+  picture1_->setObjectName(QStringLiteral("Picture1"));
+  dtPicker1_ = new QDateEdit(QDate::currentDate(), picture1_);
+  dtPicker1_->setObjectName(QStringLiteral("DTPicker1"));
+  dtPicker1_->setCalendarPopup(true);
+  image1_ = new BotaoDescer(this);
+  image1_->setObjectName(QStringLiteral("Image1"));
+  txtAux_ = new QLineEdit(this);
+  txtAux_->setObjectName(QStringLiteral("TxtAux"));
+  txtAux_->setGeometry(0, -1000, 10, 10);
+  txtAux_->setEnabled(false);
+  setFocusProxy(dtPicker1_);
+  // A click on the button: the editor takes the keyboard and F4 drops its month.
+  image1_->aoClicar = [this] {
+    dtPicker1_->setFocus();
+    // The original sent F4; this platform's editor drops its month from a
+    // press on its own button, which lies cut off beyond the panel.
+    const QPointF seta(dtPicker1_->width() - 8, dtPicker1_->height() / 2.0);
+    QMouseEvent aperta(QEvent::MouseButtonPress, seta, dtPicker1_->mapToGlobal(seta), Qt::LeftButton, Qt::LeftButton,
+                       Qt::NoModifier);
+    QCoreApplication::sendEvent(dtPicker1_, &aperta);
+  };
+
+  connect(qApp, &QApplication::focusChanged, this, [this](QWidget* antes, QWidget* agora) {
+    const bool tinha = antes && isAncestorOf(antes), tem = agora && isAncestorOf(agora);
+    if (tinha == tem) return;
+    corBorda_ = tem ? corFoco : corPerdeFoco;
+    update();
+  });
+  resize(120, 24);
+}
+
+QWidget* MyDate::botao() const { return image1_; }
+
+bool MyDate::Aberto() const {
+  // The month drops as a pop-up window of its own.
+  QWidget* p = QApplication::activePopupWidget();
+  return p && p->isAncestorOf(dtPicker1_->calendarWidget());
+}
+
+void MyDate::DefineCoresMes(const QColor& fundo, const QColor& letra, const QColor& fundoTitulo, const QColor& titulo,
+                            const QColor& trilha) {
+  QCalendarWidget* c = dtPicker1_->calendarWidget();
+  QPalette p = c->palette();
+  p.setColor(QPalette::Base, fundo);
+  p.setColor(QPalette::Text, letra);
+  c->setPalette(p);
+  c->setStyleSheet(QStringLiteral("#qt_calendar_navigationbar{background-color:%1}"
+                                  "#qt_calendar_navigationbar QToolButton{color:%2}")
+                       .arg(fundoTitulo.name(), titulo.name()));
+  trilha_ = trilha;
+}
+
+void MyDate::DefineAtiva(bool sim) {
+  dtPicker1_->setEnabled(sim);
+  txtAux_->setEnabled(!sim);
+}
+
+void MyDate::paintEvent(QPaintEvent*) {
+  QPainter p(this);
+  p.fillRect(rect(), palette().color(QPalette::Base));
+  p.setPen(corBorda_);
+  p.drawRect(rect().adjusted(0, 0, -1, -1));
+}
+
+void MyDate::resizeEvent(QResizeEvent* e) {
+  QWidget::resizeEvent(e);
+  picture1_->setGeometry(kMargemInterna, kMargemInterna, width() - 2 * kMargemInterna - 18,
+                         height() - 2 * kMargemInterna);
+  // Larger than its panel: its own frame and button fall outside and are cut.
+  dtPicker1_->setGeometry(-1, -1, picture1_->width() + kSobraLargura + 18, picture1_->height() + kSobraAltura);
+  image1_->setGeometry(width() - 18 - kMargemInterna, kMargemInterna, 16, height() - 2 * kMargemInterna);
 }
 
 }  // namespace zv

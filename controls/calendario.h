@@ -7,6 +7,7 @@
 
 #include <QCalendarWidget>
 #include <QDateEdit>
+#include <QLineEdit>
 #include <QWidget>
 
 #include "controls/encaminha.h"
@@ -53,6 +54,45 @@ class Calendario : public QWidget {
   bool aberto_ = false;     // Open
   bool redimensionando_ = false;  // Resizing: the control's own growing
   EncaminhaTeclas encaminha_;
+};
+
+}  // namespace zv
+
+namespace zv {
+
+// MyDate: a second date field, with colours of its own. No window of the
+// run time makes one; it belongs to the set for programs of the
+// environment's kind. The date editor stands larger than its panel, so
+// that its own frame and button are cut off, and a drop button of ours
+// opens its month.
+class MyDate : public QWidget {
+ public:
+  explicit MyDate(QWidget* pai);
+  QColor corFoco{0x80, 0x80, 0xFF};     // CorFoco, 0xFF8080 as the language counts colours
+  QColor corPerdeFoco{192, 0, 0};       // CorPerdeFoco, 192
+  QColor CorBorda() const { return corBorda_; }
+  QDate ValorData() const { return dtPicker1_->date(); }
+  void DefineValorData(const QDate& d) { dtPicker1_->setDate(d); }
+  // CorFundo, CorLetra, FundoTitulo, CorTitulo, CorTrilha: the month's.
+  void DefineCoresMes(const QColor& fundo, const QColor& letra, const QColor& fundoTitulo, const QColor& titulo,
+                      const QColor& trilha);
+  // Ativa: the editor on or off, the helper box the other way.
+  void DefineAtiva(bool sim);
+  bool Aberto() const;
+  QDateEdit* editor() const { return dtPicker1_; }
+  QWidget* botao() const;
+
+ protected:
+  void paintEvent(QPaintEvent* e) override;
+  void resizeEvent(QResizeEvent* e) override;
+
+ private:
+  QWidget* picture1_;
+  QDateEdit* dtPicker1_;
+  BotaoDescer* image1_;
+  QLineEdit* txtAux_;
+  QColor corBorda_{192, 0, 0};
+  QColor trilha_;
 };
 
 }  // namespace zv

@@ -75,3 +75,33 @@ TEST_F(Data, ADateTypedInTheFieldBecomesTheValueWhenTheFocusLeaves) {
 
 }  // namespace
 }  // namespace zv
+
+namespace zv {
+namespace {
+
+TEST(MyDate, TheBorderFollowsTheFocusAndTheButtonDropsTheMonth) {
+  QWidget janela;
+  janela.resize(300, 200);
+  auto* d = new MyDate(&janela);
+  d->setGeometry(10, 10, 140, 24);
+  auto* outro = new QLineEdit(&janela);
+  outro->setGeometry(10, 100, 80, 20);
+  janela.show();
+  QApplication::setActiveWindow(&janela);
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&janela));
+  EXPECT_EQ(d->ValorData(), QDate::currentDate());
+  outro->setFocus();
+  d->editor()->setFocus();
+  EXPECT_EQ(d->CorBorda(), d->corFoco);
+  outro->setFocus();
+  EXPECT_EQ(d->CorBorda(), d->corPerdeFoco);
+  // The editor's own frame and button lie outside its panel.
+  EXPECT_GT(d->editor()->width(), d->editor()->parentWidget()->width());
+  QTest::mouseClick(d->botao(), Qt::LeftButton);
+  EXPECT_TRUE(d->Aberto());  // the month, a pop-up, has the keyboard now
+  d->DefineAtiva(false);
+  EXPECT_FALSE(d->editor()->isEnabled());
+}
+
+}  // namespace
+}  // namespace zv
