@@ -4,6 +4,8 @@
 #include <QColorDialog>
 #include <QFileDialog>
 #include <QFontDialog>
+#include <QPrintDialog>
+#include <QPrinter>
 #include <QInputDialog>
 
 #include "runtime/argumentos.h"
@@ -99,10 +101,16 @@ Valor CmdDialogBox(Interpretador& zv, const Texto& args) {
     zv.GravaVariavel(u"RetValue", Valor::DeDouble(cor), false);
   } else if (tipo == u"PRINTER") {
     zv.GravaVariavel(u"RetStr", Valor::DeTexto(Texto()), false);
-    // The printer's own dialogue comes with printing; until then the
-    // default printer is taken as chosen.
-    // Only an answer of Cancel cancels; none left takes the printer.
-    if (h && !Responde(*h, "printer", Texto(), Texto(), Texto(), resp) && !resp.empty()) return Valor();
+    if (h) {
+      // Only an answer of Cancel cancels; none left takes the printer.
+      if (!Responde(*h, "printer", Texto(), Texto(), Texto(), resp) && !resp.empty()) return Valor();
+    } else {
+      // The desktop's printer dialogue; the printer chosen becomes the
+      // platform's choice for what prints next.
+      QPrinter impressora;
+      QPrintDialog dialogo(&impressora);
+      if (dialogo.exec() != QDialog::Accepted) return Valor();
+    }
     zv.GravaVariavel(u"RetStr", Valor::DeTexto(u"OK"), false);
   } else if (tipo == u"FONT") {
     Texto r;
