@@ -332,6 +332,7 @@ void JanelaCodigo::MontaAbas(QWidget* pai) {
   connect(nome_, &QLineEdit::textEdited, this, [this](const QString& t) {
     if (documento.codigoAtivo == 0) return;
     documento.fonte.nomes[static_cast<size_t>(documento.codigoAtivo - 1)] = T(t);
+    LegendasDasAbas();
   });
   connect(nome_, &QLineEdit::returnPressed, this, [this] { editor_->setFocus(); });
   h->addWidget(nome_);
@@ -406,8 +407,18 @@ fs::path JanelaCodigo::CaminhoAtual() const {
   return fs::path((pasta + Q(documento.nomeAtual)).toStdString());
 }
 
+void JanelaCodigo::LegendasDasAbas() {
+  // A named code shows its name beside its number.
+  for (int k = 1; k <= 6; ++k) {
+    const QString nome = Q(documento.fonte.nomes[static_cast<size_t>(k - 1)]).trimmed();
+    abas_[static_cast<size_t>(k)]->setText(nome.isEmpty() ? QString::number(k)
+                                                           : QStringLiteral("%1 %2").arg(k).arg(nome.left(16)));
+  }
+}
+
 void JanelaCodigo::MostraCodigoAtivo() {
   int i = documento.codigoAtivo;
+  LegendasDasAbas();
   for (int k = 0; k < 7; ++k) abas_[static_cast<size_t>(k)]->setChecked(k == i);
   editor_->setText(Q(documento.fonte.textos[static_cast<size_t>(i)]));
   nome_->setText(i == 0 ? Tr(m::kCodigoPrincipal) : Q(documento.fonte.nomes[static_cast<size_t>(i - 1)]));

@@ -109,6 +109,7 @@ class JanelaCodigo : public QMainWindow {
   bool GravaNoCaminho(const std::filesystem::path& caminho);
   void AvisaLeitura(Documento::Leitura r, const QString& caminho);
   void MostraCodigoAtivo();
+  void LegendasDasAbas();
   void AbreConfiguracoes();
   void MontaExtras();
   void EsqueceMarcas();

@@ -54,6 +54,9 @@ TEST_F(Ambiente, TabsKeepTheirTextsAndNamesAndLightTheSaveButton) {
   EXPECT_TRUE(janela->caixaNome()->isReadOnly());
   EXPECT_EQ(janela->documento.fonte.textos[2], u"Sub Two");
   EXPECT_EQ(janela->documento.fonte.nomes[1], u"Tools");
+  // A named code wears its name on its tab; the others only their number.
+  EXPECT_EQ(janela->botaoCodigo(2)->text(), QStringLiteral("2 Tools"));
+  EXPECT_EQ(janela->botaoCodigo(3)->text(), QStringLiteral("3"));
   EXPECT_TRUE(janela->botaoCodigo(0)->isChecked());
   EXPECT_FALSE(janela->botaoCodigo(2)->isChecked());
 }
