@@ -10,6 +10,7 @@ void RegistraBiblioteca() {
   RegistraDatas();
   RegistraArquivos();
   RegistraConfiguracao();
+  RegistraSistema();
 }
 
 }  // namespace zv

@@ -11,5 +11,6 @@ void RegistraTextos();         // strings and numbers
 void RegistraDatas();          // dates and times, Format
 void RegistraArquivos();       // files and containers
 void RegistraConfiguracao();   // GetString, SaveString
+void RegistraSistema();        // GetWinReg, SaveWinReg, Call
 
 }  // namespace zv

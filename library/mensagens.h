@@ -22,6 +22,12 @@ inline constexpr char16_t kErroDePasta[] = u"Erro ";
 inline constexpr char16_t kPastaExisteOuNegada[] = u"Directory already exists or access denied!";
 inline constexpr char16_t kPastaNaoEncontrada[] = u"Path not found!";
 
+// ---- System services ----------------------------------------------------------
+
+// Call's result when the program can't start: "Error ", the number, ": ",
+// the description.
+inline constexpr char16_t kErroAoChamar[] = u"Error {}: {}";
+
 // ---- Containers -------------------------------------------------------------
 
 inline constexpr char16_t kContainerDanificado[] = u"The container is damaged: {}";
