@@ -3,6 +3,7 @@
 // Event, KeyTest, TestMouse and the Timer command.
 #include <QApplication>
 #include <QCursor>
+#include <QIcon>
 #include <QPixmap>
 #include <cmath>
 
@@ -492,6 +493,16 @@ Valor CmdSystemMenu(Interpretador& zv, const Texto& args) {
   return Valor();
 }
 
+// Icon File: the current window's icon, from a picture file.
+Valor CmdIcon(Interpretador& zv, const Texto& args) {
+  std::vector<Texto> a = zv.SeparaArgumentos(args, 2);
+  const Texto arquivo = ResolveArquivo(zv, TextoT(zv, Arg(a, 0)));
+  QPixmap figura;
+  if (arquivo.empty() || !figura.load(QString::fromStdU16String(arquivo))) throw FalhaHost(falha::ArquivoNaoEncontrado);
+  Janelas(zv).Atual()->setWindowIcon(QIcon(figura));
+  return Valor::TextoComAspas(Texto());
+}
+
 // Gradient [Start, End]: the current window's gradient, painted on its
 // surface, and again at each resize from then on.
 Valor CmdGradient(Interpretador& zv, const Texto& args) {
@@ -617,6 +628,7 @@ void RegistraComandosJanela() {
   t.Define(u"ClearWindow", CmdCls, semArgs);
   t.Define(u"Font", CmdFont);
   t.Define(u"Gradient", CmdGradient);
+  t.Define(u"Icon", CmdIcon);
   t.Define(u"SystemMenu", CmdSystemMenu);
   t.Define(u"WindowWidth", CmdWindowWidth, semArgs);
   t.Define(u"WindowHeight", CmdWindowHeight, semArgs);

@@ -108,6 +108,7 @@ std::string SistemaJanelas::DespejaJanelas() {
     out += Campo("class", QString::fromLatin1(JanelaExecucao::NomeClasse(j->classe())));
     out += Campo("caption", j->windowTitle());
     out += Campo("visible", j->isVisible());
+    if (!j->windowIcon().isNull()) out += Campo("icon", true);
     out += Campo("client_width", j->TamanhoCliente().width());
     out += Campo("client_height", j->TamanhoCliente().height());
     // The menu bar's tabs on view, each with its options on view.

@@ -65,7 +65,7 @@ struct Substituta {
   const char16_t* palavra;
   bool semArgumentos;
 };
-constexpr std::array<Substituta, 37> kPalavras = {{
+constexpr std::array<Substituta, 38> kPalavras = {{
     {u"Window", false},       {u"Position", false},       {u"Cls", true},          {u"ClearWindow", true},
     {u"Font", false},         {u"WindowWidth", true},     {u"WindowHeight", true}, {u"CaptureWindow", true},
     {u"UnCaptureWindow", true}, {u"Event", false},        {u"KeyTest", false},     {u"TestMouse", true},
@@ -75,7 +75,7 @@ constexpr std::array<Substituta, 37> kPalavras = {{
     {u"Currency", false},     {u"Calendar", false},           {u"ButtonStyle", false},
     {u"Box", false},          {u"Gradient", false},       {u"SystemMenu", false},
     {u"Circle", false},       {u"Rectangle", false},      {u"Straight", false},    {u"Point", false},
-    {u"ReadPoint", false},    {u"Paint", false},          {u"Transition", false},
+    {u"ReadPoint", false},    {u"Paint", false},          {u"Transition", false},  {u"Icon", false},
 }};
 
 ModuloJanelas& Modulo() {
