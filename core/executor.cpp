@@ -17,6 +17,17 @@ void LocalizacaoTexto(TextoV linha, Texto& editor, Texto& numLinha) {
   numLinha = InteiroParaTexto(l);
 }
 
+// None of the words the walk tests a line for: the ends, ++ and --, the
+// compound assignments, NewWindow, a DB block, GoTo and the block words.
+bool SemPalavrasDoCaminho(const Texto& linha, const Texto& maius) {
+  return !Contem(maius, u"ENDPROGRAM") && !Contem(maius, u"ENDFUNCTION") && !Contem(maius, u"ENDWINDOW") &&
+         !TerminaCom(linha, u"++") && !TerminaCom(linha, u"--") && !Contem(linha, u"+ = ") &&
+         !Contem(linha, u" + =") && !Contem(linha, u"- = ") && !Contem(linha, u" - =") &&
+         !Contem(maius, u"NEWWINDOW") && linha.compare(kColunaComando, 2, u"DB") != 0 &&
+         linha.find(u"GoTo") == NPOS && linha.find(u"While[") == NPOS && linha.find(u"Loop[") == NPOS &&
+         linha.find(u"If[") == NPOS && linha.find(u"Else[") == NPOS;
+}
+
 }  // namespace
 
 Interpretador::Interpretador(Host& host) : host_(host) {}
@@ -138,6 +149,7 @@ Texto NomeAntes(const Texto& linha, size_t p) {
 void Interpretador::Caminha(const Texto& texto, const Texto& textoExibicao, int32_t numero, size_t pos,
                            size_t fim, CondicoesFalsas& falsas, bool contado) {
   for (;; contado = false) {
+    PlanoLinha* generico = nullptr;
     if (!contado) {
       if (!executando || janelaFechada || pararPrograma || abortado) return;
       if (limiteInstrucoes > 0 && ++instrucoesExecutadas > limiteInstrucoes) {
@@ -146,7 +158,9 @@ void Interpretador::Caminha(const Texto& texto, const Texto& textoExibicao, int3
         return;
       }
       if (!Vigiado()) {
-        if (PlanoLinha* pl = PlanoDe(texto, numero, pos, fim); pl && pl->tipo != PlanoLinha::Tipo::Generico) {
+        PlanoLinha* pl = PlanoDe(texto, numero, pos, fim);
+        if (pl && pl->tipo == PlanoLinha::Tipo::Generico) generico = pl;
+        if (pl && pl->tipo != PlanoLinha::Tipo::Generico) {
           // A text cut by the plans is whole again for the walk, whichever way they stop.
           Seguimento s;
           try {
@@ -164,7 +178,21 @@ void Interpretador::Caminha(const Texto& texto, const Texto& textoExibicao, int3
     Texto linha = texto.substr(pos, fim - pos);
     Localizacao(linha, editorAtual, linhaAtual);
 
+    // A line in which an earlier walk found none of the words below is a
+    // plain command: the same tests would all fail again.
+    if (generico && generico->semPalavras == 1) {
+      ExecutaComando(linha);
+      ++numero;
+      size_t prox = AchaMarca(texto, numero, pos);
+      if (prox == NPOS) return;
+      pos = prox;
+      fim = FimDaLinha(texto, numero, pos);
+      continue;
+    }
+
     Texto maius = Maiusculas(linha);
+    // Noted now, before the line runs: running it may remake the plans.
+    if (generico && generico->semPalavras < 0) generico->semPalavras = SemPalavrasDoCaminho(linha, maius) ? 1 : 0;
     if (Contem(maius, u"ENDPROGRAM")) {
       pararPrograma = true;
       return;

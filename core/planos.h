@@ -141,6 +141,10 @@ struct PlanoLinha {
     RepStr       // RepStr fonte, partes: the new text, the start, the length
   };
   Tipo tipo = Tipo::Generico;
+  // Generico: whether the walk found none of its words in the line (1),
+  // found one (0), or hasn't looked yet (-1). A plain command line then goes
+  // straight to its command.
+  int8_t semPalavras = -1;
   size_t pos = NPOS, fim = 0;
   uint64_t geracao = 0;
   int emUso = 0;  // walks running it now: a remade plan mustn't pull it from under them
