@@ -188,12 +188,16 @@ Valor Interpretador::DespachaComando(const Texto& nome, const Texto& argumentos)
 }
 
 bool TemChamadaPreAvaliada(TextoV maiusculo) {
-  static const char16_t* const kPreAvaliadas[] = {u"JOINSTR(", u"FORMAT(",    u"DATEADD(",  u"DATEDIFF(",
-                                                  u"READPOINT(", u"FIND(",    u"RGB(",      u"CIRCLE(",
-                                                  u"RECTANGLE(", u"READFILE(", u"COPY(",    u"CALL(",
-                                                  u"SEQSTR(",    u"SUBSTR("};
-  for (const char16_t* p : kPreAvaliadas)
-    if (Contem(maiusculo, p)) return true;
+  // The same answer as looking for each "NAME(" in turn, found in one pass:
+  // at each "(", is one of the names just before it?
+  static const TextoV kPreAvaliadas[] = {u"JOINSTR", u"FORMAT", u"DATEADD",  u"DATEDIFF", u"READPOINT",
+                                         u"FIND",    u"RGB",    u"CIRCLE",   u"RECTANGLE", u"READFILE",
+                                         u"COPY",    u"CALL",   u"SEQSTR",   u"SUBSTR"};
+  for (size_t i = maiusculo.find(u'('); i != NPOS; i = maiusculo.find(u'(', i + 1)) {
+    const TextoV antes = maiusculo.substr(0, i);
+    for (TextoV nome : kPreAvaliadas)
+      if (antes.size() >= nome.size() && antes.substr(antes.size() - nome.size()) == nome) return true;
+  }
   return false;
 }
 

@@ -326,3 +326,32 @@ TEST(Fonte, DocumentRoundTrip) {
 
 }  // namespace
 }  // namespace zv
+
+namespace zv {
+namespace {
+
+// The one-pass search for pre-evaluated calls against the plain one it
+// replaced: each "NAME(" looked for in turn.
+TEST(Despacho, PreEvaluatedCallsFoundInOnePassAsByEachName) {
+  auto ingenua = [](TextoV m) {
+    for (const char16_t* p : {u"JOINSTR(", u"FORMAT(", u"DATEADD(", u"DATEDIFF(", u"READPOINT(", u"FIND(", u"RGB(",
+                              u"CIRCLE(", u"RECTANGLE(", u"READFILE(", u"COPY(", u"CALL(", u"SEQSTR(", u"SUBSTR("})
+      if (m.find(p) != NPOS) return true;
+    return false;
+  };
+  const Texto pecas[] = {u"JOINSTR", u"FORMAT", u"SUBSTR", u"RGB", u"CALL", u"(", u")", u"X", u" ", u",", u"\"", u"DATE",
+                         u"ADD", u"DIFF", u"READ", u"POINT", u"FILE", u"SEQ", u"STR", u"COP", u"Y", u"RECT"};
+  uint32_t semente = 11;
+  for (int caso = 0; caso < 20000; ++caso) {
+    Texto t;
+    const int n = 1 + static_cast<int>((semente = semente * 1103515245u + 12345u) >> 16) % 8;
+    for (int k = 0; k < n; ++k) t += pecas[((semente = semente * 1103515245u + 12345u) >> 16) % std::size(pecas)];
+    ASSERT_EQ(TemChamadaPreAvaliada(t), ingenua(t)) << std::string(t.begin(), t.end());
+  }
+  EXPECT_TRUE(TemChamadaPreAvaliada(u"A = JOINSTR(B, C)"));
+  EXPECT_FALSE(TemChamadaPreAvaliada(u"JOINSTR X(B)"));
+  EXPECT_TRUE(TemChamadaPreAvaliada(u"XSUBSTR(1)"));  // a name's tail is enough, as before
+}
+
+}  // namespace
+}  // namespace zv
