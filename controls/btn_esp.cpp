@@ -8,6 +8,7 @@
 #include <chrono>
 #include <thread>
 
+#include "controls/moldura.h"
 #include "controls/teclas.h"
 
 namespace zv {
@@ -296,13 +297,10 @@ void BtnEsp::TiqueHover() {
 }
 
 void BtnEsp::AmostraFundo() {
-  QWidget* pai = parentWidget();
-  if (!transparente || !pai) return;
-  const QPoint ponto(geometry().right() + 1 + kAmostraX, y() + height() / 2);
-  if (!pai->rect().contains(ponto)) return;
-  const QImage img = pai->grab(QRect(ponto, QSize(1, 1))).toImage();
-  if (img.isNull()) return;
-  superficie_ = img.pixelColor(0, 0);
+  if (!transparente) return;
+  const QColor c = CorDaSuperficie(parentWidget(), QPoint(geometry().right() + 1 + kAmostraX, y() + height() / 2));
+  if (!c.isValid()) return;
+  superficie_ = c;
   update();
 }
 

@@ -269,7 +269,7 @@ bool EntraNum::TeclaDesce(QKeyEvent* e) {
   if (k == 8)
     txtAux_->backspace();
   else if (k != 0 && k != 13 && k != 27)
-    Insere(QString(QChar(k)));
+    txtAux_->insert(QString(QChar(k)));
   return true;
 }
 
@@ -293,7 +293,5 @@ int EntraNum::FiltraTecla(int ascii) {
   if (ascii == ',') return '.';  // the comma types a point
   return Digito(ascii) || ascii == '.' || ascii == '-' || ascii == 8 ? ascii : 0;
 }
-
-void EntraNum::Insere(const QString& s) { txtAux_->insert(s); }
 
 }  // namespace zv

@@ -60,7 +60,6 @@ class EntraNum : public QWidget {
   bool TeclaDesce(QKeyEvent* e);  // true when the key is consumed
   void TeclaSobe(QKeyEvent* e);
   int FiltraTecla(int ascii);     // CampoNumerico: the key, or 0 to drop it
-  void Insere(const QString& s);
 
   QLineEdit* txtAux_;
   QTimer redesenho_;  // Timer1: 10 ms after a key

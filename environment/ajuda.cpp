@@ -17,11 +17,13 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
+#include <optional>
 #include <system_error>
 
 #include "environment/interacao.h"
 #include "environment/lista_ajuda.h"
 #include "environment/mensagens.h"
+#include "library/arquivos.h"
 #include "runtime/rtf.h"
 
 namespace zv {
@@ -30,12 +32,6 @@ namespace fs = std::filesystem;
 namespace m = msg::ambiente;
 
 namespace {
-
-constexpr size_t kDiretorio = 15000;
-constexpr size_t kEntrada = 50;
-constexpr size_t kNome = 25;
-constexpr size_t kCampoTamanho = 10;
-constexpr size_t kCampoPosicao = 15;
 
 QString Tr(const char* s) { return QString::fromUtf8(s); }
 QString Q(TextoV t) { return QString::fromUtf16(t.data(), static_cast<qsizetype>(t.size())); }
@@ -56,6 +52,27 @@ std::string Apara(std::string s) {
   return s.substr(a, s.find_last_not_of(' ') - a + 1);
 }
 
+// The directory's entry for `pagina`: every slot is looked at, a blank name
+// doesn't end the directory.
+struct EntradaPagina {
+  long long tamanho, posicao;
+};
+std::optional<EntradaPagina> AchaPagina(std::ifstream& in, TextoV pagina) {
+  std::string diretorio(static_cast<size_t>(kTamanhoDiretorio), '\0');
+  in.read(diretorio.data(), kTamanhoDiretorio);
+  diretorio.resize(static_cast<size_t>(in.gcount()));
+  in.clear();
+  const QString procurado = Q(pagina).toUpper();
+  for (size_t e = 0; e + kTamanhoSlot <= diretorio.size(); e += kTamanhoSlot) {
+    std::string_view entrada(diretorio.data() + e, kTamanhoSlot);
+    if (QString::fromLatin1(Apara(std::string(entrada.substr(0, kTamanhoNomeEntrada)))).toUpper() != procurado)
+      continue;
+    return EntradaPagina{Campo(entrada.substr(kTamanhoNomeEntrada, kTamanhoCampoTamanho)),
+                         Campo(entrada.substr(kTamanhoNomeEntrada + kTamanhoCampoTamanho, kTamanhoCampoPosicao))};
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 bool ExtraiArquivoComando(const fs::path& pacote, const fs::path& destino, TextoV pagina) {
@@ -65,30 +82,18 @@ bool ExtraiArquivoComando(const fs::path& pacote, const fs::path& destino, Texto
   std::ifstream in(pacote, std::ios::binary);
   std::ofstream out(destino, std::ios::binary);
   if (!in || !out) return false;
-  std::string diretorio(kDiretorio, '\0');
-  in.read(diretorio.data(), static_cast<std::streamsize>(kDiretorio));
-  diretorio.resize(static_cast<size_t>(in.gcount()));
-  in.clear();
-  const QString procurado = Q(pagina).toUpper();
-  // Every entry is looked at: a blank name doesn't end the directory.
-  for (size_t e = 0; e + kEntrada <= diretorio.size(); e += kEntrada) {
-    std::string_view entrada(diretorio.data() + e, kEntrada);
-    if (QString::fromLatin1(Apara(std::string(entrada.substr(0, kNome)))).toUpper() != procurado) continue;
-    long long tamanho = Campo(entrada.substr(kNome, kCampoTamanho));
-    long long posicao = Campo(entrada.substr(kNome + kCampoTamanho, kCampoPosicao));
-    // A page cut short gives what there is: no check was ever made.
-    std::string dados(static_cast<size_t>(std::min<long long>(tamanho, 64LL << 20)), '\0');
-    if (posicao > 0) {
-      in.seekg(posicao - 1);
-      in.read(dados.data(), static_cast<std::streamsize>(dados.size()));
-      dados.resize(static_cast<size_t>(std::max<std::streamsize>(in.gcount(), 0)));
-    } else {
-      dados.clear();
-    }
-    out.write(dados.data(), static_cast<std::streamsize>(dados.size()));
-    return true;
+  const std::optional<EntradaPagina> e = AchaPagina(in, pagina);
+  if (!e) return false;
+  // A page cut short gives what there is: no check was ever made.
+  std::string dados;
+  if (e->posicao > 0) {
+    dados.resize(static_cast<size_t>(std::min<long long>(e->tamanho, 64LL << 20)));
+    in.seekg(e->posicao - 1);
+    in.read(dados.data(), static_cast<std::streamsize>(dados.size()));
+    dados.resize(static_cast<size_t>(std::max<std::streamsize>(in.gcount(), 0)));
   }
-  return false;
+  out.write(dados.data(), static_cast<std::streamsize>(dados.size()));
+  return true;
 }
 
 // ---- Ajuda --------------------------------------------------------------------------
@@ -122,11 +127,9 @@ bool Ajuda::ExtraiComando() {
 
 bool Ajuda::TemPagina(const QString& palavra) const {
   if (palavra.trimmed().isEmpty()) return false;
-  const fs::path temp = fs::temp_directory_path() / "zv_help_probe.rtf";
-  bool achou = ExtraiArquivoComando(pasta_ / "Commands.pack", temp, palavra.trimmed().toStdU16String() + u".rtf");
-  std::error_code ec;
-  fs::remove(temp, ec);
-  return achou;
+  // Only a look at the directory: nothing is written, no archive is made.
+  std::ifstream in(pasta_ / "Commands.pack", std::ios::binary);
+  return in && AchaPagina(in, palavra.trimmed().toStdU16String() + u".rtf").has_value();
 }
 
 void Ajuda::MostraLeitor() {

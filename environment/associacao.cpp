@@ -1,10 +1,10 @@
 #include "environment/associacao.h"
 
 #include <QProcess>
+#include <QSaveFile>
 #include <QStandardPaths>
 #include <QXmlStreamWriter>
 #include <cstdlib>
-#include <fstream>
 #include <system_error>
 
 #include "environment/apresenta.h"
@@ -17,27 +17,16 @@ namespace m = msg::ambiente;
 
 namespace {
 
-// Writes through a temporary file, so that a desktop reading the folder
-// never sees half an entry.
+// Written whole or not at all (QSaveFile), so that a desktop reading the
+// folder never sees half an entry.
 bool Escreve(const fs::path& arquivo, const std::string& texto, std::string& falha) {
   std::error_code ec;
   fs::create_directories(arquivo.parent_path(), ec);
-  fs::path temp = arquivo;
-  temp += ".tmp";
-  {
-    std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-    if (!out || !out.write(texto.data(), static_cast<std::streamsize>(texto.size())) || !out.flush()) {
-      falha = arquivo.string();
-      return false;
-    }
-  }
-  fs::rename(temp, arquivo, ec);
-  if (ec) {
-    falha = arquivo.string() + ": " + ec.message();
-    fs::remove(temp, ec);
-    return false;
-  }
-  return true;
+  QSaveFile f(QString::fromStdString(arquivo.string()));
+  if (f.open(QIODevice::WriteOnly) && f.write(texto.data(), static_cast<qint64>(texto.size())) >= 0 && f.commit())
+    return true;
+  falha = arquivo.string() + ": " + f.errorString().toStdString();
+  return false;
 }
 
 // A desktop entry's Exec quotes its program when the path has blanks.

@@ -607,26 +607,27 @@ void JanelaCodigo::Imprime() {
 
 // ---- Running -------------------------------------------------------------------
 
-void JanelaCodigo::Executa() {
+void JanelaCodigo::Executa() { Roda(false); }
+
+void JanelaCodigo::Depura() {
+  if (execucao_.estado() == ControleExecucao::Estado::Depurando) return;
+  Roda(true);
+}
+
+void JanelaCodigo::Roda(bool depurar) {
   GuardaCodigoAtual();
   if (EstaModificado() && documento.ENovo()) Salvar(false);
+  LimpaMarcaErro();
+  // Debug steps at every line anyway.
+  execucao_.pontosParada = depurar ? std::set<std::pair<int32_t, int32_t>>() : PontosParada();
+  execucao_.Executa(documento.fonte, CaminhoAtual().string(), depurar);
+}
+
+void JanelaCodigo::LimpaMarcaErro() {
   erro_.reset();
   editor_->MarcaErro(-1);
   irErro_->hide();
   paginaErro_->hide();
-  execucao_.pontosParada = PontosParada();
-  execucao_.Executa(documento.fonte, CaminhoAtual().string(), false);
-}
-
-void JanelaCodigo::Depura() {
-  if (execucao_.estado() == ControleExecucao::Estado::Depurando) return;
-  GuardaCodigoAtual();
-  if (EstaModificado() && documento.ENovo()) Salvar(false);
-  erro_.reset();
-  editor_->MarcaErro(-1);
-  irErro_->hide();
-  execucao_.pontosParada.clear();  // every line steps anyway
-  execucao_.Executa(documento.fonte, CaminhoAtual().string(), true);
 }
 
 void JanelaCodigo::ComEncerra() { execucao_.Encerra(); }
@@ -716,11 +717,7 @@ void JanelaCodigo::AplicaExtras(const Extras& e) {
     for (auto& p : pontos_) p.clear();
     editor_->DefinePontos({});
   }
-  if (!e.marcaErro) {
-    erro_.reset();
-    editor_->MarcaErro(-1);
-    irErro_->hide();
-  }
+  if (!e.marcaErro) LimpaMarcaErro();
   painel_->toggleViewAction()->setEnabled(e.variaveis);
   if (!e.variaveis) painel_->hide();
   if (e.recuperacao) {
@@ -742,9 +739,8 @@ std::set<std::pair<int32_t, int32_t>> JanelaCodigo::PontosParada() {
 
 void JanelaCodigo::EsqueceMarcas() {
   for (auto& p : pontos_) p.clear();
-  erro_.reset();
   passo_.reset();
-  irErro_->hide();
+  LimpaMarcaErro();
 }
 
 QString JanelaCodigo::NomeDoCodigo(int codigo) const {

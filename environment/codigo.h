@@ -113,6 +113,8 @@ class JanelaCodigo : public QMainWindow {
   void AbreConfiguracoes();
   void MontaExtras();
   void EsqueceMarcas();
+  void LimpaMarcaErro();
+  void Roda(bool depurar);
   void Parou(TipoCaixa tipo, int codigo, int linha, const Texto& texto);
   void Seguiu(TipoCaixa tipo);
   void MostraVariaveis();

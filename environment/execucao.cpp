@@ -52,6 +52,9 @@ void ControleExecucao::Roda(const Pedido& p) {
   Lancador lancador(host, pedido, p.fonte);
   Interpretador& zv = lancador.interpretador();
   host.Liga(&zv);
+  // The environment's application is there already: the run pumps it, and
+  // its timers are Qt's, from the first statement on.
+  host.GaranteGui();
   zv.pontosParada = pontosParada;
   auto parada = [](const Caixa& c) { return c.tipo == TipoCaixa::Passo || c.tipo == TipoCaixa::Erro; };
   host.antesDaCaixa = [this, &zv, parada](const Caixa& c) {

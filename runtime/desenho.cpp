@@ -26,9 +26,6 @@ Ponto NaGrade(SistemaJanelas& s, double linha, double coluna) {
 
 QColor Cor(Interpretador& zv, const Texto& t) { return CorDe(Num(zv, t)); }
 
-// A colour as the language counts it: red in the low byte.
-int32_t Numero(const QColor& c) { return c.red() + 256 * c.green() + 65536 * c.blue(); }
-
 QPen Pena(const JanelaExecucao* j, const QColor& c) { return QPen(c, std::max(1, j->larguraPena)); }
 
 Valor CmdCircle(Interpretador& zv, const Texto& args) {
@@ -90,7 +87,7 @@ Valor CmdReadPoint(Interpretador& zv, const Texto& args) {
   const Ponto pt = NaGrade(s, Num(zv, Arg(a, 0)), Num(zv, Arg(a, 1)));
   const QColor c = j->CorVisivel(QPoint(pt.x, pt.y));
   // Outside the window the original read -1 (CLR_INVALID).
-  return Valor::DeInt32(c.isValid() ? Numero(c) : -1);
+  return Valor::DeInt32(c.isValid() ? NumeroDaCor(c) : -1);
 }
 
 // Paint: every pixel joined to the point and of its colour takes the fill

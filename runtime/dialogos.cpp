@@ -96,7 +96,7 @@ Valor CmdDialogBox(Interpretador& zv, const Texto& args) {
     } else {
       QColor c = QColorDialog::getColor(Qt::white, nullptr);
       if (!c.isValid()) return Valor();
-      cor = c.red() + 256.0 * c.green() + 65536.0 * c.blue();
+      cor = NumeroDaCor(c);
     }
     zv.GravaVariavel(u"RetValue", Valor::DeDouble(cor), false);
   } else if (tipo == u"PRINTER") {

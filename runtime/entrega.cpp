@@ -127,6 +127,16 @@ JanelaExecucao* SistemaJanelas::AchaJanelaViva(const QString& nome) {
 
 void SistemaJanelas::EntregaAcao(const QJsonObject& a, int linha) {
   auto s = [&](const char* k) { return a.value(QLatin1String(k)).toString(); };
+  // The control an action names, its window brought forward; null, with a
+  // warning, when there is none.
+  auto alvo = [&](const QString& nome) -> QWidget* {
+    QWidget* w = principalFeita_ ? AchaControle(nome, s("kind"), s("window")) : nullptr;
+    if (w)
+      Ativa(w);
+    else
+      Aviso(linha, QString::fromUtf8(msg::execucao::kSemControle) + nome);
+    return w;
+  };
   if (encerrada_) {
     Aviso(linha, QString::fromUtf8(msg::execucao::kJanelaFechada));
     return;
@@ -137,9 +147,8 @@ void SistemaJanelas::EntregaAcao(const QJsonObject& a, int linha) {
   if (a.contains(QLatin1String("click")) || a.contains(QLatin1String("dblclick"))) {
     bool duplo = a.contains(QLatin1String("dblclick"));
     QString nome = s(duplo ? "dblclick" : "click");
-    QWidget* w = principalFeita_ ? AchaControle(nome, s("kind"), s("window")) : nullptr;
-    if (!w) return Aviso(linha, QString::fromUtf8(msg::execucao::kSemControle) + nome);
-    Ativa(w);
+    QWidget* w = alvo(nome);
+    if (!w) return;
     // "part":"button": the drop button of a combo or a date field.
     if (s("part") == u"button") {
       if (QWidget* b = w->findChild<QWidget*>(QStringLiteral("PicUp"))) w = b;
@@ -156,9 +165,8 @@ void SistemaJanelas::EntregaAcao(const QJsonObject& a, int linha) {
       QCursor::setPos(QPoint(-10000, -10000));
       return;
     }
-    QWidget* w = principalFeita_ ? AchaControle(nome, s("kind"), s("window")) : nullptr;
-    if (!w) return Aviso(linha, QString::fromUtf8(msg::execucao::kSemControle) + nome);
-    Ativa(w);
+    QWidget* w = alvo(nome);
+    if (!w) return;
     QCursor::setPos(w->mapToGlobal(w->rect().center()));
     Mouse(w, QEvent::MouseMove, w->rect().center(), Qt::NoButton);
     return;
@@ -166,18 +174,16 @@ void SistemaJanelas::EntregaAcao(const QJsonObject& a, int linha) {
   if (a.contains(QLatin1String("press")) || a.contains(QLatin1String("release"))) {
     const bool press = a.contains(QLatin1String("press"));
     const QString nome = s(press ? "press" : "release");
-    QWidget* w = principalFeita_ ? AchaControle(nome, s("kind"), s("window")) : nullptr;
-    if (!w) return Aviso(linha, QString::fromUtf8(msg::execucao::kSemControle) + nome);
-    Ativa(w);
+    QWidget* w = alvo(nome);
+    if (!w) return;
     if (press && (w->focusPolicy() & Qt::ClickFocus)) w->setFocus(Qt::MouseFocusReason);
     Mouse(w, press ? QEvent::MouseButtonPress : QEvent::MouseButtonRelease, w->rect().center(), Qt::LeftButton);
     return;
   }
   if (a.contains(QLatin1String("type"))) {
     QString nome = s("into");
-    QWidget* w = principalFeita_ ? AchaControle(nome, s("kind"), s("window")) : nullptr;
-    if (!w) return Aviso(linha, QString::fromUtf8(msg::execucao::kSemControle) + nome);
-    Ativa(w);
+    QWidget* w = alvo(nome);
+    if (!w) return;
     w->setFocus(Qt::OtherFocusReason);
     for (QChar c : s("type")) {
       Qt::KeyboardModifiers m;
@@ -202,9 +208,8 @@ void SistemaJanelas::EntregaAcao(const QJsonObject& a, int linha) {
     }
     QWidget* w = nullptr;
     if (a.contains(QLatin1String("into"))) {
-      w = principalFeita_ ? AchaControle(s("into"), s("kind"), s("window")) : nullptr;
-      if (!w) return Aviso(linha, QString::fromUtf8(msg::execucao::kSemControle) + s("into"));
-      Ativa(w);
+      w = alvo(s("into"));
+      if (!w) return;
       w->setFocus(Qt::OtherFocusReason);
     } else {
       if (!principalFeita_) return Aviso(linha, QString::fromUtf8(msg::execucao::kSemFoco));

@@ -88,9 +88,7 @@ Resposta HostJanela::MostraCaixa(const Caixa& caixa) {
 }
 
 void HostJanela::Bombeia() {
-  // A run inside the environment has the environment's events to deliver
-  // even before it makes a window of its own.
-  if (gui_ || QCoreApplication::instance())
+  if (gui_)
     QCoreApplication::processEvents(QEventLoop::AllEvents);
   else
     HostConsole::Bombeia();

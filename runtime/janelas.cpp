@@ -52,6 +52,8 @@ QColor CorDe(double valor) {
   return QColor(static_cast<int>(n & 0xFF), static_cast<int>((n >> 8) & 0xFF), static_cast<int>((n >> 16) & 0xFF));
 }
 
+int32_t NumeroDaCor(const QColor& c) { return c.red() | (c.green() << 8) | (c.blue() << 16); }
+
 SistemaJanelas::~SistemaJanelas() {
   if (filtro_) {
     if (QCoreApplication::instance()) QCoreApplication::instance()->removeEventFilter(filtro_.get());

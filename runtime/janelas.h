@@ -201,5 +201,7 @@ std::string CamposBox(QWidget* w);
 
 // A colour as the language gives it (red in the low byte).
 QColor CorDe(double valor);
+// The reverse: a colour as the language's number, red in the low byte.
+int32_t NumeroDaCor(const QColor& c);
 
 }  // namespace zv
