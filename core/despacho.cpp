@@ -328,7 +328,7 @@ bool PodeTerChamadaInterna(const Texto& texto) {
   return !t.empty() && PalavraChamadaChave(t) >= 0;
 }
 
-int AchaChamadaInterna(const Texto& texto, Texto& nome, Texto& argumentos) {
+int AchaChamadaInternaBusca(const Texto& texto, Texto& nome, Texto& argumentos) {
   nome.clear();
   argumentos.clear();
   Texto t = TextoDeChamada(texto);
@@ -347,6 +347,33 @@ int AchaChamadaInterna(const Texto& texto, Texto& nome, Texto& argumentos) {
   }
   nome = std::move(n);
   return 1;
+}
+
+int AchaChamadaInterna(const Texto& texto, Texto& nome, Texto& argumentos) {
+  // A loop asks about the same statement's text at every turn; the answer
+  // depends on the text alone, so the last answers are kept, one a slot
+  // chosen by the text's hash. Texts that change at every turn (a value
+  // spliced in) pass through a slot and are soon replaced.
+  struct Resposta {
+    Texto texto, nome, argumentos;
+    int r = 0;
+    bool usada = false;
+  };
+  static constexpr size_t kVagas = 256;
+  thread_local std::array<Resposta, kVagas> memoria;
+  if (texto.size() > 512) return AchaChamadaInternaBusca(texto, nome, argumentos);
+  Resposta& m = memoria[std::hash<Texto>{}(texto) % kVagas];
+  if (m.usada && m.texto == texto) {
+    nome = m.nome;
+    argumentos = m.argumentos;
+    return m.r;
+  }
+  m.r = AchaChamadaInternaBusca(texto, nome, argumentos);
+  m.texto = texto;
+  m.nome = nome;
+  m.argumentos = argumentos;
+  m.usada = true;
+  return m.r;
 }
 
 bool Interpretador::AchaFuncaoInterna(const Texto& texto, Texto par[2]) {

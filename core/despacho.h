@@ -107,6 +107,8 @@ bool PodeTerChamadaInterna(const Texto& texto);
 // 1 found, 0 none, -1 found without its parentheses (AchaFuncaoInterna
 // complains of that).
 int AchaChamadaInterna(const Texto& texto, Texto& nome, Texto& argumentos);
+// The same, searched every time (AchaChamadaInterna remembers recent answers).
+int AchaChamadaInternaBusca(const Texto& texto, Texto& nome, Texto& argumentos);
 // The first of `total` names, in their order, whose first place in `t` has
 // "(" or a blank behind it; -1 when none does. Empty names are skipped.
 int PalavraChamada(const Texto& t, const Texto* nomes, size_t total);

@@ -446,6 +446,7 @@ void SubstituiChamadas(Interpretador& zv, Texto& t, bool& numerico) {
 }  // namespace
 
 Valor Interpretador::ValorNumerico(const Texto& texto, bool& numerico) {
+  if (Valor v; ValorPorPlano(texto, v)) return v;
   Texto t = Apara(LimpaParenteses(texto));
   SubstituiChamadas(*this, t, numerico);
   double v;

@@ -220,6 +220,12 @@ class Interpretador {
 
   // ---- Plans of the main text's statements (see planos.h) -----------------
   std::unique_ptr<Planos> planos_;
+  Texto bufferCalculo_;  // reused for the texts of arithmetic
+  // The texts commands evaluate, by hash (see ValorLembrado).
+  std::unique_ptr<std::array<ValorLembrado, kValoresLembrados>> lembrados_;
+  bool avaliandoLembrado_ = false;
+  // The value of a text by its plan; false when the text's own way must work it out.
+  bool ValorPorPlano(const Texto& texto, Valor& v);
   bool PodeTerChamadaUsuario(const Texto& texto) const;
   // A Function's stretch and parameters, found once per prepared text.
   ModeloFuncao* ModeloDe(const Texto& nome);

@@ -212,7 +212,7 @@ Valor Interpretador::AvaliaValor(const PlanoValor& p, uint64_t geracao) {
       return Valor::DeDecimal(NumeroRelido(r));
     }
   }
-  Texto& b = planos_->buffer;
+  Texto& b = bufferCalculo_;
   b.clear();
   for (size_t i = 0; i < p.refs.size(); ++i) {
     b += p.pedacos[i];
@@ -558,6 +558,43 @@ void Interpretador::PreparaLinha(const Texto& texto, PlanoLinha& pl, bool emCorp
     pl.tipo = T::Nulo;
   else if (m == u"REPSTR" && b != NPOS)
     PreparaRepStr(resto.substr(b + 1), pl);
+}
+
+bool Interpretador::ValorPorPlano(const Texto& texto, Valor& v) {
+  // Only where every name a plan finds tells it when it goes: not inside a
+  // routine, whose own names come and go unannounced, nor while plans are
+  // being made; and not when every statement is to walk.
+  if (semPlanos || avaliandoLembrado_ || profundidade > 1 || variaveis.registra || texto.size() > 256) return false;
+  if (!lembrados_) lembrados_ = std::make_unique<std::array<ValorLembrado, kValoresLembrados>>();
+  ValorLembrado& l = (*lembrados_)[std::hash<Texto>{}(texto) % kValoresLembrados];
+  if (!l.visto || l.texto != texto) {
+    l.texto = texto;
+    l.visto = true;
+    l.planejado = false;
+    return false;
+  }
+  if (!l.planejado || l.geracao != variaveis.geracao) {
+    using T = PlanoValor::Tipo;
+    l.geracao = variaveis.geracao;
+    {
+      Variaveis::Lembranca lembranca(variaveis);
+      PreparaValor(texto, l.plano);
+    }
+    l.planejado = true;
+    // Calls take the text's way: they may show boxes, set the numeric
+    // flag or run the user's code.
+    l.util = l.plano.tipo == T::Numero || l.plano.tipo == T::Constante || l.plano.tipo == T::Variavel ||
+             (l.plano.tipo == T::Aritmetica && !l.plano.temChamada && !l.plano.chamada);
+  }
+  if (!l.util) return false;
+  variaveis.Assenta();
+  struct Avaliando {
+    bool& b;
+    explicit Avaliando(bool& x) : b(x) { b = true; }
+    ~Avaliando() { b = false; }
+  } avaliando(avaliandoLembrado_);
+  v = AvaliaValor(l.plano, l.geracao);
+  return true;
 }
 
 Planos& Interpretador::PlanosDoTexto() {

@@ -223,7 +223,20 @@ struct Planos {
   bool indexado = false;
   const char16_t* dados = nullptr;  // the text indexed
   size_t tamanho = 0;
-  Texto buffer;  // reused for the texts of arithmetic
 };
+
+// A text a command evaluates (one of its arguments), planned the second
+// time it is met, as a statement's values are. Commands in a loop evaluate
+// the same texts at every turn; texts with a value spliced in are met once
+// and never planned.
+struct ValorLembrado {
+  Texto texto;
+  uint64_t geracao = 0;  // of the variables when it was planned
+  bool visto = false;    // met once
+  bool planejado = false;
+  bool util = false;     // a plan that works it out without the text's way
+  PlanoValor plano;
+};
+inline constexpr size_t kValoresLembrados = 512;
 
 }  // namespace zv

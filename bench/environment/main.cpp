@@ -80,7 +80,7 @@ int main(int argc, char** argv) {
     JanelaCodigo janela(pasta, ninguem);
     janela.execucao().saida = stderr;
     janela.show();
-    QTest::qWaitForWindowExposed(&janela);
+    if (!QTest::qWaitForWindowExposed(&janela)) std::fprintf(stderr, "the window was not exposed\n");
     Pinta(&janela);
     pronto.ms.push_back(t.nsecsElapsed() / 1e6);
 

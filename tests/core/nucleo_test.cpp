@@ -178,6 +178,26 @@ TEST(Despacho, KeywordSearchByInitialAgreesWithTheTableOrder) {
   EXPECT_GT(achados, 1000);  // the texts do hold calls
 }
 
+// The remembered answers are the search's, whether a text comes back at
+// once, after others took its slot, or with a value spliced into it.
+TEST(Despacho, RememberedCallAnswersAgreeWithTheSearch) {
+  const Texto textos[] = {u"G.Add JoinStr(\"name \", n - k)", u"x = Int(k * 7 / 1000) * 1000",
+                          u"StrLen(a) + StrLen(b)",            u"Int 5",
+                          u"Round(x",                          u"\"Int(3)\"",
+                          u"plain words",                      u"SubStr(t, 1, 2), Int(4)"};
+  uint32_t semente = 7;
+  for (int caso = 0; caso < 5000; ++caso) {
+    semente = semente * 1103515245u + 12345u;
+    Texto t = textos[(semente >> 8) % std::size(textos)];
+    if ((semente >> 4) % 3 == 0) t += InteiroParaTexto(caso);  // a text seen once
+    Texto n1, a1, n2, a2;
+    int esperado = AchaChamadaInternaBusca(t, n1, a1);
+    ASSERT_EQ(AchaChamadaInterna(t, n2, a2), esperado) << std::string(t.begin(), t.end());
+    ASSERT_EQ(n2, n1);
+    ASSERT_EQ(a2, a1);
+  }
+}
+
 class Run : public ::testing::Test {
  protected:
   HostConsole host{stdout};

@@ -1,0 +1,104 @@
+// Generated programs whose commands evaluate the same argument texts at
+// every turn of a loop run with plans and without them: the boxes, the
+// statement count and every variable left behind must be the same. The
+// arguments read variables that are declared halfway through the run,
+// elements in and out of range, texts whose front a SubStr drops, and the
+// same texts inside a Function, whose own names shadow the main text's.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "library/biblioteca.h"
+#include "tests/core/execucao_comparada.h"
+
+namespace zv {
+namespace {
+
+class GeradorArgumentos {
+ public:
+  explicit GeradorArgumentos(uint32_t semente) : s_(semente) {}
+
+  Texto Programa() {
+    std::vector<std::string> l = {
+        "Var i Integer, k Integer, n Integer, d Decimal, s String, u String",
+        "Var T(3) String, NA(3) Integer",
+        "s = \"" + Escolhe({"abcdef", "12", "x y z"}) + "\"",
+        "u = \"" + Escolhe({"", "7", "a,b"}) + "\"",
+        "d = " + Escolhe({"0", "2.5", "-1.25"}),
+        "T(1) = \"t1\"",
+        "NA(1) = " + Escolhe({"7", "-3", "2147483647"}),
+        "i = 0",
+        "While i < " + std::to_string(3 + Um(5)),
+        "  k = i % " + Escolhe({"2", "3", "4"}),
+    };
+    int total = 2 + Um(5);
+    for (int j = 0; j < total; ++j) l.push_back("  " + Linha());
+    if (Um(2)) {
+      // A name the arguments look up before it exists.
+      l.push_back("  If i = 1");
+      l.push_back("    Var zz " + Escolhe({"Integer", "Decimal", "String"}));
+      l.push_back("  EndIf");
+    }
+    l.push_back("  i++");
+    l.push_back("Loop");
+    l.push_back("Message " + Expressao() + ", \"|\", " + Expressao());
+    l.push_back("EndProgram");
+    l.push_back("Function G(p Integer) Numero");
+    l.push_back("  Var i Integer");
+    l.push_back("  i = p + 10");
+    l.push_back("  Message " + Expressao() + ", \"/\", i + 1, \"/\", p * 2");
+    l.push_back("  Return p * 2");
+    l.push_back("EndFunction");
+    std::string fonte;
+    for (const std::string& x : l) fonte += x + "\r\n";
+    return Texto(fonte.begin(), fonte.end());
+  }
+
+ private:
+  int Um(int n) {
+    s_ = s_ * 1103515245u + 12345u;
+    return static_cast<int>((s_ >> 8) % static_cast<uint32_t>(n));
+  }
+  std::string Escolhe(std::initializer_list<const char*> opcoes) {
+    return *(opcoes.begin() + Um(static_cast<int>(opcoes.size())));
+  }
+  std::string Expressao() {
+    return Escolhe({"i + 1",   "k * 2 - 1", "NA(k) + 3", "NA(i)",   "d / 2",  "s",          "T(k)",
+                    "zz + 1",  "zz",        "12",        "\"lit\"", "u + 1",  "-i + 2",     "i % k",
+                    "2.5 * i", "(i + 1) * 2", "T(i)",    "n",       "n + d",  "k",          "\"a,b\""});
+  }
+  std::string Linha() {
+    switch (Um(5)) {
+      case 0:
+        return "d = Int(" + Expressao() + ")";
+      case 1:
+        return "n = G(" + Escolhe({"i", "k + 1", "n"}) + ")";
+      case 2:
+        return "s = SubStr(s, 2, 50)";
+      default:
+        return "Message " + Expressao() + ", \"|\", " + Expressao() + ", \"|\", " + Expressao();
+    }
+  }
+  uint32_t s_;
+};
+
+std::string Roda(const Texto& fonte, bool semPlanos) {
+  static const bool registrada = (RegistraBiblioteca(), true);
+  (void)registrada;
+  return RodaParaComparar(fonte, semPlanos, 5000, true);
+}
+
+TEST(ArgumentosPlanejados, GeneratedProgramsRunTheSameWithAndWithoutPlans) {
+  int comBoxes = 0;
+  for (uint32_t semente = 1; semente <= 400; ++semente) {
+    Texto fonte = GeradorArgumentos(semente).Programa();
+    std::string com = Roda(fonte, false), sem = Roda(fonte, true);
+    ASSERT_EQ(com, sem) << "program " << semente << ":\n" << Utf8(fonte);
+    comBoxes += com.find("\"box\":\"info\"") != std::string::npos;
+  }
+  EXPECT_GT(comBoxes, 300);  // the programs do get to their messages
+}
+
+}  // namespace
+}  // namespace zv
