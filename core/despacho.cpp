@@ -216,30 +216,31 @@ std::vector<Texto> Interpretador::SeparaArgumentos(const Texto& texto, size_t va
   }
   std::vector<Texto> tab(vagas);
   size_t k = 0;
-  Texto buf;
-  auto poe = [&](Texto v) {
+  // Each argument is the stretch between two separators outside quotes,
+  // without the blanks at its ends.
+  auto poe = [&](size_t de, size_t ate) {
     if (k >= vagas) throw FalhaHost(falha::ForaDoIndice);
-    tab[k++] = std::move(v);
+    while (de < ate && t[de] == u' ') ++de;
+    while (ate > de && t[ate - 1] == u' ') --ate;
+    tab[k++].assign(t, de, ate - de);
   };
+  size_t inicio = 0;
   for (size_t i = 0; i < t.size(); ++i) {
     char16_t c = t[i];
     if (c == u'"') {
       size_t q = t.find(u'"', i + 1);
-      if (q == NPOS) q = t.size() - 1;
-      buf.append(t, i, q - i + 1);
-      i = q;
+      i = q == NPOS ? t.size() - 1 : q;
     } else if (c == u',') {
-      poe(Apara(buf));
-      buf.clear();
+      poe(inicio, i);
+      inicio = i + 1;
     } else if (c == u'=' && separaIgual) {
-      poe(Apara(buf));
-      buf.clear();
-      poe(u"=");
-    } else {
-      buf += c;
+      poe(inicio, i);
+      if (k >= vagas) throw FalhaHost(falha::ForaDoIndice);
+      tab[k++] = u"=";
+      inicio = i + 1;
     }
   }
-  poe(Apara(buf));
+  poe(inicio, t.size());
   return tab;
 }
 
@@ -383,32 +384,82 @@ bool Interpretador::AchaFuncaoInterna(const Texto& texto, Texto par[2]) {
   return r > 0;
 }
 
-void Interpretador::ExecutaFuncaoInterna(Texto& texto, const Texto par[2], bool& numerico) {
+namespace {
+
+// What a call's place in a text gives, worked out from the text alone: the
+// text before the call, the text behind it, and the one character kept
+// behind it when its argument is a variable.
+struct FormaChamada {
+  Texto texto, nome, argumentos;  // the key
+  bool usada = false;
+  bool achada = false;            // the name stands in the text
+  bool funcaoNumerica = false;
+  Texto cabeca, cauda;
+  bool temDepois = false;
+  char16_t depois = 0;
+};
+
+FormaChamada AnalisaChamada(const Texto& texto, const Texto par[2]) {
   static const char16_t* const kNumericas[] = {u"INT", u"STRVAL", u"EXP", u"ATN", u"ROUND", u"COS",
                                                u"FIX", u"SQR",    u"SIN", u"TAN", u"ABS"};
+  FormaChamada f;
   Texto nomeM = Maiusculas(par[0]);
-  bool funcaoNumerica = false;
   for (const char16_t* n : kNumericas)
-    if (nomeM == n) funcaoNumerica = true;
+    if (nomeM == n) f.funcaoNumerica = true;
   Texto t = LimpaParenteses(texto);
   Texto m = MarcaParenteses(t);
   size_t q = m.find(par[0]);
-  if (q == NPOS) return;
-  Texto cabeca = LimpaParenteses(TextoV(m).substr(0, q));
-  Valor r = DespachaComando(par[0], par[1]);
-  Texto novo = cabeca + r.ComoTexto();
-  Texto argsAparados = Apara(par[1]);
-  if (!numerico && (argsAparados.empty() || PosicaoVariavel(argsAparados) >= 0)) {
-    // Only the one character behind the call's first ')' survives.
-    size_t qt = t.find(par[0]);
-    size_t fp = t.find(u')', qt + par[0].size());
-    if (!funcaoNumerica && fp != NPOS && fp + 1 < t.size()) novo += t[fp + 1];
-    texto = std::move(novo);
-    return;
+  if (q == NPOS) return f;
+  f.achada = true;
+  f.cabeca = LimpaParenteses(TextoV(m).substr(0, q));
+  // Only the one character behind the call's first ')' survives.
+  size_t qt = t.find(par[0]);
+  size_t fp = t.find(u')', qt + par[0].size());
+  if (!f.funcaoNumerica && fp != NPOS && fp + 1 < t.size()) {
+    f.temDepois = true;
+    f.depois = t[fp + 1];
   }
   Texto args;
   size_t fim;
-  if (ArgumentosMarcados(m, q, par[0].size(), args, fim)) novo += LimpaParenteses(TextoV(m).substr(fim));
+  if (ArgumentosMarcados(m, q, par[0].size(), args, fim)) f.cauda = LimpaParenteses(TextoV(m).substr(fim));
+  return f;
+}
+
+}  // namespace
+
+void Interpretador::ExecutaFuncaoInterna(Texto& texto, const Texto par[2], bool& numerico) {
+  // The same statement puts the same call in the same place at every turn
+  // of a loop: its shape is kept, one a slot chosen by the text's hash.
+  // A walk without plans works it out every time, for the comparison.
+  thread_local std::array<FormaChamada, 128> formas;
+  FormaChamada analisada;
+  FormaChamada* f = &analisada;
+  if (semPlanos) {
+    analisada = AnalisaChamada(texto, par);
+  } else {
+    f = &formas[std::hash<Texto>{}(texto) % formas.size()];
+    if (!f->usada || f->texto != texto || f->nome != par[0] || f->argumentos != par[1]) {
+      *f = AnalisaChamada(texto, par);
+      f->usada = true;
+      f->texto = texto;
+      f->nome = par[0];
+      f->argumentos = par[1];
+    }
+  }
+  if (!f->achada) return;
+  // A call in the arguments may take the slot: what is needed is taken first.
+  Texto novo = f->cabeca, cauda = f->cauda;
+  bool temDepois = f->temDepois;
+  char16_t depois = f->depois;
+  Valor r = DespachaComando(par[0], par[1]);
+  novo += r.ComoTexto();
+  Texto argsAparados = Apara(par[1]);
+  if (!numerico && (argsAparados.empty() || PosicaoVariavel(argsAparados) >= 0)) {
+    if (temDepois) novo += depois;
+    texto = std::move(novo);
+    return;
+  }
+  novo += cauda;
   if (numerico)
     for (auto& c : novo)
       if (c == u',') c = u'.';

@@ -3,7 +3,8 @@
 // statement count and every variable left behind must be the same. The
 // arguments read variables that are declared halfway through the run,
 // elements in and out of range, texts whose front a SubStr drops, and the
-// same texts inside a Function, whose own names shadow the main text's.
+// same texts inside a Function, whose own names shadow the main text's;
+// and built-in calls, nested and side by side.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -66,7 +67,10 @@ class GeradorArgumentos {
   std::string Expressao() {
     return Escolhe({"i + 1",   "k * 2 - 1", "NA(k) + 3", "NA(i)",   "d / 2",  "s",          "T(k)",
                     "zz + 1",  "zz",        "12",        "\"lit\"", "u + 1",  "-i + 2",     "i % k",
-                    "2.5 * i", "(i + 1) * 2", "T(i)",    "n",       "n + d",  "k",          "\"a,b\""});
+                    "2.5 * i", "(i + 1) * 2", "T(i)",    "n",       "n + d",  "k",          "\"a,b\"",
+                    // built-in calls, nested and beside others
+                    "Int(d / 2) + 1", "StrLen(s) * 2", "Int(StrLen(s) / 2)", "Chr(k + 65)", "Round(d, 1)",
+                    "k * 7 - Int(k * 7 / 3) * 3", "Int(i) + Int(k)", "StrLen(T(k))", "Abs(NA(k))"});
   }
   std::string Linha() {
     switch (Um(5)) {

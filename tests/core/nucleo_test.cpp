@@ -215,6 +215,60 @@ TEST_F(Run, KnownWords) {
   EXPECT_FALSE(zv.EPalavraConhecida(u"Message("));
 }
 
+// The split cuts slices of the text where it once built each argument a
+// character at a time; both give the same on texts of quotes, separators
+// and blanks, unclosed quotes included.
+TEST_F(Run, SplittingBySlicesAgreesWithSplittingByCharacters) {
+  auto porCaracteres = [](const Texto& texto, size_t vagas, bool separaIgual) {
+    Texto t = Apara(texto);
+    std::vector<Texto> tab(vagas);
+    size_t k = 0;
+    Texto buf;
+    auto poe = [&](Texto v) {
+      if (k < vagas) tab[k] = std::move(v);
+      ++k;
+    };
+    for (size_t i = 0; i < t.size(); ++i) {
+      char16_t c = t[i];
+      if (c == u'"') {
+        size_t q = t.find(u'"', i + 1);
+        if (q == NPOS) q = t.size() - 1;
+        buf.append(t, i, q - i + 1);
+        i = q;
+      } else if (c == u',') {
+        poe(Apara(buf));
+        buf.clear();
+      } else if (c == u'=' && separaIgual) {
+        poe(Apara(buf));
+        buf.clear();
+        poe(u"=");
+      } else {
+        buf += c;
+      }
+    }
+    poe(Apara(buf));
+    return std::make_pair(tab, k);
+  };
+  const char16_t pecas[] = u"ab ,=\"x1 ";
+  uint32_t semente = 99;
+  for (int caso = 0; caso < 20000; ++caso) {
+    Texto t;
+    semente = semente * 1103515245u + 12345u;
+    int n = static_cast<int>((semente >> 8) % 14);
+    for (int i = 0; i < n; ++i) {
+      semente = semente * 1103515245u + 12345u;
+      t += pecas[(semente >> 8) % (std::size(pecas) - 1)];
+    }
+    bool igual = caso % 2;
+    auto [esperado, total] = porCaracteres(t, 6, igual);
+    if (total > 6) {
+      EXPECT_THROW(zv.SeparaArgumentos(t, 6, igual), FalhaHost) << std::string(t.begin(), t.end());
+      continue;
+    }
+    ASSERT_EQ(zv.SeparaArgumentos(t, 6, igual), esperado) << std::string(t.begin(), t.end());
+  }
+}
+
 TEST_F(Run, SplittingArguments) {
   auto a = zv.SeparaArgumentos(u" \"a,b\" , 5 ", 4);
   EXPECT_EQ(a[0], u"\"a,b\"");
