@@ -202,7 +202,7 @@ bool TemChamadaPreAvaliada(TextoV maiusculo) {
 }
 
 std::vector<Texto> Interpretador::SeparaArgumentos(const Texto& texto, size_t vagas, bool separaIgual,
-                                                   bool& numerico) {
+                                                   bool& numerico, bool compacto) {
   Texto t = Apara(texto);
   // The splitter knows no parentheses: nested calls with commas are worked
   // out first, so that their commas don't split the list.
@@ -214,15 +214,15 @@ std::vector<Texto> Interpretador::SeparaArgumentos(const Texto& texto, size_t va
       if (t == antes) break;
     }
   }
-  std::vector<Texto> tab(vagas);
-  size_t k = 0;
+  std::vector<Texto> tab;
+  tab.reserve(std::min<size_t>(vagas, 8));
   // Each argument is the stretch between two separators outside quotes,
   // without the blanks at its ends.
   auto poe = [&](size_t de, size_t ate) {
-    if (k >= vagas) throw FalhaHost(falha::ForaDoIndice);
+    if (tab.size() >= vagas) throw FalhaHost(falha::ForaDoIndice);
     while (de < ate && t[de] == u' ') ++de;
     while (ate > de && t[ate - 1] == u' ') --ate;
-    tab[k++].assign(t, de, ate - de);
+    tab.emplace_back(t, de, ate - de);
   };
   size_t inicio = 0;
   for (size_t i = 0; i < t.size(); ++i) {
@@ -235,12 +235,13 @@ std::vector<Texto> Interpretador::SeparaArgumentos(const Texto& texto, size_t va
       inicio = i + 1;
     } else if (c == u'=' && separaIgual) {
       poe(inicio, i);
-      if (k >= vagas) throw FalhaHost(falha::ForaDoIndice);
-      tab[k++] = u"=";
+      if (tab.size() >= vagas) throw FalhaHost(falha::ForaDoIndice);
+      tab.emplace_back(u"=");
       inicio = i + 1;
     }
   }
   poe(inicio, t.size());
+  if (!compacto) tab.resize(vagas);
   return tab;
 }
 

@@ -138,8 +138,10 @@ class Interpretador {
   bool EPalavraConhecida(TextoV palavra) const;
   Valor DespachaComando(const Texto& nome, const Texto& argumentos);
   // Splits an argument text into `vagas` slots (the first empty one ends the
-  // list). More arguments than slots is a host failure.
-  std::vector<Texto> SeparaArgumentos(const Texto& texto, size_t vagas, bool separaIgual, bool& numerico);
+  // list). More arguments than slots is a host failure. `compacto`: only as
+  // many slots as the text fills, for callers that check the count.
+  std::vector<Texto> SeparaArgumentos(const Texto& texto, size_t vagas, bool separaIgual, bool& numerico,
+                                      bool compacto = false);
   std::vector<Texto> SeparaArgumentos(const Texto& texto, size_t vagas, bool separaIgual = false) {
     bool n = false;
     return SeparaArgumentos(texto, vagas, separaIgual, n);

@@ -77,7 +77,8 @@ Texto CaractereCp1252(int32_t codigo) {
 }
 
 Valor JoinStr(Interpretador& zv, const Texto& argumentos) {
-  auto a = zv.SeparaArgumentos(argumentos, 101);
+  bool numerico = false;
+  auto a = zv.SeparaArgumentos(argumentos, 101, false, numerico, true);
   Texto r;
   for (size_t i = 0; Presente(a, i); ++i) r += zv.ValorNumerico(a[i]).ComoTexto();
   return Valor::TextoComAspas(r);

@@ -834,7 +834,9 @@ bool SistemaJanelas::MembroTexto(int slot, const Texto& prop, const std::vector<
 namespace {
 
 Valor Controle(Interpretador& zv, const Texto& argumentos, TipoControle tipo) {
-  std::vector<Texto> a = zv.SeparaArgumentos(argumentos, 51, true);
+  bool numerico = false;
+  // Read through Arg, which gives an empty text past the last.
+  std::vector<Texto> a = zv.SeparaArgumentos(argumentos, 51, true, numerico, true);
   SistemaJanelas& s = Janelas(zv);
   s.LimpaDescartados();
   Texto primeiro = Apara(Arg(a, 0));
