@@ -358,24 +358,32 @@ int AchaChamadaInterna(const Texto& texto, Texto& nome, Texto& argumentos) {
   // spliced in) pass through a slot and are soon replaced.
   struct Resposta {
     Texto texto, nome, argumentos;
+    size_t hash = 0;  // of the text last met here; kept only the second time
     int r = 0;
     bool usada = false;
   };
   static constexpr size_t kVagas = 256;
   thread_local std::array<Resposta, kVagas> memoria;
   if (texto.size() > 512) return AchaChamadaInternaBusca(texto, nome, argumentos);
-  Resposta& m = memoria[std::hash<Texto>{}(texto) % kVagas];
+  size_t h = std::hash<Texto>{}(texto);
+  Resposta& m = memoria[h % kVagas];
   if (m.usada && m.texto == texto) {
     nome = m.nome;
     argumentos = m.argumentos;
     return m.r;
   }
-  m.r = AchaChamadaInternaBusca(texto, nome, argumentos);
+  int r = AchaChamadaInternaBusca(texto, nome, argumentos);
+  if (m.hash != h) {
+    m.hash = h;
+    m.usada = false;
+    return r;
+  }
+  m.r = r;
   m.texto = texto;
   m.nome = nome;
   m.argumentos = argumentos;
   m.usada = true;
-  return m.r;
+  return r;
 }
 
 bool Interpretador::AchaFuncaoInterna(const Texto& texto, Texto par[2]) {

@@ -566,15 +566,18 @@ bool Interpretador::ValorPorPlano(const Texto& texto, Valor& v) {
   // being made; and not when every statement is to walk.
   if (semPlanos || avaliandoLembrado_ || profundidade > 1 || variaveis.registra || texto.size() > 256) return false;
   if (!lembrados_) lembrados_ = std::make_unique<std::array<ValorLembrado, kValoresLembrados>>();
-  ValorLembrado& l = (*lembrados_)[std::hash<Texto>{}(texto) % kValoresLembrados];
-  if (!l.visto || l.texto != texto) {
-    l.texto = texto;
-    l.visto = true;
+  size_t h = std::hash<Texto>{}(texto);
+  ValorLembrado& l = (*lembrados_)[h % kValoresLembrados];
+  bool lembrado = l.planejado && l.texto == texto;
+  if (!lembrado && l.hash != h) {
+    // Met once: only its hash is kept, so that texts met once cost no copy.
+    l.hash = h;
     l.planejado = false;
     return false;
   }
-  if (!l.planejado || l.geracao != variaveis.geracao) {
+  if (!lembrado || l.geracao != variaveis.geracao) {
     using T = PlanoValor::Tipo;
+    l.texto = texto;
     l.geracao = variaveis.geracao;
     {
       Variaveis::Lembranca lembranca(variaveis);

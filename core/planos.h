@@ -230,9 +230,9 @@ struct Planos {
 // the same texts at every turn; texts with a value spliced in are met once
 // and never planned.
 struct ValorLembrado {
-  Texto texto;
+  Texto texto;           // once planned
+  size_t hash = 0;       // of the text last met here
   uint64_t geracao = 0;  // of the variables when it was planned
-  bool visto = false;    // met once
   bool planejado = false;
   bool util = false;     // a plan that works it out without the text's way
   PlanoValor plano;
