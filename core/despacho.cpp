@@ -206,7 +206,7 @@ std::vector<Texto> Interpretador::SeparaArgumentos(const Texto& texto, size_t va
   Texto t = Apara(texto);
   // The splitter knows no parentheses: nested calls with commas are worked
   // out first, so that their commas don't split the list.
-  if (TemChamadaPreAvaliada(Maiusculas(t))) {
+  if (t.find(u'(') != NPOS && TemChamadaPreAvaliada(Maiusculas(t))) {
     Texto par[2];
     for (int guarda = 0; guarda < 10000 && AchaFuncaoInterna(t, par); ++guarda) {
       Texto antes = t;
