@@ -3,12 +3,14 @@
 // Event, KeyTest, TestMouse and the Timer command.
 #include <QApplication>
 #include <QCursor>
+#include <QFontDatabase>
 #include <QIcon>
 #include <QPixmap>
 #include <cmath>
 
 #include "controls/figuras_padrao.h"
 #include "library/arquivos.h"
+#include "runtime/aplicacao.h"
 #include "runtime/argumentos.h"
 #include "runtime/janela_host.h"
 #include "runtime/janelas.h"
@@ -503,6 +505,20 @@ Valor CmdIcon(Interpretador& zv, const Texto& args) {
   return Valor::TextoComAspas(Texto());
 }
 
+// Fonts(Number): a font's name, from 0 to TotalFonts. A printer here draws
+// with the screen's fonts, so the list is the screen's; a run without a
+// screen knows one font, the one its windows use, as TotalFonts says.
+Valor CmdFonts(Interpretador& zv, const Texto& args) {
+  std::vector<Texto> a = zv.SeparaArgumentos(args, 2);
+  SistemaJanelas& s = Janelas(zv);
+  const bool semTela = s.host && s.host->SemTela();
+  GaranteAplicacao(semTela);
+  const QStringList familias = semTela ? QStringList{QApplication::font().family()} : QFontDatabase::families();
+  const double n = ArredondaPar(Num(zv, Arg(a, 0)));
+  if (!(n >= 0 && n < familias.size())) throw FalhaHost(falha::ForaDoIndice);
+  return Valor::TextoComAspas(familias[static_cast<qsizetype>(n)].toStdU16String());
+}
+
 // Gradient [Start, End]: the current window's gradient, painted on its
 // surface, and again at each resize from then on.
 Valor CmdGradient(Interpretador& zv, const Texto& args) {
@@ -629,6 +645,7 @@ void RegistraComandosJanela() {
   t.Define(u"Font", CmdFont);
   t.Define(u"Gradient", CmdGradient);
   t.Define(u"Icon", CmdIcon);
+  t.Define(u"Fonts", CmdFonts);
   t.Define(u"SystemMenu", CmdSystemMenu);
   t.Define(u"WindowWidth", CmdWindowWidth, semArgs);
   t.Define(u"WindowHeight", CmdWindowHeight, semArgs);

@@ -162,13 +162,17 @@ QString Diferenca(const QString& pasta, const QString& rotulo, const QStringList
 }
 
 // One example in a folder of its own; true when it shows what the page says.
-bool RodaExemplo(const QString& zvrun, const QString& rotulo, const Exemplo& e) {
+// `arquivos`: the folder of files the examples open (pictures, icons),
+// copied beside each example.
+bool RodaExemplo(const QString& zvrun, const QString& rotulo, const Exemplo& e, const QString& arquivos) {
   if (!e.temSaida) {
     Diz(rotulo + QStringLiteral(": the example has no ```output block\n"));
     return false;
   }
   QTemporaryDir pasta;
   QString dir = pasta.path();
+  for (const QFileInfo& f : QDir(arquivos).entryInfoList(QDir::Files))
+    QFile::copy(f.absoluteFilePath(), dir + u'/' + f.fileName());
   // Dates and numbers in the pages are in the US forms, whatever the
   // machine that checks them is set to.
   QStringList args{QStringLiteral("--headless"), QStringLiteral("--config-dir"), dir, QStringLiteral("--locale"),
@@ -237,7 +241,9 @@ int VerificaExemplos(const QString& zvrun, const QStringList& paginas) {
         continue;
       }
       ++rodados;
-      if (!RodaExemplo(zvrun, nome + QStringLiteral(":%1").arg(e.linha), e)) ++falhas;
+      if (!RodaExemplo(zvrun, nome + QStringLiteral(":%1").arg(e.linha), e,
+                       QFileInfo(pagina).absolutePath() + QStringLiteral("/files")))
+        ++falhas;
     }
   }
   Diz(QStringLiteral("%1 examples run, %2 failed, %3 not run (norun)\n").arg(rodados).arg(falhas).arg(naoRodados));
