@@ -2,7 +2,11 @@
 // registry, kept in a file of our own beside ZV.File (Registry.json: the
 // four roots, their keys and string values, keys and names compared
 // without regard to case as the original's registry did), and Call, which
-// starts another program and doesn't wait for it.
+// starts another program and doesn't wait for it. The start-up list is
+// the desktop's autostart folder: an entry there starts the environment
+// with the program at the next log-in, and the registry keeps its line as
+// the original's Run key did.
+#include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -47,6 +51,12 @@ QJsonObject LeRegistro(const QString& arquivo) {
   return d.isObject() ? d.object() : QJsonObject();
 }
 
+void GravaRegistro(const QString& arquivo, const QJsonObject& registro) {
+  QSaveFile f(arquivo);
+  if (!f.open(QIODevice::WriteOnly) || f.write(QJsonDocument(registro).toJson()) < 0 || !f.commit())
+    throw FalhaHost(falha::PermissaoNegada);
+}
+
 Texto ArgT(Interpretador& zv, const std::vector<Texto>& a, size_t i) {
   return i < a.size() && !a[i].empty() ? zv.ValorTexto(a[i]).ComoTexto() : Texto();
 }
@@ -74,10 +84,81 @@ Valor SaveWinReg(Interpretador& zv, const Texto& argumentos) {
   QJsonObject chave = registro.value(nome).toObject();
   chave.insert(Q(ArgT(zv, a, 2)).toUpper(), Q(ArgT(zv, a, 3)));
   registro.insert(nome, chave);
-  QSaveFile f(arquivo);
-  if (!f.open(QIODevice::WriteOnly) || f.write(QJsonDocument(registro).toJson()) < 0 || !f.commit())
-    throw FalhaHost(falha::PermissaoNegada);
+  GravaRegistro(arquivo, registro);
   return Valor::TextoComAspas(Texto());
+}
+
+// What a start-up entry starts: the environment beside the running
+// executable (or the running one, a built program), and the program's source.
+QStringList ComandoDeInicio(Interpretador& zv) {
+  const QString pasta = Q(zv.host().DadosPlataforma().pastaExecutavel);
+  QString exe = pasta + QStringLiteral("/zarvolt");
+  if (!QFile::exists(exe)) exe = QFile::symLinkTarget(QStringLiteral("/proc/self/exe"));
+  return {exe, Q(zv.dirPrograma + zv.nomeArquivoPrograma)};
+}
+
+// An argument of a desktop entry's Exec line, quoted as that format wants.
+QString ArgumentoExec(QString a) {
+  a.replace(QLatin1Char('\\'), QStringLiteral("\\\\"));
+  for (const char* c : {"\"", "`", "$"}) a.replace(QLatin1String(c), QLatin1String("\\") + QLatin1String(c));
+  return QLatin1Char('"') + a + QLatin1Char('"');
+}
+
+QString PastaAutostart() {
+  const QByteArray xdg = qgetenv("XDG_CONFIG_HOME");
+  return (xdg.isEmpty() ? QDir::homePath() + QStringLiteral("/.config") : QString::fromLocal8Bit(xdg)) +
+         QStringLiteral("/autostart");
+}
+
+// The entry's file: "zarvolt-" and the name in small letters (the list's
+// names are the registry's, whose case doesn't count), its other characters
+// made '_'.
+QString ArquivoAutostart(const Texto& nome) {
+  QString n = Q(nome).trimmed().toLower();
+  for (QChar& c : n)
+    if (!c.isLetterOrNumber() && c != QLatin1Char('-')) c = QLatin1Char('_');
+  return PastaAutostart() + QStringLiteral("/zarvolt-") + n + QStringLiteral(".desktop");
+}
+
+const Texto kChaveRun = u"Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+
+Valor AddSysStartup(Interpretador& zv, const Texto& argumentos) {
+  auto a = zv.SeparaArgumentos(argumentos, 2);
+  const Texto nome = ArgT(zv, a, 0);
+  const QStringList comando = ComandoDeInicio(zv);
+  const QString linha = comando.join(QLatin1Char(' '));
+  QDir().mkpath(PastaAutostart());
+  QSaveFile f(ArquivoAutostart(nome));
+  const QString entrada = QStringLiteral("[Desktop Entry]\nType=Application\nName=") + Q(nome) +
+                          QStringLiteral("\nExec=") + ArgumentoExec(comando[0]) + QLatin1Char(' ') +
+                          ArgumentoExec(comando[1]) + QStringLiteral("\nX-Zarvolt-Entry=") + Q(nome) +
+                          QStringLiteral("\n");
+  if (!f.open(QIODevice::WriteOnly) || f.write(entrada.toUtf8()) < 0 || !f.commit())
+    throw FalhaHost(falha::PermissaoNegada);
+  const QString arquivo = CaminhoRegistro(zv);
+  QJsonObject registro = LeRegistro(arquivo);
+  const QString chave = Chave(QStringLiteral("HKEY_LOCAL_MACHINE"), kChaveRun);
+  QJsonObject run = registro.value(chave).toObject();
+  run.insert(Q(nome).toUpper(), linha);
+  registro.insert(chave, run);
+  GravaRegistro(arquivo, registro);
+  return Valor();
+}
+
+// A name that isn't in the list leaves it as it is, without a word.
+Valor RemoveSysStartup(Interpretador& zv, const Texto& argumentos) {
+  auto a = zv.SeparaArgumentos(argumentos, 2);
+  const Texto nome = ArgT(zv, a, 0);
+  QFile::remove(ArquivoAutostart(nome));
+  const QString arquivo = CaminhoRegistro(zv);
+  QJsonObject registro = LeRegistro(arquivo);
+  const QString chave = Chave(QStringLiteral("HKEY_LOCAL_MACHINE"), kChaveRun);
+  QJsonObject run = registro.value(chave).toObject();
+  if (!run.contains(Q(nome).toUpper())) return Valor();
+  run.remove(Q(nome).toUpper());
+  registro.insert(chave, run);
+  GravaRegistro(arquivo, registro);
+  return Valor();
 }
 
 // Call Command, Style: the command line runs as it stands; the answer is
@@ -98,6 +179,8 @@ void RegistraSistema() {
   Comandos().Define(u"GetWinReg", GetWinReg);
   Comandos().Define(u"SaveWinReg", SaveWinReg);
   Comandos().Define(u"Call", Call);
+  Comandos().Define(u"AddSysStartup", AddSysStartup);
+  Comandos().Define(u"RemoveSysStartup", RemoveSysStartup);
 }
 
 }  // namespace zv

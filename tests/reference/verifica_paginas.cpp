@@ -193,6 +193,10 @@ bool RodaExemplo(const QString& zvrun, const QString& rotulo, const Exemplo& e, 
 
   QProcess p;
   p.setWorkingDirectory(dir);
+  // What an example adds to the desktop (a start-up entry) stays in its folder.
+  QProcessEnvironment ambiente = QProcessEnvironment::systemEnvironment();
+  ambiente.insert(QStringLiteral("XDG_CONFIG_HOME"), dir + QStringLiteral("/config"));
+  p.setProcessEnvironment(ambiente);
   p.start(zvrun, args);
   if (!p.waitForStarted()) {
     Diz(rotulo + QStringLiteral(": zvrun doesn't start: ") + zvrun + u'\n');
