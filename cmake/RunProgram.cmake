@@ -78,7 +78,9 @@ if(source MATCHES "'@repeat ")
   file(WRITE ${run} "${generated}")
 endif()
 
-execute_process(COMMAND ${ZVRUN} ${args} --config-dir ${work} ${run}
+# Whatever a program adds to the desktop (a start-up entry) stays in its folder.
+execute_process(COMMAND ${CMAKE_COMMAND} -E env XDG_CONFIG_HOME=${work}/config
+                        ${ZVRUN} ${args} --config-dir ${work} ${run}
                 WORKING_DIRECTORY ${work}
                 OUTPUT_VARIABLE out ERROR_VARIABLE err RESULT_VARIABLE rc)
 file(REMOVE_RECURSE ${work})

@@ -3,7 +3,12 @@
 // Event, KeyTest, TestMouse and the Timer command.
 #include <QApplication>
 #include <QCursor>
+#include <QFileInfo>
 #include <QFontDatabase>
+#include <QImage>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QUrl>
 #include <QIcon>
 #include <QPixmap>
 #include <cmath>
@@ -519,6 +524,56 @@ Valor CmdFonts(Interpretador& zv, const Texto& args) {
   return Valor::TextoComAspas(familias[static_cast<qsizetype>(n)].toStdU16String());
 }
 
+// The desktop's wallpaper, by the tool of the desktop that has one
+// (GNOME and its kin through gsettings, Plasma, Xfce); true when it took it.
+bool DefineFundoDaArea(const QString& arquivo) {
+  auto roda = [](const QString& programa, const QStringList& args) {
+    if (QStandardPaths::findExecutable(programa).isEmpty()) return false;
+    QProcess p;
+    p.start(programa, args);
+    return p.waitForFinished(5000) && p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0;
+  };
+  const QString uri = QUrl::fromLocalFile(arquivo).toString();
+  const QString desktop = qEnvironmentVariable("XDG_CURRENT_DESKTOP").toUpper();
+  if (desktop.contains(QLatin1String("KDE")))
+    return roda(QStringLiteral("plasma-apply-wallpaperimage"), {arquivo});
+  if (desktop.contains(QLatin1String("XFCE")))
+    return roda(QStringLiteral("xfconf-query"), {QStringLiteral("-c"), QStringLiteral("xfce4-desktop"),
+                                                 QStringLiteral("-p"),
+                                                 QStringLiteral("/backdrop/screen0/monitor0/workspace0/last-image"),
+                                                 QStringLiteral("-s"), arquivo});
+  const QString esquema = QStringLiteral("org.gnome.desktop.background");
+  if (!roda(QStringLiteral("gsettings"), {QStringLiteral("set"), esquema, QStringLiteral("picture-uri"), uri}))
+    return false;
+  // Newer GNOME shows this one in its dark style; older ones don't have it.
+  roda(QStringLiteral("gsettings"), {QStringLiteral("set"), esquema, QStringLiteral("picture-uri-dark"), uri});
+  return true;
+}
+
+// ChangeWallpaper File: "True" when the desktop took the picture. A picture
+// that isn't a BMP goes as Temp.bmp in the program's folder. A run without
+// a screen never touches the desktop: it answers "False".
+Valor CmdChangeWallpaper(Interpretador& zv, const Texto& args) {
+  std::vector<Texto> a = zv.SeparaArgumentos(args, 2);
+  const Texto pedido = TextoT(zv, Arg(a, 0));
+  const Texto resolvido = ResolveArquivo(zv, pedido);
+  QString arquivo = QString::fromStdU16String(resolvido);
+  auto falso = [] { return Valor::DeTexto(u"False"); };
+  if (arquivo.isEmpty()) return falso();
+  SistemaJanelas& s = Janelas(zv);
+  GaranteAplicacao(s.host && s.host->SemTela());
+  if (!arquivo.right(3).toUpper().endsWith(QLatin1String("BMP"))) {
+    QImage figura;
+    const QString temp = QString::fromStdU16String(zv.dirPrograma) + QStringLiteral("Temp.bmp");
+    if (!figura.load(arquivo) || !figura.save(temp, "BMP")) return falso();
+    arquivo = temp;
+  } else if (!QFileInfo::exists(arquivo)) {
+    return falso();
+  }
+  if (s.host && s.host->SemTela()) return falso();
+  return Valor::DeTexto(DefineFundoDaArea(QFileInfo(arquivo).absoluteFilePath()) ? u"True" : u"False");
+}
+
 // Gradient [Start, End]: the current window's gradient, painted on its
 // surface, and again at each resize from then on.
 Valor CmdGradient(Interpretador& zv, const Texto& args) {
@@ -646,6 +701,7 @@ void RegistraComandosJanela() {
   t.Define(u"Gradient", CmdGradient);
   t.Define(u"Icon", CmdIcon);
   t.Define(u"Fonts", CmdFonts);
+  t.Define(u"ChangeWallpaper", CmdChangeWallpaper);
   t.Define(u"SystemMenu", CmdSystemMenu);
   t.Define(u"WindowWidth", CmdWindowWidth, semArgs);
   t.Define(u"WindowHeight", CmdWindowHeight, semArgs);
