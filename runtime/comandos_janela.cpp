@@ -686,6 +686,7 @@ Valor CmdTimer(Interpretador& zv, const Texto& args) {
 void RegistraControles(TabelaComandos& t);
 void RegistraDialogos(TabelaComandos& t);
 void RegistraDesenho(TabelaComandos& t);
+void RegistraBandeja(TabelaComandos& t);
 
 void RegistraComandosJanela() {
   TabelaComandos& t = Comandos();
@@ -712,6 +713,7 @@ void RegistraComandosJanela() {
   t.Define(u"TestMouse", CmdTestMouse, semArgs);
   t.Define(u"Timer", CmdTimer);
   RegistraControles(t);
+  RegistraBandeja(t);
   RegistraDialogos(t);
   RegistraDesenho(t);
 }

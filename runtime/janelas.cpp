@@ -258,6 +258,9 @@ void SistemaJanelas::FechaPrincipal() {
     j->fechando = true;
     j->hide();
   }
+  // 3. The notification icon.
+  bandeja.reset();
+  modoBandeja = false;
 }
 
 void SistemaJanelas::Desmonta() { FechaPrincipal(); }

@@ -168,6 +168,12 @@ class SistemaJanelas : public OuvinteJanela {
   void TiqueEstatica(int i, const Texto& sub);
 
   std::unique_ptr<QObject> filtro_;  // key preview
+ public:
+  // The run's one notification icon (AddIconSysTray), gone at the tear-down,
+  // and ModoBandeja: the window hides in the notification area.
+  std::unique_ptr<QObject> bandeja;
+  bool modoBandeja = false;
+ private:
   bool espelhosLigados_ = false;     // Timer2
   EstiloBotao estilo0_;
   std::vector<QPointer<QWidget>> descartados_;
