@@ -13,6 +13,7 @@
 #include "runtime/aplicacao.h"
 #include "runtime/janela_host.h"
 #include "runtime/janelas.h"
+#include "runtime/mensagens.h"
 
 namespace zv {
 
@@ -28,9 +29,9 @@ class Bandeja : public QObject {
     if (icone.isNull()) icone = QIcon(FiguraPadrao(0));  // the first default picture
     icone_ = new QSystemTrayIcon(icone, this);
     icone_->setToolTip(dica);
-    auto* mostra = menu_.addAction(QObject::tr("Show the window"));
+    auto* mostra = menu_.addAction(QString::fromUtf16(msg::kBandejaMostra));
     menu_.addSeparator();
-    auto* sai = menu_.addAction(QObject::tr("Exit"));
+    auto* sai = menu_.addAction(QString::fromUtf16(msg::kBandejaSai));
     QObject::connect(mostra, &QAction::triggered, this, [this] { Mostra(true); });
     QObject::connect(sai, &QAction::triggered, this, [this] { s_.FechaPrincipal(); });
     icone_->setContextMenu(&menu_);

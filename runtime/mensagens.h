@@ -75,4 +75,9 @@ inline constexpr Texto SemMenu = u"Object doesn't support this property or metho
 // A skin number the button-types array has no instance for.
 inline constexpr Texto ElementoInexistente = u"Control array element '{}' doesn't exist";
 
+// ---- The notification icon's menu ---------------------------------------------
+
+inline constexpr char16_t kBandejaMostra[] = u"Show the window";
+inline constexpr char16_t kBandejaSai[] = u"Exit";
+
 }  // namespace zv::msg
