@@ -16,9 +16,9 @@
 namespace zv {
 namespace {
 
-class GeradorArgumentos {
+class GeradorArgumentos : public GeradorProgramas {
  public:
-  explicit GeradorArgumentos(uint32_t semente) : s_(semente) {}
+  using GeradorProgramas::GeradorProgramas;
 
   Texto Programa() {
     std::vector<std::string> l = {
@@ -51,19 +51,10 @@ class GeradorArgumentos {
     l.push_back("  Message " + Expressao() + ", \"/\", i + 1, \"/\", p * 2");
     l.push_back("  Return p * 2");
     l.push_back("EndFunction");
-    std::string fonte;
-    for (const std::string& x : l) fonte += x + "\r\n";
-    return Texto(fonte.begin(), fonte.end());
+    return Fonte(l);
   }
 
  private:
-  int Um(int n) {
-    s_ = s_ * 1103515245u + 12345u;
-    return static_cast<int>((s_ >> 8) % static_cast<uint32_t>(n));
-  }
-  std::string Escolhe(std::initializer_list<const char*> opcoes) {
-    return *(opcoes.begin() + Um(static_cast<int>(opcoes.size())));
-  }
   std::string Expressao() {
     return Escolhe({"i + 1",   "k * 2 - 1", "NA(k) + 3", "NA(i)",   "d / 2",  "s",          "T(k)",
                     "zz + 1",  "zz",        "12",        "\"lit\"", "u + 1",  "-i + 2",     "i % k",
@@ -84,7 +75,6 @@ class GeradorArgumentos {
         return "Message " + Expressao() + ", \"|\", " + Expressao() + ", \"|\", " + Expressao();
     }
   }
-  uint32_t s_;
 };
 
 std::string Roda(const Texto& fonte, bool semPlanos) {

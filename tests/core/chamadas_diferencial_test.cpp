@@ -15,9 +15,9 @@
 namespace zv {
 namespace {
 
-class Gerador {
+class Gerador : public GeradorProgramas {
  public:
-  explicit Gerador(uint32_t semente) : s_(semente) {}
+  using GeradorProgramas::GeradorProgramas;
 
   Texto Programa() {
     std::vector<std::string> linhas = {"Var i Integer, n Integer, d Decimal, t String"};
@@ -67,19 +67,10 @@ class Gerador {
     linhas.push_back("Loop");
     linhas.push_back("EndProgram");
     for (const Funcao& f : funcoes) linhas.insert(linhas.end(), f.texto.begin(), f.texto.end());
-    std::string fonte;
-    for (const std::string& l : linhas) fonte += l + "\r\n";
-    return Texto(fonte.begin(), fonte.end());
+    return Fonte(linhas);
   }
 
  private:
-  int Um(int n) {
-    s_ = s_ * 1103515245u + 12345u;
-    return static_cast<int>((s_ >> 8) % static_cast<uint32_t>(n));
-  }
-  std::string Escolhe(std::initializer_list<const char*> opcoes) {
-    return *(opcoes.begin() + Um(static_cast<int>(opcoes.size())));
-  }
   std::string Expressao(const std::vector<std::string>& nomes) {
     std::vector<std::string> n = nomes.empty() ? std::vector<std::string>{"1"} : nomes;
     auto nome = [&] { return n[static_cast<size_t>(Um(static_cast<int>(n.size())))]; };
@@ -124,7 +115,6 @@ class Gerador {
       }
     }
   }
-  uint32_t s_;
 };
 
 // What a run shows: its boxes, how far it went and its variables.

@@ -5,7 +5,9 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <initializer_list>
 #include <string>
+#include <vector>
 
 #include "core/interpretador.h"
 #include "runtime/headless_host.h"
@@ -48,5 +50,29 @@ inline std::string RodaParaComparar(const Texto& fonte, bool semPlanos, int64_t 
   std::free(buffer);
   return r;
 }
+
+// What the program generators of the differential tests share: a seeded
+// choice, and the lines joined into a source with CR LF.
+class GeradorProgramas {
+ public:
+  explicit GeradorProgramas(uint32_t semente) : s_(semente) {}
+
+ protected:
+  int Um(int n) {
+    s_ = s_ * 1103515245u + 12345u;
+    return static_cast<int>((s_ >> 8) % static_cast<uint32_t>(n));
+  }
+  std::string Escolhe(std::initializer_list<const char*> opcoes) {
+    return *(opcoes.begin() + Um(static_cast<int>(opcoes.size())));
+  }
+  static Texto Fonte(const std::vector<std::string>& linhas) {
+    std::string fonte;
+    for (const std::string& l : linhas) fonte += l + "\r\n";
+    return Texto(fonte.begin(), fonte.end());
+  }
+
+ private:
+  uint32_t s_;
+};
 
 }  // namespace zv

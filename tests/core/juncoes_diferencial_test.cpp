@@ -21,9 +21,9 @@
 namespace zv {
 namespace {
 
-class GeradorJuncoes {
+class GeradorJuncoes : public GeradorProgramas {
  public:
-  explicit GeradorJuncoes(uint32_t semente) : s_(semente) {}
+  using GeradorProgramas::GeradorProgramas;
 
   Texto Programa() {
     std::vector<std::string> l = {
@@ -64,19 +64,10 @@ class GeradorJuncoes {
     l.push_back("  r2 = \"x\" & \"" + Escolhe({"Chr(1)", "y", "Format("}) + "\"");
     l.push_back("  Return r");
     l.push_back("EndFunction");
-    std::string fonte;
-    for (const std::string& x : l) fonte += x + "\r\n";
-    return Texto(fonte.begin(), fonte.end());
+    return Fonte(l);
   }
 
  private:
-  int Um(int n) {
-    s_ = s_ * 1103515245u + 12345u;
-    return static_cast<int>((s_ >> 8) % static_cast<uint32_t>(n));
-  }
-  std::string Escolhe(std::initializer_list<const char*> opcoes) {
-    return *(opcoes.begin() + Um(static_cast<int>(opcoes.size())));
-  }
   std::string Parte() {
     switch (Um(5)) {
       case 0:
@@ -114,7 +105,6 @@ class GeradorJuncoes {
     }
     return e;
   }
-  uint32_t s_;
 };
 
 // What a run shows: its boxes, how far it went and its variables.

@@ -17,9 +17,9 @@
 namespace zv {
 namespace {
 
-class Gerador {
+class Gerador : public GeradorProgramas {
  public:
-  explicit Gerador(uint32_t semente) : s_(semente) {}
+  using GeradorProgramas::GeradorProgramas;
 
   Texto Programa() {
     std::vector<std::string> l = {
@@ -45,19 +45,10 @@ class Gerador {
     l.push_back(std::string("  GoTo ") + (Um(8) ? "Again" : "Missing"));
     l.push_back("EndIf");
     l.push_back("Message \"end \", i, \" \", p, \" \", k, \" \", d");
-    std::string fonte;
-    for (const std::string& x : l) fonte += x + "\r\n";
-    return Texto(fonte.begin(), fonte.end());
+    return Fonte(l);
   }
 
  private:
-  int Um(int n) {
-    s_ = s_ * 1103515245u + 12345u;
-    return static_cast<int>((s_ >> 8) % static_cast<uint32_t>(n));
-  }
-  std::string Escolhe(std::initializer_list<const char*> opcoes) {
-    return *(opcoes.begin() + Um(static_cast<int>(opcoes.size())));
-  }
   std::string Texto_() { return Escolhe({"s", "s", "t", "a(1)", "a(k)", "a(p)"}); }
   std::string Busca() { return Escolhe({"x", "\";\"", "\"b\"", "\",\"", "t", "\"\"", "\"zz\""}); }
   std::string Numero() {
@@ -131,7 +122,6 @@ class Gerador {
         break;
     }
   }
-  uint32_t s_;
 };
 
 // Loops that grow a text with JoinStr and eat it from the front with SubStr,
@@ -139,9 +129,9 @@ class Gerador {
 // with every other kind of write to the same variable, with pieces
 // that make quotes and nesting tags across the joins and the cuts. No text
 // is joined to a long one, so they grow by a few characters a turn.
-class GeradorAcumulador {
+class GeradorAcumulador : public GeradorProgramas {
  public:
-  explicit GeradorAcumulador(uint32_t semente) : s_(semente) {}
+  using GeradorProgramas::GeradorProgramas;
 
   Texto Programa() {
     std::vector<std::string> l = {
@@ -159,19 +149,10 @@ class GeradorAcumulador {
     l.push_back("  i++");
     l.push_back("Loop");
     l.push_back("Message StrLen(s), \" \", StrLen(a(1))");
-    std::string fonte;
-    for (const std::string& x : l) fonte += x + "\r\n";
-    return Texto(fonte.begin(), fonte.end());
+    return Fonte(l);
   }
 
  private:
-  int Um(int n) {
-    s_ = s_ * 1103515245u + 12345u;
-    return static_cast<int>((s_ >> 8) % static_cast<uint32_t>(n));
-  }
-  std::string Escolhe(std::initializer_list<const char*> opcoes) {
-    return *(opcoes.begin() + Um(static_cast<int>(opcoes.size())));
-  }
   std::string Peca() {
     return Escolhe({"\"ab\"", "\"word;\"", "\"(\"", "\"]\"", "\"[\"", "\")\"", "\"1\"", "\"(1\"", "\"1]\"", "Chr(34)",
                     "\"a b\"", "\",\"", "\"\""});
@@ -220,7 +201,6 @@ class GeradorAcumulador {
         return "If StrLen(s) > " + std::to_string(50 + Um(400)) + "\r\n    s = SubStr(s, 40)\r\n  EndIf";
     }
   }
-  uint32_t s_;
 };
 
 // What a run shows: its boxes, how far it went and its variables.
