@@ -78,7 +78,7 @@ void Interpretador::ExecutaCorpo(ModeloFuncao& m, const std::vector<Texto>& gera
 
 Interpretador::Seguimento Interpretador::CorreCorpo(CorpoPlanejado& cp, CondicoesFalsas& falsas, int32_t& numero) {
   // The walk's checks before its first statement.
-  if (!executando || janelaFechada || pararPrograma || abortado) return Seguimento::Fim;
+  if (!SegueExecutando()) return Seguimento::Fim;
   if (limiteInstrucoes > 0 && ++instrucoesExecutadas > limiteInstrucoes) {
     limiteAtingido = true;
     abortado = true;

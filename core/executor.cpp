@@ -151,7 +151,7 @@ void Interpretador::Caminha(const Texto& texto, const Texto& textoExibicao, int3
   for (;; contado = false) {
     PlanoLinha* generico = nullptr;
     if (!contado) {
-      if (!executando || janelaFechada || pararPrograma || abortado) return;
+      if (!SegueExecutando()) return;
       if (limiteInstrucoes > 0 && ++instrucoesExecutadas > limiteInstrucoes) {
         limiteAtingido = true;
         abortado = true;

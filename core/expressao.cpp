@@ -345,8 +345,32 @@ bool ArvoreCalculo::Compila(const std::vector<Texto>& pedacos) {
   auto valor = [](const Passo& p) { return p.op == u'n' || p.op == u'v'; };
   binaria_ = passos_.size() == 3 && valor(passos_[0]) && valor(passos_[1]) && !valor(passos_[2]) &&
              passos_[2].op != u'u';
+  auto inteiro = [](const Passo& p) {
+    return p.op == u'v' || (p.op == u'n' && p.valor == std::trunc(p.valor) && std::fabs(p.valor) < 2147483648.0);
+  };
+  inteira_ = binaria_ && inteiro(passos_[0]) && inteiro(passos_[1]) &&
+             (passos_[2].op == u'+' || passos_[2].op == u'-' || passos_[2].op == u'*' || passos_[2].op == u'%');
   // A deeper calculation is left to the text's own way.
   return pilha_ <= kMaxPilha;
+}
+
+int64_t ArvoreCalculo::CalculaInteiro(const int32_t* valores) const {
+  auto valor = [valores](const Passo& p) -> int64_t {
+    return p.op == u'v' ? valores[static_cast<int>(p.valor)] : static_cast<int64_t>(p.valor);
+  };
+  const int64_t a = valor(passos_[0]), b = valor(passos_[1]);
+  switch (passos_[2].op) {
+    case u'+':
+      return a + b;
+    case u'-':
+      return a - b;
+    case u'*':
+      return a * b;
+    default:
+      // As Aplica: a remainder by zero is a failure of the host.
+      if (b == 0) throw FalhaHost(falha::DivisaoPorZero);
+      return b == -1 ? 0 : a % b;
+  }
 }
 
 

@@ -37,6 +37,11 @@ class ArvoreCalculo {
   // False on a failure of the calculation; a remainder by zero or an
   // overflow of a whole-number operator throws, as the calculation does.
   bool Calcula(const double* valores, double& r) const;
+  // Whether the calculation is two whole values (holes, or whole constants
+  // of 32 bits) and one of + - * %; then CalculaInteiro gives what Calcula
+  // gives, exactly, as a whole number.
+  bool Inteira() const { return inteira_; }
+  int64_t CalculaInteiro(const int32_t* valores) const;
 
  private:
   // The tree in postfix order: each step pushes a value or works on the top.
@@ -49,6 +54,7 @@ class ArvoreCalculo {
   size_t pilha_ = 0;  // the deepest the stack goes
   // Two values and one operator, the commonest calculation, go without the stack.
   bool binaria_ = false;
+  bool inteira_ = false;
 };
 
 // True when a text is taken for arithmetic.

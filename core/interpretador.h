@@ -4,6 +4,7 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <memory>
 #include <set>
@@ -31,7 +32,17 @@ struct FontePrograma {
 // Statement limits of the markers: five digits.
 inline constexpr int32_t kMaxNumeroMarcador = 99999;
 
-class Interpretador {
+// The four flags that end a walk, side by side so that the check made
+// before every statement reads them as one word.
+struct SinaisDeParada {
+  bool executando = true;     // Executando
+  bool pararPrograma = false; // PararPrograma
+  bool janelaFechada = false; // JanelaFechada
+  // Set when a limit (nesting depth, statement budget) ended the run; stops every walk.
+  bool abortado = false;
+};
+
+class Interpretador : public SinaisDeParada {
  public:
   explicit Interpretador(Host& host);
   ~Interpretador();
@@ -80,9 +91,11 @@ class Interpretador {
   // Pumps the host once (and so runs due timers).
   void Bombeia();
 
-  bool executando = true;     // Executando
-  bool pararPrograma = false; // PararPrograma
-  bool janelaFechada = false; // JanelaFechada
+  // True while no flag asks the walk to stop.
+  [[gnu::always_inline]] bool SegueExecutando() const {
+    static constexpr uint32_t kSegue = std::bit_cast<uint32_t>(SinaisDeParada{});
+    return std::bit_cast<uint32_t>(static_cast<const SinaisDeParada&>(*this)) == kSegue;
+  }
   // LocalAtual, "Editor: e Line: n", is made only when a box needs it.
   int32_t editorAtual = 0, linhaAtual = 0;
   Texto LocalAtual() const;
@@ -91,8 +104,6 @@ class Interpretador {
   // layer's events and awaited by Wait ClickButton and Wait ClickBox.
   Texto ultimoBotao, ultimoCliqueCaixa;
   int profundidade = 0;       // walks nested now
-  // Set when a limit (nesting depth, statement budget) ended the run; stops every walk.
-  bool abortado = false;
   // Routines a walk may nest. Deep enough for a user's recursive flood fill
   // or tree walk; the run launcher gives the walk a stack for this many
   // levels of the deepest frames measured, several times over.
@@ -294,6 +305,11 @@ class Interpretador {
   size_t AchaMarca(const Texto& texto, int32_t numero, size_t de);
   [[gnu::always_inline]] bool NumeroRapido(const PlanoValor& p, double& x, Valor::Tipo& tipo);
   bool CalculoRapido(const PlanoValor& p, double& x);
+  // A PlanoValor with `inteiro` worked out in whole numbers; false where
+  // CalculoRapido would give up (an index out of range, a value below 0).
+  bool InteiroRapido(const PlanoValor& p, int64_t& r);
+  // Whole results below this in size are stored as they are: 2^31.
+  static constexpr int64_t kLimite32 = int64_t{1} << 31;
   const Texto* TextoRapido(const PlanoValor& p);
   bool JulgaRapido(const PlanoCondicao& c, Veredito& v);
   Veredito Julga(const PlanoCondicao& c, uint64_t geracao);

@@ -98,6 +98,20 @@ void Interpretador::GravaRef(const RefVariavel& r, uint64_t geracao, const Valor
   }
 }
 
+bool Interpretador::InteiroRapido(const PlanoValor& p, int64_t& r) {
+  int32_t valores[2] = {0, 0};
+  for (size_t n = 0; n < p.refs.size(); ++n) {
+    const RefVariavel& ref = p.refs[n];
+    int64_t i;
+    if (!IndiceRef(ref, i)) return false;
+    int32_t v = variaveis.inteiros[static_cast<size_t>(ref.inicio + i)];
+    if (v < 0) return false;
+    valores[n] = v;
+  }
+  r = p.arvore.CalculaInteiro(valores);
+  return true;
+}
+
 bool Interpretador::CalculoRapido(const PlanoValor& p, double& x) {
   double valores[kMaxBuracos];
   for (size_t n = 0; n < p.refs.size(); ++n) {
@@ -163,6 +177,8 @@ void Interpretador::PreparaValor(const Texto& texto, PlanoValor& p) {
     p.pedacos.push_back(std::move(pedaco));
     p.pecaUnica = pecas == 1;
     p.temArvore = !p.pecaUnica && p.refs.size() <= kMaxBuracos && p.arvore.Compila(p.pedacos);
+    p.inteiro = p.temArvore && p.arvore.Inteira() &&
+                std::all_of(p.refs.begin(), p.refs.end(), [](const RefVariavel& r) { return r.tipo == TipoVariavel::Integer; });
     p.tipo = PlanoValor::Tipo::Aritmetica;
     return;
   }
@@ -728,6 +744,15 @@ bool Interpretador::CompostoRapido(PlanoLinha& pl) {
     x += *d;
     return true;
   }
+  // Whole numbers kept whole: what the way below gives, without doubles.
+  int64_t w;
+  if (pl.alvo.tipo == TipoVariavel::Integer && pl.valor.inteiro && InteiroRapido(pl.valor, w) &&
+      w > -kLimite32 && w < kLimite32) {
+    int32_t& x = variaveis.inteiros[k];
+    int64_t r = pl.mais ? x + w : x - w;
+    if (r >= INT32_MIN && r <= INT32_MAX) x = static_cast<int32_t>(r);
+    return true;
+  }
   double y;
   Valor::Tipo ty;
   if (!NumeroRapido(pl.valor, y, ty)) return false;
@@ -760,6 +785,23 @@ bool Interpretador::AtribuicaoRapida(PlanoLinha& pl) {
     variaveis.Escreveu(k);
     forcaTexto = false;
     return true;
+  }
+  if (pl.alvo.tipo == TipoVariavel::Integer) {
+    // A whole variable into a whole variable, and a calculation of whole
+    // numbers kept whole: what the way below gives, without doubles.
+    if (p.tipo == PlanoValor::Tipo::Variavel && p.var.tipo == TipoVariavel::Integer) {
+      int64_t j;
+      if (!IndiceRef(p.var, j)) return false;
+      variaveis.inteiros[k] = variaveis.inteiros[static_cast<size_t>(p.var.inicio + j)];
+      forcaTexto = false;
+      return true;
+    }
+    int64_t w;
+    if (p.inteiro && InteiroRapido(p, w) && w > -kLimite32 && w < kLimite32) {
+      variaveis.inteiros[k] = static_cast<int32_t>(w);
+      forcaTexto = false;
+      return true;
+    }
   }
   double x;
   Valor::Tipo tx;
@@ -971,7 +1013,7 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     }
     if (!pl || pl->tipo == T::Generico) return sai(Seguimento::Proximo);
     // What the walk checks before every statement.
-    if (!executando || janelaFechada || pararPrograma || abortado) return sai(Seguimento::Fim);
+    if (!SegueExecutando()) [[unlikely]] return sai(Seguimento::Fim);
     if (limiteInstrucoes > 0 && ++instrucoesExecutadas > limiteInstrucoes) {
       limiteAtingido = true;
       abortado = true;

@@ -58,6 +58,7 @@ struct PlanoValor {
   bool pecaUnica = false;  // the whole text was one piece: it stays text
   bool temArvore = false;  // the calculation parsed once, for whole values of 0 or more
   bool temChamada = false; // a text command fills one of the refs (CalculoComChamada)
+  bool inteiro = false;    // the tree is Inteira and its refs whole-number variables (InteiroRapido)
   ArvoreCalculo arvore;
   // Chamada: the whole value is one call; Aritmetica: the call in one of
   // the refs.

@@ -94,5 +94,66 @@ TEST(ArgumentosPlanejados, GeneratedProgramsRunTheSameWithAndWithoutPlans) {
   EXPECT_GT(comBoxes, 300);  // the programs do get to their messages
 }
 
+// Whole-number statements at the edges of 32 bits: "a = x op y" and
+// "a += x op y" over whole variables and elements that hold 0, -1, the
+// largest and smallest values, with + - * % and /, constants whole and not,
+// in range and past it. The plans keep such sums in whole numbers; the walk
+// goes through doubles and text, and both must leave the same.
+class GeradorInteiros : public GeradorProgramas {
+ public:
+  using GeradorProgramas::GeradorProgramas;
+
+  Texto Programa() {
+    std::vector<std::string> l = {
+        "Var a Integer, b Integer, x Integer, y Integer, i Integer, d Decimal",
+        "Var A(3) Integer",
+        "x = " + Valor(),
+        "y = " + Valor(),
+        "A(1) = " + Valor(),
+        "A(2) = " + Valor(),
+        "b = " + Valor(),
+        "i = 0",
+        "While i < 4",
+    };
+    int total = 3 + Um(5);
+    for (int j = 0; j < total; ++j) l.push_back("  " + Linha());
+    l.push_back("  x = x + " + Escolhe({"1", "7", "-3", "1000"}));
+    l.push_back("  i++");
+    l.push_back("Loop");
+    l.push_back("Message a, \" \", b, \" \", x, \" \", y, \" \", A(1), \" \", d");
+    return Fonte(l);
+  }
+
+ private:
+  std::string Valor() {
+    return Escolhe({"0", "1", "-1", "7", "46341", "65536", "2147483647", "-2147483647", "-2147483648", "3"});
+  }
+  std::string Operando() {
+    return Escolhe({"x", "y", "b", "A(1)", "A(2)", "A(i)", "A(5)", "0", "-1", "3", "2.5", "2147483647",
+                    "2147483648", "65536"});
+  }
+  std::string Linha() {
+    std::string e = Operando() + " " + Escolhe({"+", "-", "*", "%", "/"}) + " " + Operando();
+    switch (Um(4)) {
+      case 0:
+        return Escolhe({"a", "b", "A(1)", "A(i)"}) + " += " + e;
+      case 1:
+        return Escolhe({"a", "b"}) + " -= " + e;
+      case 2:
+        return "d = " + e;
+      default:
+        return Escolhe({"a", "b", "A(2)", "A(i)", "y"}) + " = " + e;
+    }
+  }
+};
+
+TEST(ArgumentosPlanejados, WholeNumberStatementsAtTheEdgesRunTheSameWithAndWithoutPlans) {
+  for (uint32_t semente = 1; semente <= 1500; ++semente) {
+    Texto fonte = GeradorInteiros(semente).Programa();
+    std::string com = Roda(fonte, false), sem = Roda(fonte, true);
+    ASSERT_EQ(com, sem) << "program " << semente << ":\n" << Utf8(fonte);
+  }
+}
+
 }  // namespace
 }  // namespace zv
