@@ -308,8 +308,11 @@ class Interpretador : public SinaisDeParada {
   // A PlanoValor with `inteiro` worked out in whole numbers; false where
   // CalculoRapido would give up (an index out of range, a value below 0).
   bool InteiroRapido(const PlanoValor& p, int64_t& r);
+  // The same for a whole-number variable too.
+  bool InteiroDoValor(const PlanoValor& p, int64_t& r);
   // Whole results below this in size are stored as they are: 2^31.
   static constexpr int64_t kLimite32 = int64_t{1} << 31;
+  static constexpr int64_t kLimite15 = 1'000'000'000'000'000;  // 1e15
   const Texto* TextoRapido(const PlanoValor& p);
   bool JulgaRapido(const PlanoCondicao& c, Veredito& v);
   Veredito Julga(const PlanoCondicao& c, uint64_t geracao);

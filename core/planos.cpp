@@ -112,6 +112,27 @@ bool Interpretador::InteiroRapido(const PlanoValor& p, int64_t& r) {
   return true;
 }
 
+bool Interpretador::InteiroDoValor(const PlanoValor& p, int64_t& r) {
+  switch (p.tipo) {
+    case PlanoValor::Tipo::Variavel: {
+      int64_t i;
+      if (p.var.tipo != TipoVariavel::Integer || !IndiceRef(p.var, i)) return false;
+      r = variaveis.inteiros[static_cast<size_t>(p.var.inicio + i)];
+      return true;
+    }
+    case PlanoValor::Tipo::Numero:
+      // Whole numbers of up to 15 digits read back as themselves.
+      if (p.numero != std::trunc(p.numero) || !(std::fabs(p.numero) < 1e15)) return false;
+      r = static_cast<int64_t>(p.numero);
+      return true;
+    case PlanoValor::Tipo::Aritmetica:
+      // Past 15 digits a result reads back through its text.
+      return p.inteiro && InteiroRapido(p, r) && r > -kLimite15 && r < kLimite15;
+    default:
+      return false;
+  }
+}
+
 bool Interpretador::CalculoRapido(const PlanoValor& p, double& x) {
   double valores[kMaxBuracos];
   for (size_t n = 0; n < p.refs.size(); ++n) {
@@ -285,7 +306,13 @@ void Interpretador::PreparaCondicao(const Texto& texto, PlanoCondicao& c) {
 
 bool Interpretador::JulgaRapido(const PlanoCondicao& c, Veredito& veredito) {
   if (c.simples) {
-    // Two numbers, or two texts, compare without the values' trip.
+    // Two numbers, or two texts, compare without the values' trip; whole
+    // numbers as they are.
+    int64_t ia, ib;
+    if (InteiroDoValor(c.operandos[0], ia) && InteiroDoValor(c.operandos[1], ib)) {
+      veredito = Satisfaz(c.relacao, ia < ib ? -1 : (ia > ib ? 1 : 0)) ? Veredito::Verdadeiro : Veredito::Falso;
+      return true;
+    }
     int cmp = 2;
     double a, b;
     Valor::Tipo ta, tb;
@@ -746,8 +773,7 @@ bool Interpretador::CompostoRapido(PlanoLinha& pl) {
   }
   // Whole numbers kept whole: what the way below gives, without doubles.
   int64_t w;
-  if (pl.alvo.tipo == TipoVariavel::Integer && pl.valor.inteiro && InteiroRapido(pl.valor, w) &&
-      w > -kLimite32 && w < kLimite32) {
+  if (pl.alvo.tipo == TipoVariavel::Integer && InteiroDoValor(pl.valor, w) && w > -kLimite32 && w < kLimite32) {
     int32_t& x = variaveis.inteiros[k];
     int64_t r = pl.mais ? x + w : x - w;
     if (r >= INT32_MIN && r <= INT32_MAX) x = static_cast<int32_t>(r);

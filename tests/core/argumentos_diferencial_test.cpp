@@ -7,6 +7,7 @@
 // and built-in calls, nested and side by side.
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -94,8 +95,8 @@ TEST(ArgumentosPlanejados, GeneratedProgramsRunTheSameWithAndWithoutPlans) {
   EXPECT_GT(comBoxes, 300);  // the programs do get to their messages
 }
 
-// Whole-number statements at the edges of 32 bits: "a = x op y" and
-// "a += x op y" over whole variables and elements that hold 0, -1, the
+// Whole-number statements at the edges of 32 bits: "a = x op y",
+// "a += x op y" and "If x op y < z" over whole variables and elements that hold 0, -1, the
 // largest and smallest values, with + - * % and /, constants whole and not,
 // in range and past it. The plans keep such sums in whole numbers; the walk
 // goes through doubles and text, and both must leave the same.
@@ -130,11 +131,18 @@ class GeradorInteiros : public GeradorProgramas {
   }
   std::string Operando() {
     return Escolhe({"x", "y", "b", "A(1)", "A(2)", "A(i)", "A(5)", "0", "-1", "3", "2.5", "2147483647",
-                    "2147483648", "65536"});
+                    "2147483648", "65536", "2147483646"});
   }
   std::string Linha() {
     std::string e = Operando() + " " + Escolhe({"+", "-", "*", "%", "/"}) + " " + Operando();
-    switch (Um(4)) {
+    switch (Um(5)) {
+      case 4: {
+        // A comparison of whole values, sums or constants, on one line.
+        std::string lado = Um(2) ? Operando() : e;
+        std::string outro = Um(2) ? Operando() : Operando() + " " + Escolhe({"*", "+"}) + " " + Operando();
+        return "If " + lado + " " + Escolhe({"<", ">", "=", "<>", "<=", ">="}) + " " + outro +
+               "\r\n    b++\r\n  EndIf";
+      }
       case 0:
         return Escolhe({"a", "b", "A(1)", "A(i)"}) + " += " + e;
       case 1:
@@ -148,6 +156,16 @@ class GeradorInteiros : public GeradorProgramas {
 };
 
 TEST(ArgumentosPlanejados, WholeNumberStatementsAtTheEdgesRunTheSameWithAndWithoutPlans) {
+  // Products past 15 digits read back rounded: these two differ by 8 and
+  // compare equal, as the walk compares them.
+  const char* produtos =
+      "Var x Integer, y Integer, u Integer, v Integer, n Integer\r\n"
+      "x = 1000000007\r\ny = 1000000000\r\nu = 1000000008\r\nv = 999999999\r\n"
+      "If x * y = u * v\r\n  n = 1\r\nEndIf\r\nIf x * y > u * v\r\n  n = n + 2\r\nEndIf\r\n"
+      "If x * 3 > u * 3\r\n  n = n + 4\r\nEndIf\r\nMessage n\r\n";
+  Texto fonte(produtos, produtos + std::strlen(produtos));
+  ASSERT_EQ(Roda(fonte, false), Roda(fonte, true));
+
   for (uint32_t semente = 1; semente <= 1500; ++semente) {
     Texto fonte = GeradorInteiros(semente).Programa();
     std::string com = Roda(fonte, false), sem = Roda(fonte, true);
