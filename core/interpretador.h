@@ -5,6 +5,7 @@
 
 #include <array>
 #include <bit>
+#include <cmath>
 #include <cstdint>
 #include <memory>
 #include <set>
@@ -308,8 +309,22 @@ class Interpretador : public SinaisDeParada {
   // A PlanoValor with `inteiro` worked out in whole numbers; false where
   // CalculoRapido would give up (an index out of range, a value below 0).
   bool InteiroRapido(const PlanoValor& p, int64_t& r);
-  // The same for a whole-number variable too.
-  bool InteiroDoValor(const PlanoValor& p, int64_t& r);
+  // The same for a whole-number variable and a whole constant too.
+  [[gnu::always_inline]] bool InteiroDoValor(const PlanoValor& p, int64_t& r) {
+    if (p.tipo == PlanoValor::Tipo::Variavel) {
+      int64_t i;
+      if (p.var.tipo != TipoVariavel::Integer || !IndiceRef(p.var, i)) return false;
+      r = variaveis.inteiros[static_cast<size_t>(p.var.inicio + i)];
+      return true;
+    }
+    // Past 15 digits a result reads back through its text.
+    if (p.inteiro) return InteiroRapido(p, r) && r > -kLimite15 && r < kLimite15;
+    if (p.tipo != PlanoValor::Tipo::Numero) return false;
+    // Whole numbers of up to 15 digits read back as themselves.
+    if (p.numero != std::trunc(p.numero) || !(std::fabs(p.numero) < 1e15)) return false;
+    r = static_cast<int64_t>(p.numero);
+    return true;
+  }
   // Whole results below this in size are stored as they are: 2^31.
   static constexpr int64_t kLimite32 = int64_t{1} << 31;
   static constexpr int64_t kLimite15 = 1'000'000'000'000'000;  // 1e15

@@ -112,27 +112,6 @@ bool Interpretador::InteiroRapido(const PlanoValor& p, int64_t& r) {
   return true;
 }
 
-bool Interpretador::InteiroDoValor(const PlanoValor& p, int64_t& r) {
-  switch (p.tipo) {
-    case PlanoValor::Tipo::Variavel: {
-      int64_t i;
-      if (p.var.tipo != TipoVariavel::Integer || !IndiceRef(p.var, i)) return false;
-      r = variaveis.inteiros[static_cast<size_t>(p.var.inicio + i)];
-      return true;
-    }
-    case PlanoValor::Tipo::Numero:
-      // Whole numbers of up to 15 digits read back as themselves.
-      if (p.numero != std::trunc(p.numero) || !(std::fabs(p.numero) < 1e15)) return false;
-      r = static_cast<int64_t>(p.numero);
-      return true;
-    case PlanoValor::Tipo::Aritmetica:
-      // Past 15 digits a result reads back through its text.
-      return p.inteiro && InteiroRapido(p, r) && r > -kLimite15 && r < kLimite15;
-    default:
-      return false;
-  }
-}
-
 bool Interpretador::CalculoRapido(const PlanoValor& p, double& x) {
   double valores[kMaxBuracos];
   for (size_t n = 0; n < p.refs.size(); ++n) {
@@ -1032,12 +1011,12 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     fim = d.fim;
     PlanoLinha* q = d.plano;
     if (q && q->pos == pos && q->fim == fim && q->geracao == variaveis.geracao) {
-      pl = q;
+      pl = q;  // only a plan of a kind of its own is kept there
     } else {
       pl = corpo ? corpo->Linha(numero, pos, fim, variaveis.geracao) : PlanoDe(texto, numero, pos, fim);
+      if (!pl || pl->tipo == T::Generico) return sai(Seguimento::Proximo);
       d.plano = pl;
     }
-    if (!pl || pl->tipo == T::Generico) return sai(Seguimento::Proximo);
     // What the walk checks before every statement.
     if (!SegueExecutando()) [[unlikely]] return sai(Seguimento::Fim);
     if (limiteInstrucoes > 0 && ++instrucoesExecutadas > limiteInstrucoes) {
