@@ -113,6 +113,16 @@ bool Interpretador::InteiroRapido(const PlanoValor& p, int64_t& r) {
 }
 
 bool Interpretador::CalculoRapido(const PlanoValor& p, double& x) {
+  if (p.inteiro) {
+    // The same holes, refused the same way; whole results of up to 15
+    // digits are what the doubles below would read back.
+    int64_t w;
+    if (!InteiroRapido(p, w)) return false;
+    if (w > -kLimite15 && w < kLimite15) {
+      x = static_cast<double>(w);
+      return true;
+    }
+  }
   double valores[kMaxBuracos];
   for (size_t n = 0; n < p.refs.size(); ++n) {
     const RefVariavel& r = p.refs[n];
