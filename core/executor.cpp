@@ -181,7 +181,7 @@ void Interpretador::Caminha(const Texto& texto, const Texto& textoExibicao, int3
     // A line in which an earlier walk found none of the words below is a
     // plain command: the same tests would all fail again.
     if (generico && generico->semPalavras == 1) {
-      ExecutaComando(linha);
+      if (!ComandoDireto(*generico, linha)) ExecutaComando(linha);
       ++numero;
       size_t prox = AchaMarca(texto, numero, pos);
       if (prox == NPOS) return;
@@ -381,6 +381,35 @@ Interpretador::Desfecho Interpretador::PassoElse(const Texto& texto, const Texto
   numero = NumeroEm(texto, texto.rfind(u"&#", hE) + 2);
   falsas[d] = false;
   return Desfecho::Feito;
+}
+
+bool Interpretador::ComandoDireto(PlanoLinha& pl, const Texto& linha) {
+  // Where every name tells the plans when it comes: not inside a routine,
+  // nor while plans are made, nor when every statement walks.
+  if (semPlanos || profundidade > 1 || variaveis.registra) return false;
+  if (pl.geracaoComando != variaveis.geracao) {
+    pl.geracaoComando = variaveis.geracao;
+    pl.comandoDireto = false;
+    Texto resto = Resto(linha, kColunaComando);
+    size_t b = resto.find(u' ');
+    Texto palavra = b == NPOS ? resto : resto.substr(0, b);
+    Texto maius = Maiusculas(palavra);
+    if (maius == u"VAR" || maius == u"VARIABLE" || maius == u"RETURN" || ESub(palavra)) return false;
+    {
+      // A variable of that name declared later changes the generation.
+      Variaveis::Lembranca lembranca(variaveis);
+      if (PosicaoVariavel(palavra) >= 0) return false;
+    }
+    if (!EPalavraConhecida(palavra) && !ComecaCom(maius, u"REP.") && !ComecaCom(maius, u"PRINTER.")) return false;
+    pl.palavraComando = std::move(palavra);
+    pl.argumentosComando = b == NPOS ? Texto() : resto.substr(b + 1);
+    pl.comandoDireto = true;
+  }
+  if (!pl.comandoDireto) return false;
+  // The command may remake this plan under us: it gets its own copies.
+  const Texto palavra = pl.palavraComando, argumentos = pl.argumentosComando;
+  DespachaComando(palavra, argumentos);
+  return true;
 }
 
 void Interpretador::ExecutaComando(const Texto& linha) {

@@ -240,6 +240,9 @@ class Interpretador : public SinaisDeParada {
   bool avaliandoLembrado_ = false;
   // The value of a text by its plan; false when the text's own way must work it out.
   bool ValorPorPlano(const Texto& texto, Valor& v);
+  // ExecutaComando's dispatch of a plain command line, remembered in its
+  // plan; false when the line must take ExecutaComando's way.
+  bool ComandoDireto(PlanoLinha& pl, const Texto& linha);
   bool PodeTerChamadaUsuario(const Texto& texto) const;
   // A Function's stretch and parameters, found once per prepared text.
   ModeloFuncao* ModeloDe(const Texto& nome);

@@ -146,6 +146,12 @@ struct PlanoLinha {
   // found one (0), or hasn't looked yet (-1). A plain command line then goes
   // straight to its command.
   int8_t semPalavras = -1;
+  // Such a line whose first word is a command (no variable, Sub, Var or
+  // Return of that name), found for the variables of `geracaoComando`: the
+  // walk dispatches its word and arguments straight away.
+  bool comandoDireto = false;
+  uint64_t geracaoComando = 0;
+  Texto palavraComando, argumentosComando;
   size_t pos = NPOS, fim = 0;
   uint64_t geracao = 0;
   int emUso = 0;  // walks running it now: a remade plan mustn't pull it from under them

@@ -155,6 +155,19 @@ class GeradorInteiros : public GeradorProgramas {
   }
 };
 
+// A command line's dispatch is remembered in its plan; a variable given
+// the command's name halfway makes the line an assignment from then on.
+TEST(ArgumentosPlanejados, ACommandWhoseNameBecomesAVariableIsNoLongerDispatched) {
+  const char* programa =
+      "Var i Integer\r\nWhile i < 4\r\n  Message \"m\", i\r\n  If i = 1\r\n    Var Message String\r\n"
+      "  EndIf\r\n  i++\r\nLoop\r\nWrite Message\r\n";
+  Texto fonte(programa, programa + std::strlen(programa));
+  std::string com = Roda(fonte, false);
+  EXPECT_EQ(com, Roda(fonte, true));
+  EXPECT_NE(com.find("m1"), std::string::npos);
+  EXPECT_EQ(com.find("m2"), std::string::npos);
+}
+
 TEST(ArgumentosPlanejados, WholeNumberStatementsAtTheEdgesRunTheSameWithAndWithoutPlans) {
   // Products past 15 digits read back rounded: these two differ by 8 and
   // compare equal, as the walk compares them.
