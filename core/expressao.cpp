@@ -354,24 +354,6 @@ bool ArvoreCalculo::Compila(const std::vector<Texto>& pedacos) {
   return pilha_ <= kMaxPilha;
 }
 
-int64_t ArvoreCalculo::CalculaInteiro(const int32_t* valores) const {
-  auto valor = [valores](const Passo& p) -> int64_t {
-    return p.op == u'v' ? valores[static_cast<int>(p.valor)] : static_cast<int64_t>(p.valor);
-  };
-  const int64_t a = valor(passos_[0]), b = valor(passos_[1]);
-  switch (passos_[2].op) {
-    case u'+':
-      return a + b;
-    case u'-':
-      return a - b;
-    case u'*':
-      return a * b;
-    default:
-      // As Aplica: a remainder by zero is a failure of the host.
-      if (b == 0) throw FalhaHost(falha::DivisaoPorZero);
-      return b == -1 ? 0 : a % b;
-  }
-}
 
 
 bool ArvoreCalculo::Calcula(const double* valores, double& r) const {

@@ -41,7 +41,7 @@ class ArvoreCalculo {
   // of 32 bits) and one of + - * %; then CalculaInteiro gives what Calcula
   // gives, exactly, as a whole number.
   bool Inteira() const { return inteira_; }
-  int64_t CalculaInteiro(const int32_t* valores) const;
+  [[gnu::always_inline]] int64_t CalculaInteiro(const int32_t* valores) const;
 
  private:
   // The tree in postfix order: each step pushes a value or works on the top.
@@ -56,6 +56,25 @@ class ArvoreCalculo {
   bool binaria_ = false;
   bool inteira_ = false;
 };
+
+inline int64_t ArvoreCalculo::CalculaInteiro(const int32_t* valores) const {
+  auto valor = [valores](const Passo& p) -> int64_t {
+    return p.op == u'v' ? valores[static_cast<int>(p.valor)] : static_cast<int64_t>(p.valor);
+  };
+  const int64_t a = valor(passos_[0]), b = valor(passos_[1]);
+  switch (passos_[2].op) {
+    case u'+':
+      return a + b;
+    case u'-':
+      return a - b;
+    case u'*':
+      return a * b;
+    default:
+      // As Aplica: a remainder by zero is a failure of the host.
+      if (b == 0) throw FalhaHost(falha::DivisaoPorZero);
+      return b == -1 ? 0 : a % b;
+  }
+}
 
 // True when a text is taken for arithmetic.
 bool ExpressaoAritmetica(TextoV texto);

@@ -311,7 +311,7 @@ class Interpretador : public SinaisDeParada {
   bool CalculoRapido(const PlanoValor& p, double& x);
   // A PlanoValor with `inteiro` worked out in whole numbers; false where
   // CalculoRapido would give up (an index out of range, a value below 0).
-  bool InteiroRapido(const PlanoValor& p, int64_t& r);
+  [[gnu::always_inline]] bool InteiroRapido(const PlanoValor& p, int64_t& r);
   // The same for a whole-number variable and a whole constant too.
   [[gnu::always_inline]] bool InteiroDoValor(const PlanoValor& p, int64_t& r) {
     if (p.tipo == PlanoValor::Tipo::Variavel) {
@@ -382,6 +382,20 @@ class Interpretador : public SinaisDeParada {
 
 // The value of an operand as a number, without making a Valor, when the walk
 // would surely get a number; `tipo` is the kind of value the walk would get.
+inline bool Interpretador::InteiroRapido(const PlanoValor& p, int64_t& r) {
+  int32_t valores[2] = {0, 0};
+  for (size_t n = 0; n < p.refs.size(); ++n) {
+    const RefVariavel& ref = p.refs[n];
+    int64_t i;
+    if (!IndiceRef(ref, i)) return false;
+    int32_t v = variaveis.inteiros[static_cast<size_t>(ref.inicio + i)];
+    if (v < 0) return false;
+    valores[n] = v;
+  }
+  r = p.arvore.CalculaInteiro(valores);
+  return true;
+}
+
 inline bool Interpretador::NumeroRapido(const PlanoValor& p, double& x, Valor::Tipo& tipo) {
   if (p.tipo == PlanoValor::Tipo::Variavel) {
     int64_t i;

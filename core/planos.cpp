@@ -98,19 +98,6 @@ void Interpretador::GravaRef(const RefVariavel& r, uint64_t geracao, const Valor
   }
 }
 
-bool Interpretador::InteiroRapido(const PlanoValor& p, int64_t& r) {
-  int32_t valores[2] = {0, 0};
-  for (size_t n = 0; n < p.refs.size(); ++n) {
-    const RefVariavel& ref = p.refs[n];
-    int64_t i;
-    if (!IndiceRef(ref, i)) return false;
-    int32_t v = variaveis.inteiros[static_cast<size_t>(ref.inicio + i)];
-    if (v < 0) return false;
-    valores[n] = v;
-  }
-  r = p.arvore.CalculaInteiro(valores);
-  return true;
-}
 
 bool Interpretador::CalculoRapido(const PlanoValor& p, double& x) {
   if (p.inteiro) {
