@@ -109,6 +109,8 @@ std::string SistemaJanelas::DespejaJanelas() {
     out += Campo("caption", j->windowTitle());
     out += Campo("visible", j->isVisible());
     if (!j->windowIcon().isNull()) out += Campo("icon", true);
+    if (j->isMinimized()) out += Campo("minimized", true);
+    if (k == 0 && modoBandeja) out += Campo("tray", true);
     out += Campo("client_width", j->TamanhoCliente().width());
     out += Campo("client_height", j->TamanhoCliente().height());
     // The menu bar's tabs on view, each with its options on view.
