@@ -927,15 +927,43 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     switch (pl->tipo) {
       case T::Generico:
         return sai(Seguimento::Generico);
-      case T::Incremento:
-        feito = IncrementoRapido(*pl);
+      case T::Incremento: {
+        // A whole variable, the commonest count, without a call.
+        int64_t i;
+        if (pl->alvo.tipo == TipoVariavel::Integer && IndiceRef(pl->alvo, i)) {
+          int32_t& x = variaveis.inteiros[static_cast<size_t>(pl->alvo.inicio + i)];
+          if (pl->mais ? x < INT32_MAX : x > INT32_MIN) x += pl->mais ? 1 : -1;
+        } else {
+          feito = IncrementoRapido(*pl);
+        }
         break;
-      case T::Composto:
-        feito = CompostoRapido(*pl);
+      }
+      case T::Composto: {
+        // A whole variable and a whole value, as CompostoRapido adds them.
+        int64_t i, w;
+        if (pl->alvo.tipo == TipoVariavel::Integer && IndiceRef(pl->alvo, i) && InteiroDoValor(pl->valor, w) &&
+            w > -kLimite32 && w < kLimite32) {
+          int32_t& x = variaveis.inteiros[static_cast<size_t>(pl->alvo.inicio + i)];
+          int64_t r = pl->mais ? x + w : x - w;
+          if (r >= INT32_MIN && r <= INT32_MAX) x = static_cast<int32_t>(r);
+        } else {
+          feito = CompostoRapido(*pl);
+        }
         break;
-      case T::Atribuicao:
-        feito = AtribuicaoRapida(*pl);
+      }
+      case T::Atribuicao: {
+        // A whole value into a whole variable, as AtribuicaoRapida stores it.
+        int64_t i, w;
+        if (pl->alvo.tipo == TipoVariavel::Integer && pl->partes.size() == 1 && IndiceRef(pl->alvo, i) &&
+            (pl->partes[0].tipo == PlanoValor::Tipo::Variavel || pl->partes[0].inteiro) &&
+            InteiroDoValor(pl->partes[0], w) && w > -kLimite32 && w < kLimite32) {
+          variaveis.inteiros[static_cast<size_t>(pl->alvo.inicio + i)] = static_cast<int32_t>(w);
+          forcaTexto = false;
+        } else {
+          feito = AtribuicaoRapida(*pl);
+        }
         break;
+      }
       case T::SubStr:
         if (!SubStrRapido(*pl)) return sai(Seguimento::Generico);
         break;
@@ -956,7 +984,14 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
       case T::While:
       case T::If: {
         Veredito v;
-        if (!JulgaRapido(pl->condicao, v)) [[unlikely]] {
+        const PlanoCondicao& c = pl->condicao;
+        int64_t a, b;
+        // Two whole variables, the commonest condition, without a call.
+        if (c.simples && c.operandos[0].tipo == PlanoValor::Tipo::Variavel &&
+            c.operandos[1].tipo == PlanoValor::Tipo::Variavel && InteiroDoValor(c.operandos[0], a) &&
+            InteiroDoValor(c.operandos[1], b)) {
+          v = Satisfaz(c.relacao, a < b ? -1 : (a > b ? 1 : 0)) ? Veredito::Verdadeiro : Veredito::Falso;
+        } else if (!JulgaRapido(c, v)) [[unlikely]] {
           if (corpo) return sai(Seguimento::Generico);
           variaveis.Assenta();
           EmUso u(pl);
