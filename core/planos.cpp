@@ -641,6 +641,9 @@ Planos& Interpretador::PlanosDoTexto() {
     }
     std::stable_sort(pl.marcas.begin(), pl.marcas.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
+    pl.numerosUnicos = std::adjacent_find(pl.marcas.begin(), pl.marcas.end(), [](const auto& a, const auto& b) {
+                         return a.first == b.first;
+                       }) == pl.marcas.end();
     pl.primeiraMarca.assign(pl.marcas.empty() ? 0 : pl.marcas.back().first + 1, kSemMarca);
     for (auto it = pl.marcas.rbegin(); it != pl.marcas.rend(); ++it) pl.primeiraMarca[it->first] = it->second;
     pl.indexado = true;
@@ -906,6 +909,9 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     explicit EmUso(PlanoLinha* x) : p(x) { ++p->emUso; }
     ~EmUso() { --p->emUso; }
   };
+  // In a text whose statement numbers are all different, a plan kept at a
+  // destination is that statement's as long as the variables stand.
+  const bool unicos = !corpo && planos_ && planos_->numerosUnicos && planos_->dados == texto.data();
   // Where the walk stands, kept here and handed back on the way out.
   int32_t numero = numeroSaida;
   size_t pos = posSaida, fim = fimSaida;
@@ -1042,7 +1048,7 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     pos = d.pos;
     fim = d.fim;
     PlanoLinha* q = d.plano;
-    if (q && q->pos == pos && q->fim == fim && q->geracao == variaveis.geracao) {
+    if (q && q->geracao == variaveis.geracao && (unicos || (q->pos == pos && q->fim == fim))) {
       pl = q;  // only a plan of a kind of its own is kept there
     } else {
       pl = corpo ? corpo->Linha(numero, pos, fim, variaveis.geracao) : PlanoDe(texto, numero, pos, fim);

@@ -228,6 +228,9 @@ struct Planos {
   std::vector<uint32_t> primeiraMarca;                 // by number; UINT32_MAX: none
   std::vector<std::pair<int32_t, uint32_t>> marcas;   // every (number, position), sorted
   bool indexado = false;
+  // No statement number stands twice in the text: a number's plan is then
+  // always the one statement's, wherever the walk comes from.
+  bool numerosUnicos = false;
   const char16_t* dados = nullptr;  // the text indexed
   size_t tamanho = 0;
 };
