@@ -844,7 +844,16 @@ void Interpretador::AtribuiValor(const RefVariavel& alvo, uint64_t g, Valor v) {
 bool Interpretador::RetornoRapido(PlanoLinha& pl) {
   double x;
   Valor::Tipo t;
-  if (NumeroRapido(pl.valor, x, t)) {
+  int64_t w;
+  bool numero = true;
+  // A sum of whole values: the decimal CalculoRapido would give, directly.
+  if (pl.valor.inteiro && InteiroRapido(pl.valor, w) && w > -kLimite15 && w < kLimite15) {
+    x = static_cast<double>(w);
+    t = Valor::Tipo::Decimal;
+  } else {
+    numero = NumeroRapido(pl.valor, x, t);
+  }
+  if (numero) {
     // The value as DeInt32, DeDouble or DeDecimal makes it, in place.
     Valor& v = valorRetorno;
     v.tipo = t;
