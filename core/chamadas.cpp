@@ -78,12 +78,7 @@ void Interpretador::ExecutaCorpo(ModeloFuncao& m, const std::vector<Texto>& gera
 
 Interpretador::Seguimento Interpretador::CorreCorpo(CorpoPlanejado& cp, CondicoesFalsas& falsas, int32_t& numero) {
   // The walk's checks before its first statement.
-  if (!SegueExecutando()) return Seguimento::Fim;
-  if (limiteInstrucoes > 0 && ++instrucoesExecutadas > limiteInstrucoes) {
-    limiteAtingido = true;
-    abortado = true;
-    return Seguimento::Fim;
-  }
+  if (!ProximaInstrucao()) return Seguimento::Fim;
   PlanoLinha* pl = cp.linhas.front().get();
   numero = cp.primeiro;
   size_t pos = pl->pos, fim = pl->fim;

@@ -151,12 +151,7 @@ void Interpretador::Caminha(const Texto& texto, const Texto& textoExibicao, int3
   for (;; contado = false) {
     PlanoLinha* generico = nullptr;
     if (!contado) {
-      if (!SegueExecutando()) return;
-      if (limiteInstrucoes > 0 && ++instrucoesExecutadas > limiteInstrucoes) {
-        limiteAtingido = true;
-        abortado = true;
-        return;
-      }
+      if (!ProximaInstrucao()) return;
       if (!Vigiado()) {
         PlanoLinha* pl = PlanoDe(texto, numero, pos, fim);
         if (pl && pl->tipo == PlanoLinha::Tipo::Generico) generico = pl;
@@ -443,8 +438,19 @@ void Interpretador::ExecutaComando(const Texto& linha) {
   ErroExecucao(msg::Formata(msg::kNaoDeclarada, palavra));
 }
 
+bool Interpretador::ProximaInstrucaoContada() {
+  if (!executando || janelaFechada || pararPrograma || abortado) return false;
+  if (contando && ++instrucoesExecutadas > limiteInstrucoes) {
+    limiteAtingido = true;
+    abortado = true;
+    return false;
+  }
+  return true;
+}
+
 void Interpretador::Executa() {
   variaveis.Limpa();
+  contando = limiteInstrucoes > 0;
   contadorChamadas = 0;
   contadorTiques = 0;
   executando = true;

@@ -33,14 +33,17 @@ struct FontePrograma {
 // Statement limits of the markers: five digits.
 inline constexpr int32_t kMaxNumeroMarcador = 99999;
 
-// The four flags that end a walk, side by side so that the check made
-// before every statement reads them as one word.
+// The four flags that end a walk, and whether statements are counted
+// against a budget, side by side so that the check made before every
+// statement reads them as one word.
 struct SinaisDeParada {
   bool executando = true;     // Executando
   bool pararPrograma = false; // PararPrograma
   bool janelaFechada = false; // JanelaFechada
   // Set when a limit (nesting depth, statement budget) ended the run; stops every walk.
   bool abortado = false;
+  bool contando = false;      // limiteInstrucoes > 0, set at the start of a run
+  bool livres_[3] = {};       // no padding in the word
 };
 
 class Interpretador : public SinaisDeParada {
@@ -92,11 +95,18 @@ class Interpretador : public SinaisDeParada {
   // Pumps the host once (and so runs due timers).
   void Bombeia();
 
-  // True while no flag asks the walk to stop.
+  // True while no flag asks the walk to stop and no budget is counted.
   [[gnu::always_inline]] bool SegueExecutando() const {
-    static constexpr uint32_t kSegue = std::bit_cast<uint32_t>(SinaisDeParada{});
-    return std::bit_cast<uint32_t>(static_cast<const SinaisDeParada&>(*this)) == kSegue;
+    static constexpr uint64_t kSegue = std::bit_cast<uint64_t>(SinaisDeParada{});
+    return std::bit_cast<uint64_t>(static_cast<const SinaisDeParada&>(*this)) == kSegue;
   }
+  // The check before each statement: false when the walk must stop, for a
+  // flag or for the statement budget, which it counts.
+  [[gnu::always_inline]] bool ProximaInstrucao() {
+    if (SegueExecutando()) [[likely]] return true;
+    return ProximaInstrucaoContada();
+  }
+  bool ProximaInstrucaoContada();
   // LocalAtual, "Editor: e Line: n", is made only when a box needs it.
   int32_t editorAtual = 0, linhaAtual = 0;
   Texto LocalAtual() const;

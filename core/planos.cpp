@@ -1065,12 +1065,7 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
       d.plano = pl;
     }
     // What the walk checks before every statement.
-    if (!SegueExecutando()) [[unlikely]] return sai(Seguimento::Fim);
-    if (limiteInstrucoes > 0 && ++instrucoesExecutadas > limiteInstrucoes) {
-      limiteAtingido = true;
-      abortado = true;
-      return sai(Seguimento::Fim);
-    }
+    if (!ProximaInstrucao()) [[unlikely]] return sai(Seguimento::Fim);
   }
 }
 
