@@ -378,6 +378,18 @@ Interpretador::Desfecho Interpretador::PassoElse(const Texto& texto, const Texto
   return Desfecho::Feito;
 }
 
+namespace {
+
+// A statement's first word and the text behind its blank.
+void PalavraEArgumentos(const Texto& linha, Texto& palavra, Texto& argumentos) {
+  Texto resto = Resto(linha, kColunaComando);
+  size_t b = resto.find(u' ');
+  palavra = b == NPOS ? resto : resto.substr(0, b);
+  argumentos = b == NPOS ? Texto() : resto.substr(b + 1);
+}
+
+}  // namespace
+
 bool Interpretador::ComandoDireto(PlanoLinha& pl, const Texto& linha) {
   // Where every name tells the plans when it comes: not inside a routine,
   // nor while plans are made, nor when every statement walks.
@@ -385,9 +397,8 @@ bool Interpretador::ComandoDireto(PlanoLinha& pl, const Texto& linha) {
   if (pl.geracaoComando != variaveis.geracao) {
     pl.geracaoComando = variaveis.geracao;
     pl.comandoDireto = false;
-    Texto resto = Resto(linha, kColunaComando);
-    size_t b = resto.find(u' ');
-    Texto palavra = b == NPOS ? resto : resto.substr(0, b);
+    Texto palavra, argumentos;
+    PalavraEArgumentos(linha, palavra, argumentos);
     Texto maius = Maiusculas(palavra);
     if (maius == u"VAR" || maius == u"VARIABLE" || maius == u"RETURN" || ESub(palavra)) return false;
     {
@@ -397,7 +408,7 @@ bool Interpretador::ComandoDireto(PlanoLinha& pl, const Texto& linha) {
     }
     if (!EPalavraConhecida(palavra) && !ComecaCom(maius, u"REP.") && !ComecaCom(maius, u"PRINTER.")) return false;
     pl.palavraComando = std::move(palavra);
-    pl.argumentosComando = b == NPOS ? Texto() : resto.substr(b + 1);
+    pl.argumentosComando = std::move(argumentos);
     pl.comandoDireto = true;
   }
   if (!pl.comandoDireto) return false;
@@ -408,10 +419,8 @@ bool Interpretador::ComandoDireto(PlanoLinha& pl, const Texto& linha) {
 }
 
 void Interpretador::ExecutaComando(const Texto& linha) {
-  Texto resto = Resto(linha, kColunaComando);
-  size_t b = resto.find(u' ');
-  Texto palavra = b == NPOS ? resto : resto.substr(0, b);
-  Texto args = b == NPOS ? Texto() : resto.substr(b + 1);
+  Texto palavra, args;
+  PalavraEArgumentos(linha, palavra, args);
   Texto maius = Maiusculas(palavra);
   if (maius == u"VAR" || maius == u"VARIABLE") {
     DeclaraVariaveis(linha, palavra);

@@ -282,13 +282,7 @@ void Interpretador::PreparaCondicao(const Texto& texto, PlanoCondicao& c) {
 
 bool Interpretador::JulgaRapido(const PlanoCondicao& c, Veredito& veredito) {
   if (c.simples) {
-    // Two numbers, or two texts, compare without the values' trip; whole
-    // numbers as they are.
-    int64_t ia, ib;
-    if (InteiroDoValor(c.operandos[0], ia) && InteiroDoValor(c.operandos[1], ib)) {
-      veredito = Satisfaz(c.relacao, ia < ib ? -1 : (ia > ib ? 1 : 0)) ? Veredito::Verdadeiro : Veredito::Falso;
-      return true;
-    }
+    // Two numbers, or two texts, compare without the values' trip.
     int cmp = 2;
     double a, b;
     Valor::Tipo ta, tb;
@@ -309,7 +303,7 @@ bool Interpretador::JulgaRapido(const PlanoCondicao& c, Veredito& veredito) {
 
 Veredito Interpretador::Julga(const PlanoCondicao& c, uint64_t geracao) {
   Veredito v;
-  if (JulgaRapido(c, v)) return v;
+  if (JulgaInteiros(c, v) || JulgaRapido(c, v)) return v;
   Texto t = AvaliaCondicao(c, geracao);
   return t == u"TRUE" ? Veredito::Verdadeiro : (t == u"FALSE" ? Veredito::Falso : Veredito::Outro);
 }
@@ -724,19 +718,6 @@ void Interpretador::FixaDestinos(const Texto& texto, PlanoLinha& pl, int32_t num
 // The fast ways of the commonest statements. Each gives up (false) where the
 // walk would show a box, throw or convert through text; the general way then
 // does it all again from the start, which is safe as nothing was changed.
-bool Interpretador::IncrementoRapido(PlanoLinha& pl) {
-  int64_t i;
-  if (pl.alvo.tipo == TipoVariavel::String || !IndiceRef(pl.alvo, i)) return false;
-  size_t k = static_cast<size_t>(pl.alvo.inicio + i);
-  if (pl.alvo.tipo == TipoVariavel::Integer) {
-    // Past the ends the store refuses the value and the variable stays.
-    int32_t& x = variaveis.inteiros[k];
-    if (pl.mais ? x < INT32_MAX : x > INT32_MIN) x += pl.mais ? 1 : -1;
-  } else {
-    variaveis.decimais[k] += pl.mais ? 1.0 : -1.0;
-  }
-  return true;
-}
 
 bool Interpretador::CompostoRapido(PlanoLinha& pl) {
   int64_t i;
@@ -748,14 +729,6 @@ bool Interpretador::CompostoRapido(PlanoLinha& pl) {
     Texto& x = variaveis.textos[k];
     if (!d || x.size() + d->size() > kMaxTexto) return false;
     x += *d;
-    return true;
-  }
-  // Whole numbers kept whole: what the way below gives, without doubles.
-  int64_t w;
-  if (pl.alvo.tipo == TipoVariavel::Integer && InteiroDoValor(pl.valor, w) && w > -kLimite32 && w < kLimite32) {
-    int32_t& x = variaveis.inteiros[k];
-    int64_t r = pl.mais ? x + w : x - w;
-    if (r >= INT32_MIN && r <= INT32_MAX) x = static_cast<int32_t>(r);
     return true;
   }
   double y;
@@ -790,23 +763,6 @@ bool Interpretador::AtribuicaoRapida(PlanoLinha& pl) {
     variaveis.Escreveu(k);
     forcaTexto = false;
     return true;
-  }
-  if (pl.alvo.tipo == TipoVariavel::Integer) {
-    // A whole variable into a whole variable, and a calculation of whole
-    // numbers kept whole: what the way below gives, without doubles.
-    if (p.tipo == PlanoValor::Tipo::Variavel && p.var.tipo == TipoVariavel::Integer) {
-      int64_t j;
-      if (!IndiceRef(p.var, j)) return false;
-      variaveis.inteiros[k] = variaveis.inteiros[static_cast<size_t>(p.var.inicio + j)];
-      forcaTexto = false;
-      return true;
-    }
-    int64_t w;
-    if (p.inteiro && InteiroRapido(p, w) && w > -kLimite32 && w < kLimite32) {
-      variaveis.inteiros[k] = static_cast<int32_t>(w);
-      forcaTexto = false;
-      return true;
-    }
   }
   double x;
   Valor::Tipo tx;
@@ -847,7 +803,7 @@ bool Interpretador::RetornoRapido(PlanoLinha& pl) {
   int64_t w;
   bool numero = true;
   // A sum of whole values: the decimal CalculoRapido would give, directly.
-  if (pl.valor.inteiro && InteiroRapido(pl.valor, w) && w > -kLimite15 && w < kLimite15) {
+  if (pl.valor.inteiro && InteiroDoValor(pl.valor, w)) {
     x = static_cast<double>(w);
     t = Valor::Tipo::Decimal;
   } else {
@@ -942,43 +898,15 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     switch (pl->tipo) {
       case T::Generico:
         return sai(Seguimento::Generico);
-      case T::Incremento: {
-        // A whole variable, the commonest count, without a call.
-        int64_t i;
-        if (pl->alvo.tipo == TipoVariavel::Integer && IndiceRef(pl->alvo, i)) {
-          int32_t& x = variaveis.inteiros[static_cast<size_t>(pl->alvo.inicio + i)];
-          if (pl->mais ? x < INT32_MAX : x > INT32_MIN) x += pl->mais ? 1 : -1;
-        } else {
-          feito = IncrementoRapido(*pl);
-        }
+      case T::Incremento:
+        feito = IncrementoRapido(*pl);
         break;
-      }
-      case T::Composto: {
-        // A whole variable and a whole value, as CompostoRapido adds them.
-        int64_t i, w;
-        if (pl->alvo.tipo == TipoVariavel::Integer && IndiceRef(pl->alvo, i) && InteiroDoValor(pl->valor, w) &&
-            w > -kLimite32 && w < kLimite32) {
-          int32_t& x = variaveis.inteiros[static_cast<size_t>(pl->alvo.inicio + i)];
-          int64_t r = pl->mais ? x + w : x - w;
-          if (r >= INT32_MIN && r <= INT32_MAX) x = static_cast<int32_t>(r);
-        } else {
-          feito = CompostoRapido(*pl);
-        }
+      case T::Composto:
+        feito = SomaInteira(*pl) || CompostoRapido(*pl);
         break;
-      }
-      case T::Atribuicao: {
-        // A whole value into a whole variable, as AtribuicaoRapida stores it.
-        int64_t i, w;
-        if (pl->alvo.tipo == TipoVariavel::Integer && pl->partes.size() == 1 && IndiceRef(pl->alvo, i) &&
-            (pl->partes[0].tipo == PlanoValor::Tipo::Variavel || pl->partes[0].inteiro) &&
-            InteiroDoValor(pl->partes[0], w) && w > -kLimite32 && w < kLimite32) {
-          variaveis.inteiros[static_cast<size_t>(pl->alvo.inicio + i)] = static_cast<int32_t>(w);
-          forcaTexto = false;
-        } else {
-          feito = AtribuicaoRapida(*pl);
-        }
+      case T::Atribuicao:
+        feito = AtribuicaoInteira(*pl) || AtribuicaoRapida(*pl);
         break;
-      }
       case T::SubStr:
         if (!SubStrRapido(*pl)) return sai(Seguimento::Generico);
         break;
@@ -1000,13 +928,7 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
       case T::If: {
         Veredito v;
         const PlanoCondicao& c = pl->condicao;
-        int64_t a, b;
-        // Two whole variables, the commonest condition, without a call.
-        if (c.simples && c.operandos[0].tipo == PlanoValor::Tipo::Variavel &&
-            c.operandos[1].tipo == PlanoValor::Tipo::Variavel && InteiroDoValor(c.operandos[0], a) &&
-            InteiroDoValor(c.operandos[1], b)) {
-          v = Satisfaz(c.relacao, a < b ? -1 : (a > b ? 1 : 0)) ? Veredito::Verdadeiro : Veredito::Falso;
-        } else if (!JulgaRapido(c, v)) [[unlikely]] {
+        if (!JulgaInteiros(c, v) && !JulgaRapido(c, v)) [[unlikely]] {
           if (corpo) return sai(Seguimento::Generico);
           variaveis.Assenta();
           EmUso u(pl);

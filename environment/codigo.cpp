@@ -38,6 +38,7 @@
 #include "core/mensagens.h"
 #include "core/texto.h"
 #include "core/variaveis.h"
+#include "library/texto_qt.h"
 #include "runtime/headless_host.h"
 #include "environment/configuracoes.h"
 #include "environment/editor_codigo.h"
@@ -52,9 +53,7 @@ namespace m = msg::ambiente;
 
 namespace {
 
-QString Q(const Texto& t) { return QString::fromStdU16String(t); }
 Texto U(const std::string& s) { return QString::fromStdString(s).toStdU16String(); }
-Texto T(const QString& s) { return s.toStdU16String(); }
 QString Tr(const char* s) { return QString::fromUtf8(s); }
 constexpr char kTag[] = "tag";
 constexpr char kInativo[] = "INATIVO";

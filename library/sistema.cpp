@@ -17,6 +17,7 @@
 #include "core/interpretador.h"
 #include "library/biblioteca.h"
 #include "library/mensagens.h"
+#include "library/texto_qt.h"
 
 namespace zv {
 
@@ -24,7 +25,6 @@ namespace {
 
 constexpr char kArquivoRegistro[] = "Registry.json";
 
-QString Q(const Texto& t) { return QString::fromStdU16String(t); }
 
 QString CaminhoRegistro(const Interpretador& zv) {
   return QString::fromStdString((std::filesystem::path(zv.dirConfig) / kArquivoRegistro).string());

@@ -10,6 +10,7 @@
 #include <QSystemTrayIcon>
 
 #include "controls/figuras_padrao.h"
+#include "library/texto_qt.h"
 #include "runtime/aplicacao.h"
 #include "runtime/janela_host.h"
 #include "runtime/janelas.h"
@@ -59,13 +60,13 @@ class Bandeja : public QObject {
 // The tip: the source's name less its last four characters (".zvc").
 QString Dica(const Interpretador& zv) {
   const Texto& n = zv.nomeArquivoPrograma;
-  return QString::fromStdU16String(n.size() > 4 ? n.substr(0, n.size() - 4) : Texto());
+  return Q(n.size() > 4 ? n.substr(0, n.size() - 4) : Texto());
 }
 
 Valor CmdAddIconSysTray(Interpretador& zv, const Texto&) {
   SistemaJanelas& s = Janelas(zv);
   JanelaExecucao* j = s.Atual();
-  if (!s.bandeja && !(s.host && s.host->SemTela())) s.bandeja = std::make_unique<Bandeja>(s, j, Dica(zv));
+  if (!s.bandeja && !s.SemTela()) s.bandeja = std::make_unique<Bandeja>(s, j, Dica(zv));
   return Valor();
 }
 

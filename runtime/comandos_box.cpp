@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "controls/grade.h"
+#include "library/texto_qt.h"
 #include "runtime/argumentos.h"
 #include "runtime/headless_host.h"
 #include "runtime/janelas.h"
@@ -15,8 +16,6 @@ namespace zv {
 
 namespace {
 
-QString Q(const Texto& t) { return QString::fromStdU16String(t); }
-Texto T(const QString& s) { return s.toStdU16String(); }
 
 // The value of .Add, .Select and .GetText: behind the first blank of the
 // first argument.

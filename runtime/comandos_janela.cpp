@@ -15,6 +15,7 @@
 
 #include "controls/figuras_padrao.h"
 #include "library/arquivos.h"
+#include "library/texto_qt.h"
 #include "runtime/aplicacao.h"
 #include "runtime/argumentos.h"
 #include "runtime/janela_host.h"
@@ -515,13 +516,12 @@ Valor CmdIcon(Interpretador& zv, const Texto& args) {
 // screen knows one font, the one its windows use, as TotalFonts says.
 Valor CmdFonts(Interpretador& zv, const Texto& args) {
   std::vector<Texto> a = zv.SeparaArgumentos(args, 2);
-  SistemaJanelas& s = Janelas(zv);
-  const bool semTela = s.host && s.host->SemTela();
+  const bool semTela = Janelas(zv).SemTela();
   GaranteAplicacao(semTela);
   const QStringList familias = semTela ? QStringList{QApplication::font().family()} : QFontDatabase::families();
   const double n = ArredondaPar(Num(zv, Arg(a, 0)));
   if (!(n >= 0 && n < familias.size())) throw FalhaHost(falha::ForaDoIndice);
-  return Valor::TextoComAspas(familias[static_cast<qsizetype>(n)].toStdU16String());
+  return Valor::TextoComAspas(T(familias[static_cast<qsizetype>(n)]));
 }
 
 // The desktop's wallpaper, by the tool of the desktop that has one
@@ -557,20 +557,20 @@ Valor CmdChangeWallpaper(Interpretador& zv, const Texto& args) {
   std::vector<Texto> a = zv.SeparaArgumentos(args, 2);
   const Texto pedido = TextoT(zv, Arg(a, 0));
   const Texto resolvido = ResolveArquivo(zv, pedido);
-  QString arquivo = QString::fromStdU16String(resolvido);
+  QString arquivo = Q(resolvido);
   auto falso = [] { return Valor::DeTexto(u"False"); };
   if (arquivo.isEmpty()) return falso();
   SistemaJanelas& s = Janelas(zv);
-  GaranteAplicacao(s.host && s.host->SemTela());
+  GaranteAplicacao(s.SemTela());
   if (!arquivo.right(3).toUpper().endsWith(QLatin1String("BMP"))) {
     QImage figura;
-    const QString temp = QString::fromStdU16String(zv.dirPrograma) + QStringLiteral("Temp.bmp");
+    const QString temp = Q(zv.dirPrograma) + QStringLiteral("Temp.bmp");
     if (!figura.load(arquivo) || !figura.save(temp, "BMP")) return falso();
     arquivo = temp;
   } else if (!QFileInfo::exists(arquivo)) {
     return falso();
   }
-  if (s.host && s.host->SemTela()) return falso();
+  if (s.SemTela()) return falso();
   return Valor::DeTexto(DefineFundoDaArea(QFileInfo(arquivo).absoluteFilePath()) ? u"True" : u"False");
 }
 

@@ -1,6 +1,7 @@
 // The control commands of this slice: Button, Text and Label, with the
 // forms they share (creation, .Remove, members), their tables and mirror
 // variables, and what their events write.
+#include "library/texto_qt.h"
 #include "runtime/argumentos.h"
 #include "runtime/controles.h"
 
@@ -68,8 +69,6 @@ int TabelaControles::Livre() {
 
 namespace {
 
-QString Q(const Texto& t) { return QString::fromStdU16String(t); }
-Texto T(const QString& s) { return s.toStdU16String(); }
 
 // A multi-line text as programs read it: lines end in CR LF.
 QString TextoDoRico(const QTextEdit* r) { return r->toPlainText().replace(QLatin1Char('\n'), QStringLiteral("\r\n")); }

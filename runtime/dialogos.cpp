@@ -8,6 +8,7 @@
 #include <QPrinter>
 #include <QInputDialog>
 
+#include "library/texto_qt.h"
 #include "runtime/argumentos.h"
 #include "runtime/headless_host.h"
 #include "runtime/janela_host.h"
@@ -17,7 +18,6 @@ namespace zv {
 
 namespace {
 
-QString Q(const Texto& t) { return QString::fromStdU16String(t); }
 
 HostConsole* Console(Interpretador& zv) {
   auto* h = dynamic_cast<HostConsole*>(&zv.host());

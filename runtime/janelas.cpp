@@ -119,8 +119,10 @@ JanelaExecucao* SistemaJanelas::Principal() {
   return j;
 }
 
+bool SistemaJanelas::SemTela() const { return host && host->SemTela(); }
+
 QSize SistemaJanelas::TamanhoTela() const {
-  if (host && host->SemTela()) {
+  if (SemTela()) {
     Plataforma p = host->DadosPlataforma();
     return {p.larguraTela, p.alturaTela};
   }

@@ -37,6 +37,8 @@ class SistemaJanelas : public OuvinteJanela {
 
   Interpretador* zv = nullptr;
   HostJanela* host = nullptr;  // null under a host without windows
+  // A run without a screen (headless): it touches nothing of the desktop.
+  bool SemTela() const;
 
   // ---- Windows -----------------------------------------------------------
   // The main window, made (with the GUI) on first use: steps 1 to 9 of the
