@@ -6,5 +6,7 @@ namespace zv {
 
 // The record commands and the DB block.
 void RegistraDados();
+// The SQL command, which reaches other databases.
+void RegistraSQL();
 
 }  // namespace zv

@@ -148,4 +148,37 @@ inline constexpr char16_t kSobraDescartada[] = u"{} bytes behind the last record
 inline constexpr char16_t kRegistroDescartado[] = u"{}: the record is dropped";
 inline constexpr char16_t kRegistroMarcado[] = u"{}: its values are dropped and it stands as deleted";
 
+// ---- SQL ---------------------------------------------------------------------
+
+inline constexpr char16_t kBancosDemais[] = u"Can't open more than 10 database files!";
+inline constexpr char16_t kCursorSemTrava[] = u"Error: If you inform the cursor type, you must also inform the lock type!";
+inline constexpr char16_t kBancoNaoEncontrado[] = u"Name of the database not found!";
+inline constexpr char16_t kTabelasDemais[] =
+    u"Can't open more than 10 tables at the same time to the same database!\r\n"
+    u"Use the 'Close' method to close tables and free up space!";
+// (sic), the name behind each.
+inline constexpr char16_t kNomeBancoNaoEncontrado[] = u"Nome do banco de dados não encontrado: ";
+inline constexpr char16_t kNomeTabelaNaoEncontrada[] = u"Nome da tabela não encontrada: ";
+// A failure of the database, as the command's result: number, description.
+inline constexpr char16_t kErroSQL[] = u"SQL Error {}: {}";
+// The database layer's own failures, worded as users of record sets know them.
+inline constexpr char16_t kTextoArgumentos[] =
+    u"Arguments are of the wrong type, are out of acceptable range, or are in conflict with one another.";
+inline constexpr char16_t kTextoSemRegistro[] =
+    u"Either BOF or EOF is True, or the current record has been deleted. Requested operation requires a current record.";
+inline constexpr char16_t kTextoSemCampo[] =
+    u"Item cannot be found in the collection corresponding to the requested name or ordinal.";
+inline constexpr char16_t kTextoSoLeitura[] =
+    u"Current Recordset does not support updating. This may be a limitation of the provider, or of the selected locktype.";
+inline constexpr char16_t kTextoFechado[] =
+    u"Operation is not allowed when the object is closed.";
+inline constexpr char16_t kTextoSemDriver[] =
+    u"Provider cannot be found. It may not be properly installed.";
+inline constexpr char16_t kTextoLinhaSumiu[] =
+    u"Row cannot be located for updating. Some values may have been changed since it was last read.";
+inline constexpr char16_t kTextoLinhasDemais[] =
+    u"Key column information is insufficient or incorrect. Too many rows were affected by update.";
+inline constexpr char16_t kTextoParaTras[] =
+    u"Rowset does not support fetching backward.";
+
 }  // namespace zv::msg::dados

@@ -29,6 +29,8 @@ std::filesystem::path CaminhoSistema(TextoV caminho);
 // as it stands (a relative one from the working folder).
 Texto ResolveArquivo(TextoV nome, TextoV dirPrograma);
 Texto ResolveArquivo(Interpretador& zv, TextoV nome);
+// The same path, whether or not the file is there yet (for a file to make).
+Texto CaminhoNoPrograma(TextoV nome, TextoV dirPrograma);
 
 // ---- Failures -----------------------------------------------------------
 

@@ -26,17 +26,20 @@ Texto CaminhoPlataforma(TextoV caminho) {
 
 fs::path CaminhoSistema(TextoV caminho) { return fs::path(Utf8(CaminhoPlataforma(caminho))); }
 
-Texto ResolveArquivo(TextoV nome, TextoV dirPrograma) {
+Texto CaminhoNoPrograma(TextoV nome, TextoV dirPrograma) {
   if (nome.empty()) return {};
-  Texto caminho;
   if (nome.find_first_of(u"\\/") == TextoV::npos && !(nome.size() >= 2 && nome[1] == u':')) {
     Texto dir = CaminhoPlataforma(Apara(dirPrograma));
     if (!dir.empty() && dir.back() != u'/') dir += u'/';
-    caminho = dir + Texto(nome);
-  } else {
-    // With a drive, from the root, or relative: as it stands.
-    caminho = CaminhoPlataforma(nome);
+    return dir + Texto(nome);
   }
+  // With a drive, from the root, or relative: as it stands.
+  return CaminhoPlataforma(nome);
+}
+
+Texto ResolveArquivo(TextoV nome, TextoV dirPrograma) {
+  Texto caminho = CaminhoNoPrograma(nome, dirPrograma);
+  if (caminho.empty()) return {};
   std::error_code ec;
   fs::path p(Utf8(caminho));
   if (!fs::exists(p, ec) || fs::is_directory(p, ec)) return {};
