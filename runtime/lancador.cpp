@@ -68,6 +68,7 @@ void RegistraSubsistemas() {
   std::call_once(feito, [] {
     RegistraBiblioteca();
     RegistraDados();
+    RegistraAPI();
     RegistraJanelas();
   });
 }

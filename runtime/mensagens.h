@@ -81,3 +81,16 @@ inline constexpr char16_t kBandejaMostra[] = u"Show the window";
 inline constexpr char16_t kBandejaSai[] = u"Exit";
 
 }  // namespace zv::msg
+
+namespace zv::msg::api {
+
+inline constexpr char16_t kTituloFalha[] = u"Function call error";
+inline constexpr char16_t kSemBiblioteca[] = u"Don't find library \"{}\"";
+inline constexpr char16_t kSemEntrada[] =
+    u"Can't find the entry point for \"{}\"\r\nNote: functions are case sensitive, check the syntax of the function!";
+// (sic), under its own title.
+inline constexpr char16_t kTituloFuncao[] = u"Function call error!";
+inline constexpr char16_t kFuncaoNaoDefinida[] = u"Função não definida!";
+inline constexpr char16_t kChamadaImpossivel[] = u"the call can't be prepared";
+
+}  // namespace zv::msg::api

@@ -82,6 +82,7 @@ class Modulo : public ModuloJanelas {
   bool Fotografa(Interpretador& zv, const std::string& pasta, std::string& erro) override {
     return Janelas(zv).Fotografa(pasta, erro);
   }
+  int64_t AlcaFormAtual(Interpretador& zv) override { return int64_t(Janelas(zv).Atual()->winId()); }
 };
 
 }  // namespace

@@ -41,6 +41,8 @@ class ModuloJanelas {
   virtual void EntregaAcao(Interpretador& zv, const QJsonObject& acao, int linha) = 0;
   virtual std::string DespejaJanelas(Interpretador& zv) = 0;
   virtual bool Fotografa(Interpretador& zv, const std::string& pasta, std::string& erro) = 0;
+  // The native handle of the window commands address (API's HWND).
+  virtual int64_t AlcaFormAtual(Interpretador& zv) = 0;
 };
 
 // Loads the module once; null (and `erro`) when it can't be loaded.
@@ -50,6 +52,9 @@ ModuloJanelas* ModuloJanelasCarregado();
 
 // The stand-ins for the window keywords, and Write, into the keyword table.
 void RegistraJanelas();
+
+// The API command, which calls functions of shared libraries (api.cpp).
+void RegistraAPI();
 
 // True when a desktop session can be reached (DISPLAY or WAYLAND_DISPLAY).
 bool TemTela();
