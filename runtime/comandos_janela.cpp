@@ -687,6 +687,7 @@ void RegistraControles(TabelaComandos& t);
 void RegistraDialogos(TabelaComandos& t);
 void RegistraDesenho(TabelaComandos& t);
 void RegistraBandeja(TabelaComandos& t);
+void RegistraP2P(TabelaComandos& t);
 
 void RegistraComandosJanela() {
   TabelaComandos& t = Comandos();
@@ -716,6 +717,7 @@ void RegistraComandosJanela() {
   RegistraBandeja(t);
   RegistraDialogos(t);
   RegistraDesenho(t);
+  RegistraP2P(t);
 }
 
 }  // namespace zv

@@ -94,3 +94,10 @@ inline constexpr char16_t kFuncaoNaoDefinida[] = u"Função não definida!";
 inline constexpr char16_t kChamadaImpossivel[] = u"the call can't be prepared";
 
 }  // namespace zv::msg::api
+
+namespace zv::msg::p2p {
+
+inline constexpr char16_t kSemConexao[] = u"Wrong protocol or connection state for the requested transaction or request";
+inline constexpr char16_t kPortaInvalida[] = u"the port must be a number from 0 to 65535";
+
+}  // namespace zv::msg::p2p

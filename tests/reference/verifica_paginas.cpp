@@ -6,6 +6,11 @@
 //       empty folder of its own, renders what it prints as a reader sees it
 //       and compares that with the page's ```output block; a mismatch
 //       prints a unified diff. ```zarvolt norun examples are counted, not run.
+//       A ```zarvolt peer block behind an example is a second program run
+//       beside it in the same folder (two programs that talk): started once
+//       the example has printed its first line, or, marked "first", started
+//       before it, the example waiting for the peer's first line. Only the
+//       example's output is compared.
 //   zv_verifica_paginas words WORDS.txt PAGES_DIR [PENDING.txt]
 //       every word of the list has its page, and every page is a word of
 //       the list (the tutorial, Curso, apart). A word of PENDING.txt (one a
@@ -17,6 +22,7 @@
 // Exit status 0 when everything agrees, 1 otherwise.
 #include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
@@ -46,13 +52,15 @@ void Diz(const QString& s) {
 struct Bloco {
   QString tipo;  // zarvolt, events, answers, output (or anything else)
   bool naoRoda = false;
+  bool par = false, primeiro = false;  // a peer program, started first
   QString texto;
   int linha = 0;  // of the opening fence, 1-based
 };
 
 struct Exemplo {
-  QString programa, eventos, respostas, saida;
+  QString programa, eventos, respostas, saida, par;
   bool temEventos = false, temRespostas = false, temSaida = false, naoRoda = false;
+  bool temPar = false, parPrimeiro = false;
   int linha = 0;
 };
 
@@ -75,6 +83,8 @@ QList<Bloco> LeBlocos(const QStringList& linhas) {
     QStringList info = l.mid(3).trimmed().split(u' ', Qt::SkipEmptyParts);
     b.tipo = info.value(0);
     b.naoRoda = info.contains(QStringLiteral("norun"));
+    b.par = info.contains(QStringLiteral("peer"));
+    b.primeiro = info.contains(QStringLiteral("first"));
     QStringList corpo;
     for (++i; i < linhas.size() && linhas[i].trimmed() != QStringLiteral("```"); ++i) corpo << linhas[i];
     b.texto = corpo.join(u'\n');
@@ -87,6 +97,13 @@ QList<Bloco> LeBlocos(const QStringList& linhas) {
 QList<Exemplo> JuntaExemplos(const QList<Bloco>& blocos) {
   QList<Exemplo> exemplos;
   for (const Bloco& b : blocos) {
+    if (b.tipo == QStringLiteral("zarvolt") && b.par) {
+      if (exemplos.isEmpty()) continue;
+      exemplos.last().par = b.texto;
+      exemplos.last().temPar = true;
+      exemplos.last().parPrimeiro = b.primeiro;
+      continue;
+    }
     if (b.tipo == QStringLiteral("zarvolt")) {
       Exemplo e;
       e.programa = b.texto;
@@ -191,23 +208,63 @@ bool RodaExemplo(const QString& zvrun, const QString& rotulo, const Exemplo& e, 
   Grava(programa, e.programa);
   args << programa;
 
-  QProcess p;
-  p.setWorkingDirectory(dir);
   // What an example adds to the desktop (a start-up entry) stays in its folder.
   QProcessEnvironment ambiente = QProcessEnvironment::systemEnvironment();
   ambiente.insert(QStringLiteral("XDG_CONFIG_HOME"), dir + QStringLiteral("/config"));
-  p.setProcessEnvironment(ambiente);
+  auto prepara = [&](QProcess& processo) {
+    processo.setWorkingDirectory(dir);
+    processo.setProcessEnvironment(ambiente);
+  };
+  // Waits until a program has printed a whole line; false when it ends or
+  // the time runs out first.
+  auto esperaLinha = [](QProcess& processo) {
+    QElapsedTimer t;
+    t.start();
+    while (!processo.canReadLine()) {
+      if (processo.state() != QProcess::Running || t.elapsed() > kLimiteExecucaoMs) return false;
+      processo.waitForReadyRead(100);
+    }
+    return true;
+  };
+
+  QProcess par;
+  prepara(par);
+  auto iniciaPar = [&] {
+    QString programaPar = dir + QStringLiteral("/peer.zvc");
+    Grava(programaPar, e.par);
+    par.start(zvrun, {QStringLiteral("--headless"), QStringLiteral("--config-dir"), dir + QStringLiteral("/peer"),
+                      QStringLiteral("--locale"), QStringLiteral("en_US.UTF-8"), programaPar});
+    return par.waitForStarted();
+  };
+  auto terminaPar = [&] {
+    if (!e.temPar) return;
+    if (!par.waitForFinished(kLimiteExecucaoMs)) par.kill();
+    par.waitForFinished();
+  };
+  if (e.temPar && e.parPrimeiro && !(iniciaPar() && esperaLinha(par))) {
+    Diz(rotulo + QStringLiteral(": the peer program printed no first line\n") +
+        QString::fromUtf8(par.readAllStandardError()));
+    terminaPar();
+    return false;
+  }
+
+  QProcess p;
+  prepara(p);
   p.start(zvrun, args);
   if (!p.waitForStarted()) {
     Diz(rotulo + QStringLiteral(": zvrun doesn't start: ") + zvrun + u'\n');
+    terminaPar();
     return false;
   }
+  if (e.temPar && !e.parPrimeiro && esperaLinha(p)) iniciaPar();
   if (!p.waitForFinished(kLimiteExecucaoMs)) {
     p.kill();
     p.waitForFinished();
+    terminaPar();
     Diz(rotulo + QStringLiteral(": the run took longer than %1 s\n").arg(kLimiteExecucaoMs / 1000));
     return false;
   }
+  terminaPar();
   QString erros = QString::fromUtf8(p.readAllStandardError());
   if (p.exitStatus() != QProcess::NormalExit || p.exitCode() != 0) {
     Diz(rotulo + QStringLiteral(": zvrun ended with %1\n").arg(p.exitCode()) + erros);
