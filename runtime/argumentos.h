@@ -27,4 +27,26 @@ inline int ParaInt(double v) {
 }
 inline int NumInt(Interpretador& zv, const Texto& t) { return ParaInt(Num(zv, t)); }
 
+// The name of a member or removal form: before the first ".", read through
+// the String variable of that name when it begins with "$".
+inline Texto NomeDoMembro(Interpretador& zv, const Texto& primeiro) {
+  Texto n = Apara(primeiro.substr(0, primeiro.find(u'.')));
+  if (!n.empty() && n[0] == u'$') return zv.LeVariavel(n).ComoTexto();
+  return n;
+}
+
+// TRUE, FALSE or anything else, as the properties compare their value: 1,
+// 0 or -1.
+inline int Logico(Interpretador& zv, const Texto& v) {
+  Texto m = Maiusculas(TextoNT(zv, v));
+  return m == u"TRUE" ? 1 : m == u"FALSE" ? 0 : -1;
+}
+
+// The member word of "Name.Member ...": upper case, from the point up to a
+// blank.
+inline Texto PalavraDoMembro(const Texto& primeiro) {
+  Texto resto = primeiro.substr(primeiro.find(u'.'));
+  return Maiusculas(resto.substr(0, resto.find(u' ')));
+}
+
 }  // namespace zv

@@ -688,6 +688,7 @@ void RegistraDialogos(TabelaComandos& t);
 void RegistraDesenho(TabelaComandos& t);
 void RegistraBandeja(TabelaComandos& t);
 void RegistraP2P(TabelaComandos& t);
+void RegistraFiguras(TabelaComandos& t);
 
 void RegistraComandosJanela() {
   TabelaComandos& t = Comandos();
@@ -718,6 +719,7 @@ void RegistraComandosJanela() {
   RegistraDialogos(t);
   RegistraDesenho(t);
   RegistraP2P(t);
+  RegistraFiguras(t);
 }
 
 }  // namespace zv

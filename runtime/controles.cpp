@@ -78,20 +78,6 @@ QString TextoDoRico(const QTextEdit* r) { return r->toPlainText().replace(QLatin
 constexpr int kLarguraPadrao = 81;
 constexpr int kAlturaBotao = 33;
 
-// The name of a member or removal form: before the first ".", read through
-// the String variable of that name when it begins with "$".
-Texto NomeDoMembro(Interpretador& zv, const Texto& primeiro) {
-  Texto n = Apara(primeiro.substr(0, primeiro.find(u'.')));
-  if (!n.empty() && n[0] == u'$') return zv.LeVariavel(n).ComoTexto();
-  return n;
-}
-
-// TRUE, FALSE or anything else, as the properties compare their value.
-int Logico(Interpretador& zv, const Texto& v) {
-  Texto m = Maiusculas(TextoNT(zv, v));
-  return m == u"TRUE" ? 1 : m == u"FALSE" ? 0 : -1;
-}
-
 QColor CorDeValor(Interpretador& zv, const Texto& v) { return CorDe(Num(zv, v)); }
 
 void CorDeFundo(QWidget* w, const QColor& c) {
@@ -593,8 +579,7 @@ void SistemaJanelas::Membro(TipoControle tipo, int slot, const std::vector<Texto
   QWidget* w = t.instancias[k];
   if (!w) return;
   Texto primeiro = Apara(Arg(a, 0));
-  Texto resto = primeiro.substr(primeiro.find(u'.'));
-  Texto prop = Maiusculas(resto.substr(0, resto.find(u' ')));
+  Texto prop = PalavraDoMembro(primeiro);
   Texto valor = Arg(a, 2);
   const Texto nome = t.nomes[k];
   switch (tipo) {

@@ -17,6 +17,7 @@
 #include "controls/entra_num.h"
 #include "controls/moldura.h"
 #include "controls/sp_combo.h"
+#include "runtime/figuras.h"
 #include "runtime/headless_host.h"
 #include "runtime/janelas.h"
 #include "runtime/mensagens.h"
@@ -83,6 +84,9 @@ void Conteudo(TipoControle tipo, QWidget* w, std::string& s) {
       break;
     case TipoControle::Box:
       s += CamposBox(w);
+      break;
+    case TipoControle::Figura:
+      DescreveSprite(w, s, [](const char* n, int v) { return Campo(n, v); });
       break;
     case TipoControle::Check:
     case TipoControle::Radio: {

@@ -70,6 +70,11 @@ inline constexpr Texto TipoSemControle = u"this kind of window has no control of
 // Transition: a picture the program's folder doesn't have.
 inline constexpr Texto FiguraInicialAusente = u"Path of initial picture not found:";
 inline constexpr Texto FiguraFinalAusente = u"Path of final picture not found:";
+// Picture and DrawPictures.
+inline constexpr Texto FiguraDeSpriteAusente = u"Picture file path not found:";
+inline constexpr Texto SpriteInexistente = u"Picture does not exist!";
+// A file that is there but isn't a picture.
+inline constexpr Texto FiguraInvalida = u"Invalid picture";
 // SystemMenu on a window class without a menu bar (Form2, Form3).
 inline constexpr Texto SemMenu = u"Object doesn't support this property or method";
 // A skin number the button-types array has no instance for.

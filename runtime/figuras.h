@@ -1,0 +1,24 @@
+// The picture and media controls: Picture and DrawPictures (figuras.cpp),
+// and what they share with the others.
+#pragma once
+
+#include <QImage>
+#include <functional>
+#include <string>
+
+#include "core/interpretador.h"
+
+class QWidget;
+
+namespace zv {
+
+// A picture file of a program, resolved as its other files are; `achou`
+// false when there is no such file. A file that isn't a picture throws.
+QImage CarregaFiguraArquivo(Interpretador& zv, const Texto& nome, bool& achou);
+
+// A Picture's fields in the window dump.
+void DescreveSprite(QWidget* w, std::string& s, const std::function<std::string(const char*, int)>& campo);
+
+void RegistraFiguras(TabelaComandos& t);
+
+}  // namespace zv
