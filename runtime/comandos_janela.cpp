@@ -689,6 +689,7 @@ void RegistraDesenho(TabelaComandos& t);
 void RegistraBandeja(TabelaComandos& t);
 void RegistraP2P(TabelaComandos& t);
 void RegistraFiguras(TabelaComandos& t);
+void RegistraMidia(TabelaComandos& t);
 
 void RegistraComandosJanela() {
   TabelaComandos& t = Comandos();
@@ -720,6 +721,7 @@ void RegistraComandosJanela() {
   RegistraDesenho(t);
   RegistraP2P(t);
   RegistraFiguras(t);
+  RegistraMidia(t);
 }
 
 }  // namespace zv

@@ -145,6 +145,7 @@ void SistemaJanelas::RelataControle(TipoControle tipo, int slot, const DadosEven
       // A mask's click writes nothing.
       if (tipo == TipoControle::Mascara) break;
       zv->GravaVariavel(u"RefIndex", Valor::DeInt32(slot), false);
+      if (tipo == TipoControle::Gif) eventos.ultimoGif = u"CLICK";
       if (tipo == TipoControle::Check || tipo == TipoControle::Radio) EscreveMarca(tipo, slot);
       if (tipo == TipoControle::Botao) {
         zv->ultimoBotao = nome;
@@ -153,6 +154,7 @@ void SistemaJanelas::RelataControle(TipoControle tipo, int slot, const DadosEven
       break;
     case EventoControle::DuploClique:
       if (tipo != TipoControle::Botao) zv->GravaVariavel(u"RefIndex", Valor::DeInt32(slot), false);
+      if (tipo == TipoControle::Gif) eventos.ultimoGif = u"DOUBLECLICK";
       break;
     case EventoControle::GanhouFoco:
       zv->GravaVariavel(u"GotFocus", Valor::DeTexto(nome), false);

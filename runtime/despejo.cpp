@@ -85,6 +85,10 @@ void Conteudo(TipoControle tipo, QWidget* w, std::string& s) {
     case TipoControle::Box:
       s += CamposBox(w);
       break;
+    case TipoControle::Link:
+    case TipoControle::Gif:
+      DescreveMidia(tipo, w, s, [](const char* n, const QString& v) { return Campo(n, v); });
+      break;
     case TipoControle::Figura:
       DescreveSprite(w, s, [](const char* n, int v) { return Campo(n, v); });
       break;
@@ -115,6 +119,7 @@ std::string SistemaJanelas::DespejaJanelas() {
     if (!j->windowIcon().isNull()) out += Campo("icon", true);
     if (j->isMinimized()) out += Campo("minimized", true);
     if (k == 0 && modoBandeja) out += Campo("tray", true);
+    if (QString url = EnderecoNavegador(*zv, j); !url.isEmpty()) out += Campo("browser", url);
     out += Campo("client_width", j->TamanhoCliente().width());
     out += Campo("client_height", j->TamanhoCliente().height());
     // The menu bar's tabs on view, each with its options on view.

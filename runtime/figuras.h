@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QImage>
+#include <QString>
 #include <functional>
 #include <string>
 
@@ -20,5 +21,15 @@ QImage CarregaFiguraArquivo(Interpretador& zv, const Texto& nome, bool& achou);
 void DescreveSprite(QWidget* w, std::string& s, const std::function<std::string(const char*, int)>& campo);
 
 void RegistraFiguras(TabelaComandos& t);
+
+// Link, AnimatedGif and Browser (midia.cpp). Their fields in the window
+// dump; the address the browser of a window shows, empty when it has none
+// on view.
+enum class TipoControle : int;
+void DescreveMidia(TipoControle tipo, QWidget* w, std::string& s,
+                   const std::function<std::string(const char*, const QString&)>& campo);
+class JanelaExecucao;
+QString EnderecoNavegador(Interpretador& zv, const JanelaExecucao* j);
+void RegistraMidia(TabelaComandos& t);
 
 }  // namespace zv

@@ -73,6 +73,11 @@ inline constexpr Texto FiguraFinalAusente = u"Path of final picture not found:";
 // Picture and DrawPictures.
 inline constexpr Texto FiguraDeSpriteAusente = u"Picture file path not found:";
 inline constexpr Texto SpriteInexistente = u"Picture does not exist!";
+// AnimatedGif.
+inline constexpr Texto GifFlutuanteInvalido = u"Invalid gif for type = 1 (float)!";
+inline constexpr Texto GifAusente = u"Animated gif path file not found:";
+inline constexpr Texto GifFlutuanteAltura = u"Float mode does not support the Height property!";
+inline constexpr Texto GifFlutuanteLargura = u"Float mode does not support the Width property!";
 // A file that is there but isn't a picture.
 inline constexpr Texto FiguraInvalida = u"Invalid picture";
 // SystemMenu on a window class without a menu bar (Form2, Form3).

@@ -65,7 +65,7 @@ struct Substituta {
   const char16_t* palavra;
   bool semArgumentos;
 };
-constexpr std::array<Substituta, 47> kPalavras = {{
+constexpr std::array<Substituta, 50> kPalavras = {{
     {u"Window", false},       {u"Position", false},       {u"Cls", true},          {u"ClearWindow", true},
     {u"Font", false},         {u"WindowWidth", true},     {u"WindowHeight", true}, {u"CaptureWindow", true},
     {u"UnCaptureWindow", true}, {u"Event", false},        {u"KeyTest", false},     {u"TestMouse", true},
@@ -78,7 +78,8 @@ constexpr std::array<Substituta, 47> kPalavras = {{
     {u"ReadPoint", false},    {u"Paint", false},          {u"Transition", false},  {u"Icon", false},
     {u"Fonts", false},        {u"ChangeWallpaper", false}, {u"AddIconSysTray", true},
     {u"MinimizeSysTray", true}, {u"ListenP2P", false},    {u"ConnectP2P", false},  {u"SendP2P", false},
-    {u"Picture", false},      {u"DrawPictures", false},
+    {u"Picture", false},      {u"DrawPictures", false},   {u"Link", false},        {u"AnimatedGif", false},
+    {u"Browser", false},
 }};
 
 ModuloJanelas& Modulo() {
