@@ -388,7 +388,7 @@ void SistemaJanelas::Escreve(const Texto& texto, bool titulo) {
     return;
   }
   zv->host().Escreve(texto);
-  if (naJanela && !encerrada_) Atual()->Escreve(QString::fromStdU16String(texto), posX, posY);
+  if (naJanela && !encerrada_) SuperficieAtual()->Escreve(QString::fromStdU16String(texto), posX, posY);
   posY = Em16(posY + linSize);
 }
 
@@ -398,7 +398,13 @@ void SistemaJanelas::Posiciona(double linha, double coluna) {
   posX = x;
 }
 
-void SistemaJanelas::Limpa() { Atual()->Limpa(); }
+void SistemaJanelas::Limpa() { SuperficieAtual()->Limpa(); }
+
+Superficie* SistemaJanelas::SuperficieAtual() {
+  if (usoDeImagem && imagemEmUso)
+    if (auto* s = dynamic_cast<Superficie*>(imagemEmUso.data())) return s;
+  return Atual();
+}
 
 void SistemaJanelas::Fonte(const std::vector<Texto>& a) {
   Texto primeiro = Apara(Arg(a, 0));
@@ -690,6 +696,7 @@ void RegistraBandeja(TabelaComandos& t);
 void RegistraP2P(TabelaComandos& t);
 void RegistraFiguras(TabelaComandos& t);
 void RegistraMidia(TabelaComandos& t);
+void RegistraImagem(TabelaComandos& t);
 
 void RegistraComandosJanela() {
   TabelaComandos& t = Comandos();
@@ -722,6 +729,7 @@ void RegistraComandosJanela() {
   RegistraP2P(t);
   RegistraFiguras(t);
   RegistraMidia(t);
+  RegistraImagem(t);
 }
 
 }  // namespace zv

@@ -22,6 +22,7 @@
 #include "library/datas.h"
 #include "runtime/janelas.h"
 #include "runtime/mensagens.h"
+#include "runtime/figuras.h"
 #include "runtime/rtf.h"
 
 namespace zv {
@@ -567,8 +568,8 @@ bool SistemaJanelas::MembroComum(TipoControle tipo, QWidget* w, const Texto& pro
   } else if (prop == u".TIP") {
     if (tipo != TipoControle::Botao) w->setToolTip(Q(TextoT(*zv, valor)));
   } else if (prop == u".PARENT") {
-    // Into an Image control: there are no images yet, so every name is
-    // unknown, and an unknown name does nothing.
+    // Into an Image control; an unknown name does nothing.
+    PoeNaImagem(*this, w, TextoT(*zv, valor));
   } else {
     return false;
   }

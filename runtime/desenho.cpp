@@ -26,12 +26,12 @@ Ponto NaGrade(SistemaJanelas& s, double linha, double coluna) {
 
 QColor Cor(Interpretador& zv, const Texto& t) { return CorDe(Num(zv, t)); }
 
-QPen Pena(const JanelaExecucao* j, const QColor& c) { return QPen(c, std::max(1, j->larguraPena)); }
+QPen Pena(const Superficie* j, const QColor& c) { return QPen(c, std::max(1, j->larguraPena)); }
 
 Valor CmdCircle(Interpretador& zv, const Texto& args) {
   auto a = zv.SeparaArgumentos(args, 5);
   SistemaJanelas& s = Janelas(zv);
-  JanelaExecucao* j = s.Atual();
+  Superficie* j = s.SuperficieAtual();
   const Ponto c = NaGrade(s, Num(zv, Arg(a, 0)), Num(zv, Arg(a, 1)));
   // The radius counts in columns only.
   const double raio = SistemaJanelas::EmPixels(Num(zv, Arg(a, 2)) * s.colSize);
@@ -49,7 +49,7 @@ Valor CmdCircle(Interpretador& zv, const Texto& args) {
 Valor Traca(Interpretador& zv, const Texto& args, bool cheio) {
   auto a = zv.SeparaArgumentos(args, 6);
   SistemaJanelas& s = Janelas(zv);
-  JanelaExecucao* j = s.Atual();
+  Superficie* j = s.SuperficieAtual();
   const Ponto p1 = NaGrade(s, Num(zv, Arg(a, 0)), Num(zv, Arg(a, 1)));
   const Ponto p2 = NaGrade(s, Num(zv, Arg(a, 2)), Num(zv, Arg(a, 3)));
   const QColor cor = Cor(zv, Arg(a, 4));
@@ -72,7 +72,7 @@ Valor CmdStraight(Interpretador& zv, const Texto& args) { return Traca(zv, args,
 Valor CmdPoint(Interpretador& zv, const Texto& args) {
   auto a = zv.SeparaArgumentos(args, 4);
   SistemaJanelas& s = Janelas(zv);
-  JanelaExecucao* j = s.Atual();
+  Superficie* j = s.SuperficieAtual();
   const Ponto pt = NaGrade(s, Num(zv, Arg(a, 0)), Num(zv, Arg(a, 1)));
   QImage& tela = j->Tela();
   if (tela.rect().contains(pt.x, pt.y)) tela.setPixelColor(pt.x, pt.y, Cor(zv, Arg(a, 2)));
@@ -83,7 +83,7 @@ Valor CmdPoint(Interpretador& zv, const Texto& args) {
 Valor CmdReadPoint(Interpretador& zv, const Texto& args) {
   auto a = zv.SeparaArgumentos(args, 3);
   SistemaJanelas& s = Janelas(zv);
-  JanelaExecucao* j = s.Atual();
+  Superficie* j = s.SuperficieAtual();
   const Ponto pt = NaGrade(s, Num(zv, Arg(a, 0)), Num(zv, Arg(a, 1)));
   const QColor c = j->CorVisivel(QPoint(pt.x, pt.y));
   // Outside the window the original read -1 (CLR_INVALID).
@@ -95,17 +95,14 @@ Valor CmdReadPoint(Interpretador& zv, const Texto& args) {
 Valor CmdPaint(Interpretador& zv, const Texto& args) {
   auto a = zv.SeparaArgumentos(args, 4);
   SistemaJanelas& s = Janelas(zv);
-  JanelaExecucao* j = s.Atual();
+  Superficie* j = s.SuperficieAtual();
   const Ponto pt = NaGrade(s, Num(zv, Arg(a, 0)), Num(zv, Arg(a, 1)));
   const QColor cor = Cor(zv, Arg(a, 2));
   QImage& tela = j->Tela();
   if (!tela.rect().contains(pt.x, pt.y)) return Valor();
-  // What is seen: the window's own drawing with the surface over it.
-  // What is seen, the controls left out: the window's background and its
-  // own drawing, as the original's device context held them.
-  QImage visto(tela.size(), QImage::Format_RGB32);
-  visto.fill(Qt::white);
-  j->render(&visto, QPoint(), QRegion(QRect(j->Cliente()->pos(), tela.size())), QWidget::DrawWindowBackground);
+  // What is seen, the controls left out: the background and the drawing,
+  // as the original's device context held them.
+  const QImage visto = j->Visto();
   if (!visto.rect().contains(pt.x, pt.y)) return Valor();
   const QRgb alvo = visto.pixel(pt.x, pt.y);
   if (alvo == cor.rgb()) return Valor();
@@ -160,7 +157,7 @@ Valor CmdTransition(Interpretador& zv, const Texto& args) {
       p.setOpacity(n / 255.0);
       p.drawImage(0, 0, t.final);
     }
-    JanelaExecucao* j = s.Atual();
+    Superficie* j = s.SuperficieAtual();
     QPainter(&j->Tela()).drawImage(t.x, t.y, mistura);
     j->MostraTela(QRect(QPoint(t.x, t.y), mistura.size()));
   }

@@ -124,7 +124,7 @@ Valor CmdDrawPictures(Interpretador& zv, const Texto& argumentos) {
   std::vector<Texto> a = zv.SeparaArgumentos(argumentos, 2);
   SistemaJanelas& s = Janelas(zv);
   s.LimpaDescartados();
-  JanelaExecucao* j = s.Atual();
+  Superficie* j = s.SuperficieAtual();
   if (Maiusculas(TextoT(zv, Arg(a, 0))) != u"PRESERVE") s.Limpa();
   TabelaControles& t = Tabela(s);
   QRect tocada;
@@ -139,7 +139,7 @@ Valor CmdDrawPictures(Interpretador& zv, const Texto& argumentos) {
         tocada |= alvo;
       }
   }
-  j->MostraTela(tocada.isNull() ? j->rect() : tocada);
+  j->MostraTela(tocada.isNull() ? j->Tela().rect() : tocada);
   return Valor();
 }
 

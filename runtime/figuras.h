@@ -32,4 +32,10 @@ class JanelaExecucao;
 QString EnderecoNavegador(Interpretador& zv, const JanelaExecucao* j);
 void RegistraMidia(TabelaComandos& t);
 
+// Image (imagem.cpp). A control moved into the Image of that name by
+// `.Parent`; false when there is none.
+class SistemaJanelas;
+bool PoeNaImagem(SistemaJanelas& s, QWidget* w, const Texto& nome);
+void RegistraImagem(TabelaComandos& t);
+
 }  // namespace zv

@@ -115,6 +115,14 @@ bool JanelaExecucao::PintaGradiente() {
   return feito;
 }
 
+QImage JanelaExecucao::Visto() {
+  QImage& tela = Tela();
+  QImage visto(tela.size(), QImage::Format_RGB32);
+  visto.fill(Qt::white);
+  render(&visto, QPoint(), QRegion(QRect(cliente_->pos(), tela.size())), QWidget::DrawWindowBackground);
+  return visto;
+}
+
 void JanelaExecucao::CresceTela() {
   // The surface goes no larger than the original's persistent picture
   // could: a window made absurdly large draws only on its first 4096 pixels.

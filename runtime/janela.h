@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/texto.h"
+#include "runtime/superficie.h"
 
 class QAction;
 class QMenuBar;
@@ -32,7 +33,7 @@ class OuvinteJanela {
   virtual void JanelaRedimensionada(JanelaExecucao* j) = 0;
 };
 
-class JanelaExecucao : public QWidget {
+class JanelaExecucao : public QWidget, public Superficie {
  public:
   JanelaExecucao(ClasseJanela classe, OuvinteJanela* ouvinte);
   ~JanelaExecucao() override;
@@ -43,8 +44,6 @@ class JanelaExecucao : public QWidget {
   static QSize TamanhoPadrao(ClasseJanela c);
 
   Texto tag;               // Tag: the upper-case name
-  int larguraPena = 1;     // DrawWidth
-  QColor corFrente{Qt::black};  // ForeColor
   bool fechando = false;   // being unloaded: keys and focus don't count
   bool previaDeTeclas = false;  // KeyPreview (Window Enter)
   QWidget* auxiliar = nullptr;  // TxtAux, a child: it dies with the window
@@ -56,8 +55,8 @@ class JanelaExecucao : public QWidget {
   int estiloBorda = 2;  // BorderStyle: 0 none, 1 fixed single, 2 sizable
 
   // Text output: printed on the window's surface below the controls.
-  void Escreve(const QString& texto, int x, int y);
-  void Limpa();
+  void Escreve(const QString& texto, int x, int y) override;
+  void Limpa() override;
   void DefineFundo(const QColor& cor);
   void DefineFiguraFundo(const QImage& figura);
   // A picture drawn once on the surface, at x, y in pixels.
@@ -72,11 +71,12 @@ class JanelaExecucao : public QWidget {
   bool PintaGradiente();
   // The drawing surface (what Write, the drawing commands and the gradient
   // leave), grown to the window; and a repaint of a part of it.
-  QImage& Tela();
-  void MostraTela(const QRect& r) { update(r.translated(0, desvio_)); }
+  QImage& Tela() override;
+  void MostraTela(const QRect& r) override { update(r.translated(0, desvio_)); }
+  QImage Visto() override;
   // The colour seen at p of the client, controls left out: the background,
   // its picture and the surface.
-  QColor CorVisivel(QPoint p);
+  QColor CorVisivel(QPoint p) override;
 
   // The client area, where the controls live: the whole window until a
   // menu bar takes the top, then below it. Controls are made in it.

@@ -136,6 +136,10 @@ class SistemaJanelas : public OuvinteJanela {
   int contaCursor = 0;       // the platform's show count of the pointer
   Texto janelaEmExecucao;    // JanelaEmExecucao
   bool usoDeImagem = false;  // the flag of Image Name.Use
+  QPointer<QWidget> imagemEmUso;  // the Image that Use made the target
+  // What drawing commands and Write draw on: the image in use, else the
+  // current window.
+  Superficie* SuperficieAtual();
   // The focus goes to TxtAux of the current window (Event, KeyTest).
   void FocaAuxiliar();
   void TiqueMouse();

@@ -78,6 +78,11 @@ inline constexpr Texto GifFlutuanteInvalido = u"Invalid gif for type = 1 (float)
 inline constexpr Texto GifAusente = u"Animated gif path file not found:";
 inline constexpr Texto GifFlutuanteAltura = u"Float mode does not support the Height property!";
 inline constexpr Texto GifFlutuanteLargura = u"Float mode does not support the Width property!";
+// Image.
+inline constexpr Texto ImagemAusente = u"Path of picture not found:";
+inline constexpr Texto ImagemInexistente = u"Image does not exist: '{}'";
+inline constexpr Texto SalvaFiguraExtensao = u"SalvaFigura: o nome do arquivo deve conter extens\u00e3o .bmp ou .jpg!";
+inline constexpr Texto ImagemNaoGravada = u"the picture can't be written to {}";
 // A file that is there but isn't a picture.
 inline constexpr Texto FiguraInvalida = u"Invalid picture";
 // SystemMenu on a window class without a menu bar (Form2, Form3).
