@@ -14,6 +14,7 @@
 #include "core/fonte.h"
 #include "data/dados.h"
 #include "library/biblioteca.h"
+#include "net/net.h"
 #include "runtime/mensagens.h"
 #include "runtime/porta_janelas.h"
 
@@ -69,6 +70,7 @@ void RegistraSubsistemas() {
     RegistraBiblioteca();
     RegistraDados();
     RegistraAPI();
+    RegistraFTP();
     RegistraJanelas();
   });
 }

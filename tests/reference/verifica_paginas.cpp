@@ -11,6 +11,9 @@
 //       the example has printed its first line, or, marked "first", started
 //       before it, the example waiting for the peer's first line. Only the
 //       example's output is compared.
+//       ```zarvolt ftp PORT runs the example with a small FTP server on
+//       PORT (zv_servidor_ftp, beside zvrun): user "demo", password "demo",
+//       serving a folder that holds the page files.
 //   zv_verifica_paginas words WORDS.txt PAGES_DIR [PENDING.txt]
 //       every word of the list has its page, and every page is a word of
 //       the list (the tutorial, Curso, apart). A word of PENDING.txt (one a
@@ -53,6 +56,7 @@ struct Bloco {
   QString tipo;  // zarvolt, events, answers, output (or anything else)
   bool naoRoda = false;
   bool par = false, primeiro = false;  // a peer program, started first
+  int portaFtp = 0;                      // an FTP server beside it, on this port
   QString texto;
   int linha = 0;  // of the opening fence, 1-based
 };
@@ -61,6 +65,7 @@ struct Exemplo {
   QString programa, eventos, respostas, saida, par;
   bool temEventos = false, temRespostas = false, temSaida = false, naoRoda = false;
   bool temPar = false, parPrimeiro = false;
+  int portaFtp = 0;
   int linha = 0;
 };
 
@@ -85,6 +90,7 @@ QList<Bloco> LeBlocos(const QStringList& linhas) {
     b.naoRoda = info.contains(QStringLiteral("norun"));
     b.par = info.contains(QStringLiteral("peer"));
     b.primeiro = info.contains(QStringLiteral("first"));
+    if (int k = info.indexOf(QStringLiteral("ftp")); k >= 0) b.portaFtp = info.value(k + 1).toInt();
     QStringList corpo;
     for (++i; i < linhas.size() && linhas[i].trimmed() != QStringLiteral("```"); ++i) corpo << linhas[i];
     b.texto = corpo.join(u'\n');
@@ -108,6 +114,7 @@ QList<Exemplo> JuntaExemplos(const QList<Bloco>& blocos) {
       Exemplo e;
       e.programa = b.texto;
       e.naoRoda = b.naoRoda;
+      e.portaFtp = b.portaFtp;
       e.linha = b.linha;
       exemplos << e;
       continue;
@@ -226,6 +233,29 @@ bool RodaExemplo(const QString& zvrun, const QString& rotulo, const Exemplo& e, 
     }
     return true;
   };
+
+  // The FTP server an example talks to, serving the page files.
+  QProcess ftp;
+  struct Encerra {
+    QProcess& p;
+    ~Encerra() {
+      if (p.state() == QProcess::NotRunning) return;
+      p.kill();
+      p.waitForFinished();
+    }
+  } encerraFtp{ftp};
+  if (e.portaFtp > 0) {
+    QString servidor = dir + QStringLiteral("/server");
+    QDir().mkpath(servidor);
+    for (const QFileInfo& f : QDir(arquivos).entryInfoList(QDir::Files))
+      QFile::copy(f.absoluteFilePath(), servidor + u'/' + f.fileName());
+    ftp.start(QFileInfo(zvrun).absolutePath() + QStringLiteral("/zv_servidor_ftp"),
+              {servidor, QString::number(e.portaFtp), QStringLiteral("demo"), QStringLiteral("demo")});
+    if (!ftp.waitForStarted() || !esperaLinha(ftp)) {
+      Diz(rotulo + QStringLiteral(": the FTP server doesn't start\n") + QString::fromUtf8(ftp.readAllStandardError()));
+      return false;
+    }
+  }
 
   QProcess par;
   prepara(par);
