@@ -697,6 +697,7 @@ void RegistraP2P(TabelaComandos& t);
 void RegistraFiguras(TabelaComandos& t);
 void RegistraMidia(TabelaComandos& t);
 void RegistraImagem(TabelaComandos& t);
+void RegistraRelatorios(TabelaComandos& t);
 
 void RegistraComandosJanela() {
   TabelaComandos& t = Comandos();
@@ -730,6 +731,7 @@ void RegistraComandosJanela() {
   RegistraFiguras(t);
   RegistraMidia(t);
   RegistraImagem(t);
+  RegistraRelatorios(t);
 }
 
 }  // namespace zv

@@ -10,14 +10,12 @@
 
 #include "library/texto_qt.h"
 #include "runtime/argumentos.h"
+#include "runtime/dialogos.h"
 #include "runtime/headless_host.h"
 #include "runtime/janela_host.h"
 #include "runtime/janelas.h"
 
 namespace zv {
-
-namespace {
-
 
 HostConsole* Console(Interpretador& zv) {
   auto* h = dynamic_cast<HostConsole*>(&zv.host());
@@ -25,8 +23,6 @@ HostConsole* Console(Interpretador& zv) {
   return (h && (!j || j->SemTela())) ? h : nullptr;
 }
 
-// Headless: the dialogue's line, then the answer. False when the user
-// cancelled or no answer is left.
 bool Responde(HostConsole& h, const char* tipo, const Texto& titulo, const Texto& texto, const Texto& padrao,
               std::string& resposta) {
   h.EscreveLinha(std::string("{\"dialog\":\"") + tipo + "\",\"title\":\"" + EscapaJson(titulo) + "\",\"text\":\"" +
@@ -36,6 +32,8 @@ bool Responde(HostConsole& h, const char* tipo, const Texto& titulo, const Texto
   for (char c : resposta) m += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   return m != "cancel";
 }
+
+namespace {
 
 // "Name;size;bold;italic" or a font of the dialogue, as RetStr shows it:
 // the name in 30 columns, the size in 3, bold and italic in 10 each.

@@ -83,6 +83,17 @@ inline constexpr Texto ImagemAusente = u"Path of picture not found:";
 inline constexpr Texto ImagemInexistente = u"Image does not exist: '{}'";
 inline constexpr Texto SalvaFiguraExtensao = u"SalvaFigura: o nome do arquivo deve conter extens\u00e3o .bmp ou .jpg!";
 inline constexpr Texto ImagemNaoGravada = u"the picture can't be written to {}";
+// Reports and the printer.
+inline constexpr Texto ErroNoRelatorio = u"Rep error in method {}\r{}";
+inline constexpr Texto ErroNaImpressora = u"Printer error in method {}\r{}";
+inline constexpr Texto RelatorioSemConfig = u"the report hasn't started: Rep.Config first";
+inline constexpr Texto ImpressoraRecusa = u"the printer can't start a document";
+inline constexpr Texto SemImpressora = u"There is no printer: the pages were written to {}";
+inline constexpr Texto CanceladoPeloUsuario = u"Canceled by user!";
+inline constexpr Texto PaginasAImprimir = u"Pages to print:";
+inline constexpr Texto PaginasAte = u"TO";
+inline constexpr Texto BotaoImprimir = u"Print";
+inline constexpr Texto BotaoSair = u"Exit";
 // A file that is there but isn't a picture.
 inline constexpr Texto FiguraInvalida = u"Invalid picture";
 // SystemMenu on a window class without a menu bar (Form2, Form3).

@@ -130,6 +130,16 @@ Valor WriteSemJanela(Interpretador& zv, const Texto& argumentos) {
   return Valor::DeBooleano(true);
 }
 
+// Rep.Method and Printer.Method, found by their prefix: stand-ins that load
+// the module, which puts its own in their place.
+template <bool kRep>
+Valor RelatorioSubstituto(Interpretador& zv, const Texto& nome, const Texto& argumentos) {
+  Modulo();
+  RotinaComNome r = kRep ? Comandos().rep : Comandos().printer;
+  if (r == &RelatorioSubstituto<kRep>) return Valor();
+  return r(zv, nome, argumentos);
+}
+
 template <size_t... I>
 void DefineSubstitutos(TabelaComandos& t, std::index_sequence<I...>) {
   (
@@ -148,6 +158,8 @@ void RegistraJanelas() {
   DefineSubstitutos(t, std::make_index_sequence<kPalavras.size()>());
   t.Define(u"Write", WriteSemJanela);
   t.newWindow = NewWindowSubstituto;
+  t.rep = RelatorioSubstituto<true>;
+  t.printer = RelatorioSubstituto<false>;
   // Loaded already (a desktop run loads it first thing): the real ones.
   if (modulo) modulo->Registra();
 }
