@@ -698,6 +698,7 @@ void RegistraFiguras(TabelaComandos& t);
 void RegistraMidia(TabelaComandos& t);
 void RegistraImagem(TabelaComandos& t);
 void RegistraRelatorios(TabelaComandos& t);
+void RegistraSom(TabelaComandos& t);
 
 void RegistraComandosJanela() {
   TabelaComandos& t = Comandos();
@@ -732,6 +733,7 @@ void RegistraComandosJanela() {
   RegistraMidia(t);
   RegistraImagem(t);
   RegistraRelatorios(t);
+  RegistraSom(t);
 }
 
 }  // namespace zv

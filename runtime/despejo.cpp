@@ -89,6 +89,9 @@ void Conteudo(TipoControle tipo, QWidget* w, std::string& s) {
     case TipoControle::Gif:
       DescreveMidia(tipo, w, s, [](const char* n, const QString& v) { return Campo(n, v); });
       break;
+    case TipoControle::Video:
+      DescreveSom(w, s, [](const char* n, const QString& v) { return Campo(n, v); });
+      break;
     case TipoControle::Figura:
       DescreveSprite(w, s, [](const char* n, int v) { return Campo(n, v); });
       break;

@@ -38,4 +38,8 @@ class SistemaJanelas;
 bool PoeNaImagem(SistemaJanelas& s, QWidget* w, const Texto& nome);
 void RegistraImagem(TabelaComandos& t);
 
+// Sound and Video (som.cpp): a player's fields in the window dump.
+void DescreveSom(QWidget* w, std::string& s, const std::function<std::string(const char*, const QString&)>& campo);
+void RegistraSom(TabelaComandos& t);
+
 }  // namespace zv
