@@ -699,6 +699,7 @@ void RegistraMidia(TabelaComandos& t);
 void RegistraImagem(TabelaComandos& t);
 void RegistraRelatorios(TabelaComandos& t);
 void RegistraSom(TabelaComandos& t);
+void RegistraCaptura(TabelaComandos& t);
 
 void RegistraComandosJanela() {
   TabelaComandos& t = Comandos();
@@ -734,6 +735,7 @@ void RegistraComandosJanela() {
   RegistraImagem(t);
   RegistraRelatorios(t);
   RegistraSom(t);
+  RegistraCaptura(t);
 }
 
 }  // namespace zv

@@ -94,6 +94,10 @@ inline constexpr Texto PaginasAImprimir = u"Pages to print:";
 inline constexpr Texto PaginasAte = u"TO";
 inline constexpr Texto BotaoImprimir = u"Print";
 inline constexpr Texto BotaoSair = u"Exit";
+// RecordSound and WebCam.
+inline constexpr Texto GravacaoSemAbertura = u"Erro de abertura do arquivo!";
+inline constexpr Texto GravacaoFormato = u"Defini\u00e7\u00f5es n\u00e3o consistentes!";
+inline constexpr Texto SemCamera = u"no camera is connected";
 // A file that is there but isn't a picture.
 inline constexpr Texto FiguraInvalida = u"Invalid picture";
 // SystemMenu on a window class without a menu bar (Form2, Form3).

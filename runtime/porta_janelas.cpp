@@ -65,7 +65,7 @@ struct Substituta {
   const char16_t* palavra;
   bool semArgumentos;
 };
-constexpr std::array<Substituta, 53> kPalavras = {{
+constexpr std::array<Substituta, 55> kPalavras = {{
     {u"Window", false},       {u"Position", false},       {u"Cls", true},          {u"ClearWindow", true},
     {u"Font", false},         {u"WindowWidth", true},     {u"WindowHeight", true}, {u"CaptureWindow", true},
     {u"UnCaptureWindow", true}, {u"Event", false},        {u"KeyTest", false},     {u"TestMouse", true},
@@ -80,6 +80,7 @@ constexpr std::array<Substituta, 53> kPalavras = {{
     {u"MinimizeSysTray", true}, {u"ListenP2P", false},    {u"ConnectP2P", false},  {u"SendP2P", false},
     {u"Picture", false},      {u"DrawPictures", false},   {u"Link", false},        {u"AnimatedGif", false},
     {u"Browser", false},      {u"Image", false},          {u"Sound", false},       {u"Video", false},
+    {u"RecordSound", false},  {u"WebCam", false},
 }};
 
 ModuloJanelas& Modulo() {
