@@ -6,7 +6,7 @@ namespace zv {
 
 // The record commands and the DB block.
 void RegistraDados();
-// The SQL command, which reaches other databases.
+// The SQL command, which reaches other databases (in the window module).
 void RegistraSQL();
 
 }  // namespace zv

@@ -590,7 +590,6 @@ void RegistraDados() {
   c.Define(u"FindDB", Protegido<FindDB>);
   c.Define(u"CompactDB", Protegido<CompactDB>);
   c.db = BlocoDB;
-  RegistraSQL();
 }
 
 }  // namespace zv

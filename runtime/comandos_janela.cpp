@@ -14,8 +14,10 @@
 #include <cmath>
 
 #include "controls/figuras_padrao.h"
+#include "data/dados.h"
 #include "library/arquivos.h"
 #include "library/texto_qt.h"
+#include "net/net.h"
 #include "runtime/aplicacao.h"
 #include "runtime/argumentos.h"
 #include "runtime/janela_host.h"
@@ -736,6 +738,8 @@ void RegistraComandosJanela() {
   RegistraRelatorios(t);
   RegistraSom(t);
   RegistraCaptura(t);
+  RegistraSQL();
+  RegistraFTP();
 }
 
 }  // namespace zv

@@ -14,7 +14,6 @@
 #include "core/fonte.h"
 #include "data/dados.h"
 #include "library/biblioteca.h"
-#include "net/net.h"
 #include "runtime/mensagens.h"
 #include "runtime/porta_janelas.h"
 
@@ -70,7 +69,6 @@ void RegistraSubsistemas() {
     RegistraBiblioteca();
     RegistraDados();
     RegistraAPI();
-    RegistraFTP();
     RegistraJanelas();
   });
 }

@@ -65,7 +65,7 @@ struct Substituta {
   const char16_t* palavra;
   bool semArgumentos;
 };
-constexpr std::array<Substituta, 55> kPalavras = {{
+constexpr std::array<Substituta, 59> kPalavras = {{
     {u"Window", false},       {u"Position", false},       {u"Cls", true},          {u"ClearWindow", true},
     {u"Font", false},         {u"WindowWidth", true},     {u"WindowHeight", true}, {u"CaptureWindow", true},
     {u"UnCaptureWindow", true}, {u"Event", false},        {u"KeyTest", false},     {u"TestMouse", true},
@@ -81,6 +81,8 @@ constexpr std::array<Substituta, 55> kPalavras = {{
     {u"Picture", false},      {u"DrawPictures", false},   {u"Link", false},        {u"AnimatedGif", false},
     {u"Browser", false},      {u"Image", false},          {u"Sound", false},       {u"Video", false},
     {u"RecordSound", false},  {u"WebCam", false},
+    // Not window words: their libraries are the module's (Qt SQL, libcurl).
+    {u"SQL", false},          {u"ConnectFTP", false},     {u"DownFileFTP", false}, {u"UpFileFTP", false},
 }};
 
 ModuloJanelas& Modulo() {

@@ -9,6 +9,7 @@
 #include "core/interpretador.h"
 #include "core/texto.h"
 #include "runtime/janela_host.h"
+#include "runtime/porta_janelas.h"
 #include "runtime/lancador.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
@@ -18,6 +19,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* dados, size_t tamanho) {
   // here.
   static const bool semAPI = [] {
     zv::RegistraSubsistemas();
+    // The FTP commands are the window module's: loaded first, so that what
+    // it registers is replaced here.
+    zv::CarregaModuloJanelas();
     for (const char16_t* palavra : {u"API", u"DownFileFTP", u"UpFileFTP"})
       zv::Comandos().Define(palavra, [](zv::Interpretador&, const zv::Texto&) { return zv::Valor(); });
     return true;
