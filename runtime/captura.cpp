@@ -67,13 +67,6 @@ struct Gravador {
   }
 };
 
-void Caixa_(Interpretador& zv, const Texto& texto) {
-  Caixa c;
-  c.titulo = zv.TituloPrograma();
-  c.texto = texto;
-  zv.host().MostraCaixa(c);
-}
-
 // A wave file: the RIFF header of 16-bit stereo PCM at 44,100 Hz, then the
 // samples.
 QByteArray Wave(const QByteArray& dados) {
@@ -120,18 +113,18 @@ Valor CmdRecordSound(Interpretador& zv, const Texto& argumentos) {
     } else {
       QAudioDevice d = QMediaDevices::defaultAudioInput();
       if (d.isNull()) {
-        Caixa_(zv, msg::GravacaoSemAbertura);
+        Avisa(zv, msg::GravacaoSemAbertura);
         return Valor();
       }
       if (!d.isFormatSupported(f)) {
-        Caixa_(zv, msg::GravacaoFormato);
+        Avisa(zv, msg::GravacaoFormato);
         return Valor();
       }
       g.fonte = std::make_unique<QAudioSource>(d, f);
       g.entrada = g.fonte->start();
       if (!g.entrada) {
         g.fonte.reset();
-        Caixa_(zv, msg::GravacaoSemAbertura);
+        Avisa(zv, msg::GravacaoSemAbertura);
         return Valor();
       }
       QObject::connect(g.entrada, &QIODevice::readyRead, [&g] { g.Colhe(); });

@@ -242,6 +242,23 @@ void SistemaJanelas::TiqueEspelhos() {
 
 // ---- Creation -------------------------------------------------------------------
 
+int SistemaJanelas::PoeNaTabela(TipoControle tipo, const Texto& nome, QWidget* w) {
+  TabelaControles& t = controles[static_cast<size_t>(tipo)];
+  int slot = t.Livre();
+  auto k = static_cast<size_t>(slot);
+  t.nomes[k] = nome;
+  t.donos[k] = nomeFormAtual;
+  t.instancias[k] = w;
+  return slot;
+}
+
+void Avisa(Interpretador& zv, const Texto& texto) {
+  Caixa c;
+  c.titulo = zv.TituloPrograma();
+  c.texto = texto;
+  zv.host().MostraCaixa(c);
+}
+
 namespace {
 
 // Steps 1, 2 and 4 to 5 of a creation: the slot, the name and owner, the
@@ -249,13 +266,9 @@ namespace {
 template <class W>
 W* NovoControle(SistemaJanelas& s, TipoControle tipo, const Texto& nome, int& slot,
                 const std::function<W*(QWidget*, int)>& faz) {
-  TabelaControles& t = s.controles[static_cast<size_t>(tipo)];
-  slot = t.Livre();
-  auto k = static_cast<size_t>(slot);
-  t.nomes[k] = nome;
-  t.donos[k] = s.nomeFormAtual;
+  slot = s.controles[static_cast<size_t>(tipo)].Livre();
   W* w = faz(s.Atual()->Cliente(), slot);
-  t.instancias[k] = w;
+  s.PoeNaTabela(tipo, nome, w);
   const InfoControle& info = Info(tipo);
   if (info.espelho) s.zv->CriaVariavel(nome + info.espelho, info.tipoEspelho);
   w->relata = [&s, tipo, slot](const DadosEvento& e) { s.RelataControle(tipo, slot, e); };

@@ -55,15 +55,10 @@ TabelaControles& Tabela(SistemaJanelas& s) { return s.controles[size_t(TipoContr
 
 Valor CriaPicture(Interpretador& zv, SistemaJanelas& s, const std::vector<Texto>& a) {
   Texto nome = TextoT(zv, Arg(a, 0));
-  TabelaControles& t = Tabela(s);
-  int slot = t.Livre();
-  auto k = size_t(slot);
   // Pictures live on the main window, whichever window is current.
   auto* sp = new Sprite(s.Principal()->Cliente());
   sp->setGeometry(0, 0, 0, 0);
-  t.nomes[k] = nome;
-  t.donos[k] = s.nomeFormAtual;
-  t.instancias[k] = sp;
+  s.PoeNaTabela(TipoControle::Figura, nome, sp);
 
   Texto arquivo = TextoT(zv, Arg(a, 1));
   QImage figura;

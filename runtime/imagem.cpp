@@ -133,13 +133,8 @@ bool Carrega(Interpretador& zv, const Texto& nome, QImage& figura) {
 
 Valor CriaImagem(Interpretador& zv, SistemaJanelas& s, const std::vector<Texto>& a) {
   Texto nome = TextoT(zv, Arg(a, 0));
-  TabelaControles& t = Tabela(s);
-  int slot = t.Livre();
-  auto k = size_t(slot);
   auto* img = new Imagem(s.Atual()->Cliente());
-  t.nomes[k] = nome;
-  t.donos[k] = s.nomeFormAtual;
-  t.instancias[k] = img;
+  s.PoeNaTabela(TipoControle::Imagem, nome, img);
   QImage figura;
   if (Carrega(zv, TextoT(zv, Arg(a, 1)), figura)) img->figura = figura;
   // As large as its picture; a panel without one starts at 100 by 100.
@@ -169,10 +164,7 @@ void Salva(Interpretador& zv, Imagem* img, const std::vector<Texto>& v) {
   Texto m = Maiusculas(arquivo);
   const bool bmp = Contem(m, u".BMP"), jpg = Contem(m, u".JPG");
   if (!bmp && !jpg) {
-    Caixa c;
-    c.titulo = zv.TituloPrograma();
-    c.texto = msg::SalvaFiguraExtensao;
-    zv.host().MostraCaixa(c);
+    Avisa(zv, msg::SalvaFiguraExtensao);
     return;
   }
   QString caminho = Q(CaminhoNoPrograma(arquivo, zv.dirPrograma));

@@ -94,6 +94,9 @@ class SistemaJanelas : public OuvinteJanela {
   std::array<int16_t, 10> contadoresMenu{};
   // Removes a control's mirror variable and frees its slot.
   void LiberaControle(TipoControle tipo, int slot, bool destroi);
+  // A control made by its kind's command into the kind's tables, owned by
+  // the current window's name; its slot.
+  int PoeNaTabela(TipoControle tipo, const Texto& nome, QWidget* w);
   // Deletes the controls removed so far; only from a command, where no
   // widget's handler is on the stack.
   void LimpaDescartados();
@@ -203,6 +206,9 @@ class SistemaJanelas : public OuvinteJanela {
 
 // The run's window system, made on first use.
 SistemaJanelas& Janelas(Interpretador& zv);
+
+// A plain box with OK under the program's title, as Message shows one.
+void Avisa(Interpretador& zv, const Texto& texto);
 
 // The window commands and the control commands into the keyword table
 // (the module's real routines, in place of the stand-ins).

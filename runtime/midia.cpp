@@ -25,26 +25,6 @@ namespace zv {
 
 namespace {
 
-// A control into its kind's tables, on the current window: the slot, the
-// name and owner, the reports of its events.
-template <class W>
-W* NovoControle(SistemaJanelas& s, TipoControle tipo, const Texto& nome, W* w, int& slot) {
-  TabelaControles& t = s.controles[size_t(tipo)];
-  slot = t.Livre();
-  auto k = size_t(slot);
-  t.nomes[k] = nome;
-  t.donos[k] = s.nomeFormAtual;
-  t.instancias[k] = w;
-  return w;
-}
-
-void Mensagem(Interpretador& zv, const Texto& texto) {
-  Caixa c;
-  c.titulo = zv.TituloPrograma();
-  c.texto = texto;
-  zv.host().MostraCaixa(c);
-}
-
 // The slot a member form names, or -1.
 int SlotDoMembro(Interpretador& zv, SistemaJanelas& s, TipoControle tipo, const Texto& primeiro) {
   return s.controles[size_t(tipo)].Acha(Maiusculas(NomeDoMembro(zv, primeiro)));
@@ -69,9 +49,9 @@ void AbreLink(SistemaJanelas& s, Rot* r) {
 }
 
 Valor CriaLink(Interpretador& zv, SistemaJanelas& s, const std::vector<Texto>& a) {
-  int slot;
   Texto nome = TextoT(zv, Arg(a, 0));
-  Rot* r = NovoControle(s, TipoControle::Link, nome, new Rot(s.Atual()->Cliente()), slot);
+  auto* r = new Rot(s.Atual()->Cliente());
+  int slot = s.PoeNaTabela(TipoControle::Link, nome, r);
   // It looks like a link until the program says otherwise.
   QFont f = r->font();
   f.setUnderline(true);
@@ -162,8 +142,8 @@ Valor CriaGif(Interpretador& zv, SistemaJanelas& s, const std::vector<Texto>& a)
     zv.CaixaCritica(msg::GifFlutuanteInvalido);
     return Valor();
   }
-  int slot;
-  GifAnimado* g = NovoControle(s, TipoControle::Gif, nome, new GifAnimado(s.Atual()->Cliente()), slot);
+  auto* g = new GifAnimado(s.Atual()->Cliente());
+  int slot = s.PoeNaTabela(TipoControle::Gif, nome, g);
   g->setProperty(kFlutua, flutua);
   if (flutua) {
     g->setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -186,7 +166,7 @@ Valor MembroGif(Interpretador& zv, SistemaJanelas& s, GifAnimado* g, const std::
   } else if (prop == u".HEIGHT" || prop == u".WIDTH") {
     const bool altura = prop == u".HEIGHT";
     if (flutua) {
-      Mensagem(zv, altura ? msg::GifFlutuanteAltura : msg::GifFlutuanteLargura);
+      Avisa(zv, altura ? msg::GifFlutuanteAltura : msg::GifFlutuanteLargura);
     } else if (Arg(a, 1).empty() && valor.empty()) {
       return Valor::DeDouble(altura ? g->height() / s.linSize : g->width() / s.colSize);
     } else {

@@ -121,10 +121,7 @@ void FechaImpressora(Interpretador& zv, Impressora& i) {
     h->EscreveLinha("{\"printed\":\"" + Utf8(T(QFileInfo(i.arquivoPdf).fileName())) +
                     "\",\"pages\":" + std::to_string(i.paginas) + "}");
   } else {
-    Caixa c;
-    c.titulo = zv.TituloPrograma();
-    c.texto = msg::Formata(msg::SemImpressora, T(i.arquivoPdf));
-    zv.host().MostraCaixa(c);
+    Avisa(zv, msg::Formata(msg::SemImpressora, T(i.arquivoPdf)));
   }
 }
 
@@ -411,10 +408,7 @@ class Previa : public QDialog {
     QPrinter p;
     QPrintDialog d(&p, this);
     if (d.exec() != QDialog::Accepted) {
-      Caixa c;
-      c.titulo = zv_.TituloPrograma();
-      c.texto = msg::CanceladoPeloUsuario;
-      zv_.host().MostraCaixa(c);
+      Avisa(zv_, msg::CanceladoPeloUsuario);
       return;
     }
     e_.nomeImpressora = p.printerName();
@@ -485,10 +479,7 @@ void PreviaSemTela(Interpretador& zv, EstadoRelatorio& e, HostConsole& h) {
     std::string p;
     // Only an answer of Cancel cancels; none left takes the printer.
     if (!Responde(h, "printer", Texto(), Texto(), Texto(), p) && !p.empty()) {
-      Caixa c;
-      c.titulo = zv.TituloPrograma();
-      c.texto = msg::CanceladoPeloUsuario;
-      zv.host().MostraCaixa(c);
+      Avisa(zv, msg::CanceladoPeloUsuario);
       continue;
     }
     e.modoSaida = u"PRINTER";

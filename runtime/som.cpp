@@ -125,17 +125,12 @@ void Tique(Interpretador& zv, Midia* m, const Texto& nome) {
 
 Valor Cria(Interpretador& zv, SistemaJanelas& s, const std::vector<Texto>& a) {
   Texto nome = TextoT(zv, Arg(a, 0));
-  TabelaControles& t = Tabela(s);
-  int slot = t.Livre();
-  auto k = size_t(slot);
   // Qt's FFmpeg backend plays the common formats by itself; the GStreamer
   // one needs plugins a machine may lack, and fails hard without them. A
   // choice made in the environment stands.
   if (qEnvironmentVariableIsEmpty("QT_MEDIA_BACKEND")) qputenv("QT_MEDIA_BACKEND", "ffmpeg");
   auto* m = new Midia(s.Atual()->Cliente());
-  t.nomes[k] = nome;
-  t.donos[k] = s.nomeFormAtual;
-  t.instancias[k] = m;
+  s.PoeNaTabela(TipoControle::Video, nome, m);
   m->arquivo = Q(TextoT(zv, Arg(a, 1)));
   zv.CriaVariavel(nome + u".Time", u"Decimal");
   zv.CriaVariavel(nome + u".Position", u"Decimal");
