@@ -378,6 +378,12 @@ QStringList VerificaForma(const QString& palavra, const QStringList& linhas, con
   for (int j : {0, 2, 3, 4, 5})
     if (!tutorial && !linhas.contains(QString::fromLatin1(kSecoes[j])))
       problemas << QStringLiteral("no section \"%1\"").arg(QString::fromLatin1(kSecoes[j]));
+  // A page that says its example isn't run, with every example run: the
+  // note outlived the part it waited for.
+  const QString texto = linhas.join(u'\n');
+  if (texto.contains(QStringLiteral("isn't run when the reference is checked")) &&
+      !texto.contains(QStringLiteral("```zarvolt norun")))
+    problemas << QStringLiteral("it says its example isn't run, but every example runs");
   return problemas;
 }
 
