@@ -14,7 +14,9 @@
 #include <QSaveFile>
 #include <filesystem>
 
+#include "builder/compilador.h"
 #include "core/interpretador.h"
+#include "library/arquivos.h"
 #include "library/biblioteca.h"
 #include "library/mensagens.h"
 #include "library/texto_qt.h"
@@ -173,9 +175,20 @@ Valor Call(Interpretador& zv, const Texto& argumentos) {
   return Valor::TextoComAspas(msg::Formata(msg::biblioteca::kErroAoChamar, u"53", falha::ArquivoNaoEncontrado));
 }
 
+// ChangeIcon IconFile, Executable: the icon of a program the builder made,
+// written in place. Failures show nothing: the result says how it went.
+Valor ChangeIcon(Interpretador& zv, const Texto& argumentos) {
+  auto a = zv.SeparaArgumentos(argumentos, 3);
+  const Texto icone = ResolveArquivo(zv, ArgT(zv, a, 0));
+  const Texto executavel = ResolveArquivo(zv, ArgT(zv, a, 1));
+  bool ok = !icone.empty() && !executavel.empty() && TrocaIconeDoArquivo(Utf8(icone), Utf8(executavel));
+  return Valor::TextoComAspas(ok ? msg::biblioteca::kIconeTrocado : msg::biblioteca::kIconeNaoTrocado);
+}
+
 }  // namespace
 
 void RegistraSistema() {
+  Comandos().Define(u"ChangeIcon", ChangeIcon);
   Comandos().Define(u"GetWinReg", GetWinReg);
   Comandos().Define(u"SaveWinReg", SaveWinReg);
   Comandos().Define(u"Call", Call);

@@ -2,6 +2,8 @@
 #include "runtime/mensagens.h"
 
 #include <QApplication>
+#include <QIcon>
+#include <QPixmap>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -27,6 +29,8 @@ void FiltraMensagens(QtMsgType tipo, const QMessageLogContext& ctx, const QStrin
 
 }  // namespace
 
+std::string iconeAplicacao;
+
 void GaranteAplicacao(bool semTela) {
   if (QCoreApplication::instance()) return;
   if (semTela) setenv("QT_QPA_PLATFORM", "offscreen", 1);
@@ -49,6 +53,11 @@ void GaranteAplicacao(bool semTela) {
   if (semTela) anterior = qInstallMessageHandler(FiltraMensagens);
   auto* app = new QApplication(argc, argv);
   app->setQuitOnLastWindowClosed(false);
+  if (!iconeAplicacao.empty()) {
+    QPixmap p;
+    if (p.loadFromData(reinterpret_cast<const uchar*>(iconeAplicacao.data()), uint(iconeAplicacao.size())))
+      QApplication::setWindowIcon(QIcon(p));
+  }
 }
 
 bool AplicacaoCriada() { return QCoreApplication::instance() != nullptr; }

@@ -83,6 +83,7 @@ class Modulo : public ModuloJanelas {
     return Janelas(zv).Fotografa(pasta, erro);
   }
   int64_t AlcaFormAtual(Interpretador& zv) override { return int64_t(Janelas(zv).Atual()->winId()); }
+  void DefineIconeAplicacao(const std::string& bytes) override { iconeAplicacao = bytes; }
 };
 
 }  // namespace

@@ -32,6 +32,11 @@ ModuloJanelas* ModuloJanelasCarregado() { return modulo; }
 
 ModuloJanelas* CarregaModuloJanelas(std::string* erro) {
   if (modulo) return modulo;
+  if (zv_modulo_janelas) {
+    modulo = zv_modulo_janelas();
+    modulo->Registra();
+    return modulo;
+  }
   static std::string falhou;
   if (!falhou.empty()) {
     if (erro) *erro = falhou;

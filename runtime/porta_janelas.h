@@ -43,6 +43,9 @@ class ModuloJanelas {
   virtual bool Fotografa(Interpretador& zv, const std::string& pasta, std::string& erro) = 0;
   // The native handle of the window commands address (API's HWND).
   virtual int64_t AlcaFormAtual(Interpretador& zv) = 0;
+  // The icon of every window of the process (a built program's), as a
+  // picture file's bytes.
+  virtual void DefineIconeAplicacao(const std::string& bytes) = 0;
 };
 
 // Loads the module once; null (and `erro`) when it can't be loaded.
@@ -61,5 +64,6 @@ bool TemTela();
 
 }  // namespace zv
 
-// The module's entry point.
-extern "C" zv::ModuloJanelas* zv_modulo_janelas();
+// The module's entry point. Weak: a run-time image has the window code
+// linked in and its entry point at hand; zvrun has none and loads the module.
+extern "C" zv::ModuloJanelas* zv_modulo_janelas() __attribute__((weak));

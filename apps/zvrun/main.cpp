@@ -11,6 +11,7 @@
 #include <sstream>
 #include <string>
 
+#include "builder/embutido.h"
 #include "core/interpretador.h"
 #include "runtime/janela_host.h"
 #include "runtime/lancador.h"
@@ -145,9 +146,30 @@ int DespejaPreparado(Interpretador& zv) {
 
 }  // namespace
 
+#ifdef ZV_IMAGEM
+extern "C" const char zv_recursos[];
+
+// The program behind this executable's image, when it is a built one: its
+// codes, and a path for the run's name and folder (the executable's folder,
+// the source file's name).
+bool ProgramaEmbutido(zv::FontePrograma& fonte, std::string& caminho) {
+  std::error_code ec;
+  std::filesystem::path exe = std::filesystem::read_symlink("/proc/self/exe", ec);
+  std::string nome;
+  if (ec || !zv::LeBlocoDoArquivo(exe.string(), fonte, nome)) return false;
+  caminho = (exe.parent_path() / nome).string();
+  return true;
+}
+#endif
+
 int main(int argc, char** argv) {
   Opcoes op;
   int i = 1;
+  FontePrograma fonte;
+  bool embutido = false;
+#ifdef ZV_IMAGEM
+  embutido = ProgramaEmbutido(fonte, op.pedido.arquivo);
+#endif
   for (; i < argc; ++i) {
     std::string a = argv[i];
     if (a == "--help" || a == "-h") {
@@ -205,6 +227,10 @@ int main(int argc, char** argv) {
       break;
     } else if (a.size() > 1 && a[0] == '-') {
       return Uso("unknown option " + a);
+    } else if (embutido) {
+      // A built program's arguments are its command line.
+      if (!op.pedido.linhaComando.empty()) op.pedido.linhaComando += ' ';
+      op.pedido.linhaComando += a;
     } else if (op.pedido.arquivo.empty()) {
       op.pedido.arquivo = a;
     } else {
@@ -226,9 +252,14 @@ int main(int argc, char** argv) {
     return 2;
   }
 
-  FontePrograma fonte;
   std::string erro;
-  if (!CarregaFonte(op.pedido.arquivo, fonte, erro)) return Uso(erro);
+  if (!embutido && !CarregaFonte(op.pedido.arquivo, fonte, erro)) return Uso(erro);
+#ifdef ZV_IMAGEM
+  // The built program's own icon on all its windows.
+  std::string_view icone = zv::LeIcone(std::string_view(zv_recursos, zv::kTamanhoRecursos));
+  if (!icone.empty())
+    if (ModuloJanelas* m = CarregaModuloJanelas()) m->DefineIconeAplicacao(std::string(icone));
+#endif
 
   HostJanela host(op.headless ? HostJanela::Modo::SemTela : HostJanela::Modo::Tela);
   host.respostas = op.respostas;
