@@ -40,6 +40,7 @@
 #include "core/variaveis.h"
 #include "library/texto_qt.h"
 #include "runtime/headless_host.h"
+#include "environment/compilar.h"
 #include "environment/configuracoes.h"
 #include "environment/editor_codigo.h"
 #include "environment/interacao.h"
@@ -226,7 +227,8 @@ void JanelaCodigo::MontaMenus() {
   programa->addAction(NovaAcao("MenuDepurar", m::kMenuDepurar, {}, [this] { Depura(); }));
   programa->addAction(NovaAcao("MenuCompilar", m::kMenuCompilar, {}, [this] {
     GuardaCodigoAtual();
-    barraEstado_->setText(Tr(m::kCompilarAusente));
+    FormCompilar form(dirConfig_, interacao_, QString::fromStdString(CaminhoAtual().string()), this);
+    form.exec();
   }));
 
   QMenu* ajuda = menuBar()->addMenu(Tr(m::kMenuAjuda));

@@ -97,7 +97,24 @@ inline constexpr char kEnderecoWeb[] = "https://zarvolt.org";
 inline constexpr char kEnderecoSuporte[] = "mailto:support@zarvolt.org";
 inline constexpr char kExecutando[] = "Running";
 inline constexpr char kDepurando[] = "Debugging";
-inline constexpr char kCompilarAusente[] = "Making an executable comes in a later version of Zarvolt.";
+// FrmCompilar.
+inline constexpr char kCompilarTitulo[] = "Zarvolt - Compile programs";
+inline constexpr char kCompilarCabecalho[] = "Compile program (create an executable)";
+inline constexpr char kCompilarBotao[] = "   Create executable\r    Program!";
+inline constexpr char kCompilarSair[] = "Close";
+inline constexpr char kCompilarFonte[] = "Source program";
+inline constexpr char kCompilarExecutavel[] = "Executable file";
+inline constexpr const char* kCompilarRotulos[] = {
+    "Executable program icon", "Company owns",  "Program description", "Author's name (copyright)",
+    "Product name",            "File version",  "Vers\u00e3o do produto", "Internal name", "Original filename"};
+inline constexpr char kCompilarAguarde[] = "Wait, compiling program...";
+inline constexpr char kCompilarFiltroExe[] = "Executable program (*)";
+inline constexpr char kCompilarEscolheIcone[] = "Icon";
+inline constexpr char kCompilarFiltroIcone[] = "Icon files (*.ico *.png)";
+// The end of a build, with the executable's path between the two parts.
+inline constexpr char kCompilarFeito1[] = "The executable file ";
+inline constexpr char kCompilarFeito2[] = "\r was generated successfully!";
+inline constexpr char kCompilarErro[] = "Error when compiling program: \r\r";
 
 // ---- Workspace settings ------------------------------------------------------------
 inline constexpr char kConfigTitulo[] = "Workspace settings";
