@@ -14,6 +14,8 @@
 //       ```zarvolt ftp PORT runs the example with a small FTP server on
 //       PORT (zv_servidor_ftp, beside zvrun): user "demo", password "demo",
 //       serving a folder that holds the page files.
+//       ```zarvolt image NAME puts a copy of the run-time image of built
+//       programs (zv-runtime, beside zvrun) in the example's folder as NAME.
 //   zv_verifica_paginas words WORDS.txt PAGES_DIR [PENDING.txt]
 //       every word of the list has its page, and every page is a word of
 //       the list (the tutorial, Curso, apart). A word of PENDING.txt (one a
@@ -57,6 +59,7 @@ struct Bloco {
   bool naoRoda = false;
   bool par = false, primeiro = false;  // a peer program, started first
   int portaFtp = 0;                      // an FTP server beside it, on this port
+  QString imagem;                        // a copy of zv-runtime beside it, by this name
   QString texto;
   int linha = 0;  // of the opening fence, 1-based
 };
@@ -66,6 +69,7 @@ struct Exemplo {
   bool temEventos = false, temRespostas = false, temSaida = false, naoRoda = false;
   bool temPar = false, parPrimeiro = false;
   int portaFtp = 0;
+  QString imagem;
   int linha = 0;
 };
 
@@ -91,6 +95,7 @@ QList<Bloco> LeBlocos(const QStringList& linhas) {
     b.par = info.contains(QStringLiteral("peer"));
     b.primeiro = info.contains(QStringLiteral("first"));
     if (int k = info.indexOf(QStringLiteral("ftp")); k >= 0) b.portaFtp = info.value(k + 1).toInt();
+    if (int k = info.indexOf(QStringLiteral("image")); k >= 0) b.imagem = info.value(k + 1);
     QStringList corpo;
     for (++i; i < linhas.size() && linhas[i].trimmed() != QStringLiteral("```"); ++i) corpo << linhas[i];
     b.texto = corpo.join(u'\n');
@@ -115,6 +120,7 @@ QList<Exemplo> JuntaExemplos(const QList<Bloco>& blocos) {
       e.programa = b.texto;
       e.naoRoda = b.naoRoda;
       e.portaFtp = b.portaFtp;
+      e.imagem = b.imagem;
       e.linha = b.linha;
       exemplos << e;
       continue;
@@ -208,6 +214,11 @@ bool RodaExemplo(const QString& zvrun, const QString& rotulo, const Exemplo& e, 
   if (e.temRespostas) {
     Grava(dir + QStringLiteral("/example.answers"), e.respostas);
     args << QStringLiteral("--answers-file") << dir + QStringLiteral("/example.answers");
+  }
+  if (!e.imagem.isEmpty() &&
+      !QFile::copy(QFileInfo(zvrun).absolutePath() + QStringLiteral("/zv-runtime"), dir + u'/' + e.imagem)) {
+    Diz(rotulo + QStringLiteral(": zv-runtime isn't beside zvrun\n"));
+    return false;
   }
   // The program's own folder is the run's folder, so the files it makes
   // stay beside it and go with it.
