@@ -69,6 +69,10 @@ class Host {
   virtual bool Interativo() const { return true; }
 
   virtual Plataforma DadosPlataforma() const = 0;
+
+  // True for a run that touches no device of the machine (a headless run):
+  // its hardware ports are the run's own.
+  virtual bool SemDispositivos() const { return true; }
 };
 
 // Ids of the run window's timers.

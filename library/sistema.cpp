@@ -5,13 +5,20 @@
 // starts another program and doesn't wait for it. The start-up list is
 // the desktop's autostart folder: an entry there starts the environment
 // with the program at the next log-in, and the registry keeps its line as
-// the original's Run key did.
+// the original's Run key did. The hardware ports are /dev/port, for a
+// privileged process; a run without devices has ports of its own.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
 #include <QSaveFile>
+#include <array>
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 
 #include "builder/compilador.h"
@@ -185,9 +192,51 @@ Valor ChangeIcon(Interpretador& zv, const Texto& argumentos) {
   return Valor::TextoComAspas(ok ? msg::biblioteca::kIconeTrocado : msg::biblioteca::kIconeNaoTrocado);
 }
 
+// ---- Hardware ports ----------------------------------------------------------
+
+// The ports of a run without devices: what OutPort wrote, read back; a port
+// never written reads as a bus with nothing on it.
+struct PortasDaExecucao {
+  std::array<uint8_t, 65536> valores;
+  PortasDaExecucao() { valores.fill(0xFF); }
+};
+
+// A byte at a port through /dev/port, which only a privileged process may
+// open; false with errno set otherwise.
+bool PortaDoSistema(uint16_t porta, uint8_t& valor, bool escreve) {
+  int fd = ::open("/dev/port", escreve ? O_WRONLY : O_RDONLY);
+  if (fd < 0) return false;
+  ssize_t n = escreve ? ::pwrite(fd, &valor, 1, porta) : ::pread(fd, &valor, 1, porta);
+  int erro = errno;
+  ::close(fd);
+  errno = erro;
+  return n == 1;
+}
+
+// Port and value are 16-bit, as the platform's calls take them; a port
+// carries a byte.
+Valor Porta(Interpretador& zv, const Texto& argumentos, bool escreve) {
+  auto a = zv.SeparaArgumentos(argumentos, 3);
+  const uint16_t porta = uint16_t(zv.ValorNumerico(a[0]).ComoInt16());
+  uint8_t valor = escreve ? uint8_t(zv.ValorNumerico(a[1]).ComoInt16()) : 0;
+  if (zv.host().SemDispositivos()) {
+    auto& p = zv.Estado<PortasDaExecucao>().valores;
+    if (escreve) p[porta] = valor;
+    else valor = p[porta];
+  } else if (!PortaDoSistema(porta, valor, escreve)) {
+    throw FalhaHost(errno == EACCES || errno == EPERM ? Texto(falha::PermissaoNegada) : U(std::strerror(errno)));
+  }
+  return escreve ? Valor() : Valor::DeInt16(int16_t(valor));
+}
+
+Valor OutPort(Interpretador& zv, const Texto& argumentos) { return Porta(zv, argumentos, true); }
+Valor Inport(Interpretador& zv, const Texto& argumentos) { return Porta(zv, argumentos, false); }
+
 }  // namespace
 
 void RegistraSistema() {
+  Comandos().Define(u"OutPort", OutPort);
+  Comandos().Define(u"Inport", Inport);
   Comandos().Define(u"ChangeIcon", ChangeIcon);
   Comandos().Define(u"GetWinReg", GetWinReg);
   Comandos().Define(u"SaveWinReg", SaveWinReg);

@@ -32,6 +32,7 @@ class HostJanela : public HostConsole {
   // The run whose windows this host shows; set before the run starts.
   void Liga(Interpretador* zv) { zv_ = zv; }
   bool SemTela() const { return modo_ == Modo::SemTela; }
+  bool SemDispositivos() const override { return SemTela(); }
 
   // --events: the user's actions, one at a pump. Null: none.
   std::unique_ptr<RoteiroEventos> roteiro;
