@@ -156,7 +156,17 @@ bool ProgramaEmbutido(zv::FontePrograma& fonte, std::string& caminho) {
   std::error_code ec;
   std::filesystem::path exe = std::filesystem::read_symlink("/proc/self/exe", ec);
   std::string nome;
-  if (ec || !zv::LeBlocoDoArquivo(exe.string(), fonte, nome)) return false;
+  if (ec) return false;
+  if (!zv::LeBlocoDoArquivo(exe.string(), fonte, nome)) {
+    // Something behind the image that isn't a sound program: damaged, and
+    // not run.
+    if (zv::TemBloco(exe.string())) {
+      std::fprintf(stderr, "%s: the program inside this file is damaged; make it again with Compile\n",
+                   exe.filename().c_str());
+      std::exit(1);
+    }
+    return false;
+  }
   caminho = (exe.parent_path() / nome).string();
   return true;
 }
