@@ -21,9 +21,6 @@ bool PoeNaImagem(SistemaJanelas& s, QWidget* w, const Texto& nome);
 
 namespace {
 
-// The surface grows no larger than a window's does.
-constexpr int kMaiorTela = 4096;
-
 class Imagem : public QWidget, public Superficie {
  public:
   explicit Imagem(QWidget* pai) : QWidget(pai) {
@@ -37,13 +34,7 @@ class Imagem : public QWidget, public Superficie {
   int mouseX = 0, mouseY = 0, mouseBotao = 0;
 
   QImage& Tela() override {
-    const int w = std::min(width(), kMaiorTela), h = std::min(height(), kMaiorTela);
-    if (tela_.width() < w || tela_.height() < h) {
-      QImage maior(std::max(tela_.width(), w), std::max(tela_.height(), h), QImage::Format_ARGB32_Premultiplied);
-      maior.fill(Qt::transparent);
-      QPainter(&maior).drawImage(0, 0, tela_);
-      tela_ = std::move(maior);
-    }
+    Cresce(tela_, width(), height());
     return tela_;
   }
   void MostraTela(const QRect& r) override { update(r); }
@@ -58,14 +49,7 @@ class Imagem : public QWidget, public Superficie {
     QImage v = Visto();
     return v.rect().contains(p) ? v.pixelColor(p) : fundo;
   }
-  void Escreve(const QString& texto, int x, int y) override {
-    QPainter p(&Tela());
-    p.setFont(font());
-    p.setPen(corFrente);
-    QFontMetrics fm(font());
-    p.drawText(QPoint(x, y + fm.ascent()), texto);
-    update(QRect(x, y, fm.horizontalAdvance(texto) + 2, fm.height() + 1));
-  }
+  void Escreve(const QString& texto, int x, int y) override { update(DesenhaTexto(Tela(), font(), corFrente, texto, x, y)); }
   void Limpa() override {
     tela_.fill(Qt::transparent);
     update();

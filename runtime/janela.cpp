@@ -123,27 +123,11 @@ QImage JanelaExecucao::Visto() {
   return visto;
 }
 
-void JanelaExecucao::CresceTela() {
-  // The surface goes no larger than the original's persistent picture
-  // could: a window made absurdly large draws only on its first 4096 pixels.
-  constexpr int kMaior = 4096;
-  const int w = std::min(width(), kMaior), h = std::min(height(), kMaior);
-  if (tela_.width() < w || tela_.height() < h) {
-    QImage maior(std::max(tela_.width(), w), std::max(tela_.height(), h), QImage::Format_ARGB32_Premultiplied);
-    maior.fill(Qt::transparent);
-    QPainter(&maior).drawImage(0, 0, tela_);
-    tela_ = std::move(maior);
-  }
-}
+void JanelaExecucao::CresceTela() { Cresce(tela_, width(), height()); }
 
 void JanelaExecucao::Escreve(const QString& texto, int x, int y) {
   CresceTela();
-  QPainter p(&tela_);
-  p.setFont(font());
-  p.setPen(corFrente);
-  QFontMetrics fm(font());
-  p.drawText(QPoint(x, y + fm.ascent()), texto);
-  update(QRect(x, y, fm.horizontalAdvance(texto) + 2, fm.height() + 1));
+  update(DesenhaTexto(tela_, font(), corFrente, texto, x, y));
 }
 
 void JanelaExecucao::Limpa() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QColor>
+#include <QFont>
 #include <QImage>
 #include <QPoint>
 #include <QRect>
@@ -28,6 +29,14 @@ class Superficie {
 
   int larguraPena = 1;          // DrawWidth
   QColor corFrente{Qt::black};  // ForeColor
+
+ protected:
+  // The drawing grown to w by h, keeping what it holds; no larger than the
+  // original's persistent picture could be: a surface made absurdly large
+  // draws only on its first 4096 pixels.
+  static void Cresce(QImage& tela, int w, int h);
+  // Text on the drawing, its top-left at x, y; the part it covers.
+  static QRect DesenhaTexto(QImage& tela, const QFont& fonte, const QColor& cor, const QString& texto, int x, int y);
 };
 
 }  // namespace zv
