@@ -166,12 +166,12 @@ bool FormCompilar::Compila() {
     // The panel stays up, as what was made so far stays on the disk.
     QString texto = Tr(m::kCompilarErro) + QString::number(f.numero) + QStringLiteral(" - ") +
                     QString::fromStdString(f.descricao);
-    interacao_.Avisa(this, windowTitle(), texto.replace(u'\r', u'\n'));
+    interacao_.AvisaErro(this, windowTitle(), texto.replace(u'\r', u'\n'));
     return false;
   }
   aviso_->hide();
   QString texto = Tr(m::kCompilarFeito1) + Campo(kExe)->text() + Tr(m::kCompilarFeito2);
-  interacao_.Avisa(this, windowTitle(), texto.replace(u'\r', u'\n'));
+  interacao_.Informa(this, windowTitle(), texto.replace(u'\r', u'\n'));
   return true;
 }
 

@@ -17,6 +17,12 @@ class InteracaoTela : public Interacao {
     auto r = QMessageBox::question(pai, titulo, texto, botoes, simNao ? QMessageBox::Yes : QMessageBox::Ok);
     return r == QMessageBox::Yes || r == QMessageBox::Ok;
   }
+  void Informa(QWidget* pai, const QString& titulo, const QString& texto) override {
+    QMessageBox::information(pai, titulo, texto);
+  }
+  void AvisaErro(QWidget* pai, const QString& titulo, const QString& texto) override {
+    QMessageBox::critical(pai, titulo, texto);
+  }
   void Avisa(QWidget* pai, const QString& titulo, const QString& texto) override {
     QMessageBox::warning(pai, titulo, texto);
   }

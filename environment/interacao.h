@@ -20,6 +20,10 @@ class Interacao {
   // Yes/No, or OK/Cancel: true for Yes or OK.
   virtual bool Pergunta(QWidget* pai, const QString& titulo, const QString& texto, bool simNao) = 0;
   virtual void Avisa(QWidget* pai, const QString& titulo, const QString& texto) = 0;
+  // A notice of something done, under the information sign; and of a
+  // failure that stopped a task, under the stop sign. Both are notices.
+  virtual void Informa(QWidget* pai, const QString& titulo, const QString& texto) { Avisa(pai, titulo, texto); }
+  virtual void AvisaErro(QWidget* pai, const QString& titulo, const QString& texto) { Avisa(pai, titulo, texto); }
   // The file dialogues: the chosen path, or nothing when cancelled.
   virtual std::optional<QString> EscolheArquivo(QWidget* pai, bool salvar, const QString& titulo,
                                                 const QString& filtro, const QString& pasta,
