@@ -34,4 +34,7 @@ void Compila(const PedidoCompilacao& pedido);
 // executable has no icon area, or the icon doesn't fit.
 bool TrocaIconeDoArquivo(const std::string& icone, const std::string& executavel);
 
+// ChangeIcon into the keyword table.
+void RegistraBuilder();
+
 }  // namespace zv

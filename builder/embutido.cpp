@@ -9,19 +9,10 @@ namespace zv {
 
 namespace {
 
-std::string Cp(TextoV t) { return ParaCp1252(t); }
-
 // The part of a path behind its last separator.
 std::string_view UltimaParte(std::string_view caminho) {
   size_t p = caminho.find_last_of("\\/");
   return p == std::string_view::npos ? caminho : caminho.substr(p + 1);
-}
-
-std::string Maiusculas1252(std::string_view s) {
-  std::string r(s);
-  for (char& c : r)
-    if (c >= 'a' && c <= 'z') c = char(c - 32);
-  return r;
 }
 
 uint64_t Le(std::string_view b, size_t pos, size_t tamanho) {
@@ -46,23 +37,36 @@ bool Espera(std::string_view b, size_t& pos, std::string_view marca) {
   return true;
 }
 
+// Where a file's ELF image ends (its section headers close it) and the
+// file's size; false when it isn't a 64-bit ELF file or can't be read.
+bool FimDaImagem(std::ifstream& f, uint64_t& fim, uint64_t& tamanho) {
+  std::string cabecalho(64, '\0');
+  if (!f.read(cabecalho.data(), 64)) return false;
+  std::string_view h(cabecalho);
+  if (h.substr(0, 4) != "\x7f" "ELF" || h[4] != 2) return false;
+  fim = Le(h, 0x28, 8) + Le(h, 0x3A, 2) * Le(h, 0x3C, 2);
+  f.seekg(0, std::ios::end);
+  tamanho = uint64_t(f.tellg());
+  return fim <= tamanho;
+}
+
 }  // namespace
 
 std::string MontaPrograma(const FontePrograma& fonte) {
-  std::string p = Embaralha(Cp(fonte.textos[0]));
+  std::string p = Embaralha(ParaCp1252(fonte.textos[0]));
   p += kFimCodigo;
   for (size_t i = 1; i <= 6; ++i) {
     if (fonte.textos[i].empty()) continue;
-    p += Embaralha(Cp(fonte.nomes[i - 1]));
+    p += Embaralha(ParaCp1252(fonte.nomes[i - 1]));
     p += kFimNomeCodigo;
-    p += Embaralha(Cp(fonte.textos[i]));
+    p += Embaralha(ParaCp1252(fonte.textos[i]));
     p += kFimCodigo;
   }
   return p;
 }
 
 std::string MontaBloco(const FontePrograma& fonte, std::string_view caminhoFonte) {
-  std::string nome = Maiusculas1252(UltimaParte(caminhoFonte));
+  std::string nome = ParaCp1252(Maiusculas(U(UltimaParte(caminhoFonte))));
   std::string b(kInicioBloco);
   b += nome.substr(0, nome.size() >= 4 ? nome.size() - 4 : 0);
   b += kFimNome;
@@ -72,43 +76,16 @@ std::string MontaBloco(const FontePrograma& fonte, std::string_view caminhoFonte
   return b;
 }
 
-uint64_t FimDaImagem(std::string_view a) {
-  if (a.size() < 64 || a.substr(0, 4) != "\x7f" "ELF" || a[4] != 2) return 0;
-  uint64_t inicioSecoes = Le(a, 0x28, 8);
-  uint64_t tamanhoSecao = Le(a, 0x3A, 2), secoes = Le(a, 0x3C, 2);
-  uint64_t fim = inicioSecoes + tamanhoSecao * secoes;
-  return fim <= a.size() ? fim : 0;
-}
-
-bool LeBloco(std::string_view a, FontePrograma& fonte, std::string& nomeArquivo) {
-  uint64_t inicio = FimDaImagem(a);
-  if (inicio == 0 || inicio >= a.size()) return false;
-  return LeSoBloco(a.substr(inicio), fonte, nomeArquivo);
-}
-
 bool TemBloco(const std::string& caminho) {
   std::ifstream f(caminho, std::ios::binary);
-  std::string cabecalho(64, '\0');
-  if (!f.read(cabecalho.data(), 64)) return false;
-  f.seekg(0, std::ios::end);
-  const uint64_t tamanho = uint64_t(f.tellg());
-  std::string_view h(cabecalho);
-  if (h.substr(0, 4) != "\x7f" "ELF" || h[4] != 2) return false;
-  return Le(h, 0x28, 8) + Le(h, 0x3A, 2) * Le(h, 0x3C, 2) < tamanho;
+  uint64_t fim = 0, tamanho = 0;
+  return FimDaImagem(f, fim, tamanho) && fim < tamanho;
 }
 
 bool LeBlocoDoArquivo(const std::string& caminho, FontePrograma& fonte, std::string& nomeArquivo) {
   std::ifstream f(caminho, std::ios::binary);
-  std::string cabecalho(64, '\0');
-  if (!f.read(cabecalho.data(), 64)) return false;
-  f.seekg(0, std::ios::end);
-  const uint64_t tamanho = uint64_t(f.tellg());
-  // The header's own count of the image, checked against the file's size.
-  cabecalho.resize(64);
-  std::string_view h(cabecalho);
-  if (h.substr(0, 4) != "\x7f" "ELF" || h[4] != 2) return false;
-  uint64_t fim = Le(h, 0x28, 8) + Le(h, 0x3A, 2) * Le(h, 0x3C, 2);
-  if (fim >= tamanho) return false;
+  uint64_t fim = 0, tamanho = 0;
+  if (!FimDaImagem(f, fim, tamanho) || fim == tamanho) return false;
   std::string bloco(tamanho - fim, '\0');
   f.seekg(std::streamoff(fim));
   if (!f.read(bloco.data(), std::streamsize(bloco.size()))) return false;

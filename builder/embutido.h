@@ -31,17 +31,14 @@ std::string MontaPrograma(const FontePrograma& fonte);
 // The whole block for a source file's name (a path: only its last part counts).
 std::string MontaBloco(const FontePrograma& fonte, std::string_view caminhoFonte);
 
-// The block behind an executable's image: the image ends where its ELF
-// section headers end. False when there is none, or it can't be read.
-bool LeBloco(std::string_view arquivo, FontePrograma& fonte, std::string& nomeArquivo);
-// The same from a file, reading only its header and what lies behind the image.
+// The block behind an executable's image (the image ends where its ELF
+// section headers end), reading only the file's header and what lies
+// behind the image. False when there is none, or it can't be read.
 bool LeBlocoDoArquivo(const std::string& caminho, FontePrograma& fonte, std::string& nomeArquivo);
 // Whether anything lies behind a file's ELF image (a block, sound or not).
 bool TemBloco(const std::string& caminho);
 // A block by itself, from its start marker.
 bool LeSoBloco(std::string_view bloco, FontePrograma& fonte, std::string& nomeArquivo);
-// Where the ELF image of a file's bytes ends; 0 when they aren't ELF.
-uint64_t FimDaImagem(std::string_view arquivo);
 
 // ---- The run-time image's resources ---------------------------------------------
 

@@ -203,6 +203,7 @@ void ConjuntoSQL::Abre(const Texto& sql, const ConexaoSQL& conexao, int cursor, 
     l.mudou.assign(size_t(r.count()), false);
     linhas_.push_back(std::move(l));
   }
+  vivas_ = int32_t(linhas_.size());
   if (q.lastError().isValid()) FalhaDe(q.lastError());
 
   tabela_ = q.isSelect() ? TabelaDoSelect(texto) : QString();
@@ -233,6 +234,7 @@ void ConjuntoSQL::Fecha() {
   GravaPendente();
   aberto_ = false;
   linhas_.clear();
+  vivas_ = 0;
   nomes_.clear();
 }
 
@@ -259,11 +261,7 @@ int ConjuntoSQL::AnteriorViva(int i) const {
   return i;
 }
 
-int32_t ConjuntoSQL::RecordCount() const {
-  int32_t n = 0;
-  for (const Linha& l : linhas_) n += l.apagada ? 0 : 1;
-  return n;
-}
+int32_t ConjuntoSQL::RecordCount() const { return vivas_; }
 
 bool ConjuntoSQL::Eof() const { return pos_ >= int(linhas_.size()) || RecordCount() == 0; }
 bool ConjuntoSQL::Bof() const { return pos_ < 0 || RecordCount() == 0; }
@@ -307,6 +305,7 @@ void ConjuntoSQL::AddNew() {
   l.mudou.assign(size_t(nomes_.size()), false);
   l.nova = true;
   linhas_.push_back(std::move(l));
+  ++vivas_;
   pos_ = int(linhas_.size()) - 1;
   editando_ = true;
 }
@@ -352,6 +351,7 @@ void ConjuntoSQL::GravaPendente() {
     // move: the row reads as it was read, a new one is gone.
     if (l.nova) {
       l.apagada = true;
+      --vivas_;
     } else {
       l.valores = l.originais;
       std::fill(l.mudou.begin(), l.mudou.end(), false);
@@ -445,6 +445,7 @@ void ConjuntoSQL::Delete() {
   }
   // The pointer stays on the deleted row until the next move.
   l.apagada = true;
+  --vivas_;
   editando_ = false;
 }
 
@@ -490,19 +491,19 @@ CriterioBusca LeCriterio(const Texto& texto) {
     if (!ok) Falha(erro_sql::kArgumentos, msg::dados::kTextoArgumentos);
     c.valor = x;
   }
-  if (c.operador == u"LIKE" && c.valor.typeId() != QMetaType::QString) Falha(erro_sql::kArgumentos, msg::dados::kTextoArgumentos);
+  if (c.operador == u"LIKE") {
+    if (c.valor.typeId() != QMetaType::QString) Falha(erro_sql::kArgumentos, msg::dados::kTextoArgumentos);
+    // * and % stand for any run of characters.
+    QString padrao = QRegularExpression::escape(c.valor.toString());
+    padrao.replace(u"\\*"_s, u".*"_s).replace(u"\\%"_s, u".*"_s);
+    c.padrao = QRegularExpression(QRegularExpression::anchoredPattern(padrao), QRegularExpression::CaseInsensitiveOption);
+  }
   return c;
 }
 
 bool CriterioBusca::Aceita(const QVariant& v) const {
   if (v.isNull()) return false;
-  if (operador == u"LIKE") {
-    // * and % stand for any run of characters.
-    QString padrao = QRegularExpression::escape(valor.toString());
-    padrao.replace(u"\\*"_s, u".*"_s).replace(u"\\%"_s, u".*"_s);
-    QRegularExpression r(QRegularExpression::anchoredPattern(padrao), QRegularExpression::CaseInsensitiveOption);
-    return r.match(v.toString()).hasMatch();
-  }
+  if (operador == u"LIKE") return padrao.match(v.toString()).hasMatch();
   int cmp = 0;
   bool feito = false;
   if (valor.typeId() == QMetaType::Double) {

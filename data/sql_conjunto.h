@@ -5,6 +5,7 @@
 // the one table its SELECT reads. Needs no interpreter.
 #pragma once
 
+#include <QRegularExpression>
 #include <QString>
 #include <QVariant>
 #include <QVector>
@@ -133,6 +134,7 @@ class ConjuntoSQL {
   QVector<QString> nomes_;  // field names as the set gives them
   QVector<int> chave_;      // fields that find a row again: the primary key, else all
   std::vector<Linha> linhas_;
+  int32_t vivas_ = 0;  // the rows not deleted: RecordCount
   int pos_ = 0;  // -1 before the first row, linhas_.size() after the last
   bool editando_ = false;
 };
@@ -143,6 +145,7 @@ struct CriterioBusca {
   QString campo;
   QString operador;  // upper case
   QVariant valor;
+  QRegularExpression padrao;  // LIKE's, made once for the whole search
   bool Aceita(const QVariant& v) const;
 };
 CriterioBusca LeCriterio(const Texto& texto);

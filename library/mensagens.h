@@ -39,9 +39,4 @@ inline constexpr char16_t kContainerCheio[] = u"The container is full: it holds 
 // own Portuguese (sic).
 inline constexpr char16_t kEntradaNaoEncontrada[] = u"Arquivo não encontrado!";
 
-// ---- ChangeIcon -------------------------------------------------------------
-
-inline constexpr char16_t kIconeTrocado[] = u"Icon changed successfully!";
-inline constexpr char16_t kIconeNaoTrocado[] = u"An error occurred while trying to change the icon!";
-
 }  // namespace zv::msg::biblioteca

@@ -21,7 +21,6 @@
 #include <cstring>
 #include <filesystem>
 
-#include "builder/compilador.h"
 #include "core/interpretador.h"
 #include "library/arquivos.h"
 #include "library/biblioteca.h"
@@ -182,16 +181,6 @@ Valor Call(Interpretador& zv, const Texto& argumentos) {
   return Valor::TextoComAspas(msg::Formata(msg::biblioteca::kErroAoChamar, u"53", falha::ArquivoNaoEncontrado));
 }
 
-// ChangeIcon IconFile, Executable: the icon of a program the builder made,
-// written in place. Failures show nothing: the result says how it went.
-Valor ChangeIcon(Interpretador& zv, const Texto& argumentos) {
-  auto a = zv.SeparaArgumentos(argumentos, 3);
-  const Texto icone = ResolveArquivo(zv, ArgT(zv, a, 0));
-  const Texto executavel = ResolveArquivo(zv, ArgT(zv, a, 1));
-  bool ok = !icone.empty() && !executavel.empty() && TrocaIconeDoArquivo(Utf8(icone), Utf8(executavel));
-  return Valor::TextoComAspas(ok ? msg::biblioteca::kIconeTrocado : msg::biblioteca::kIconeNaoTrocado);
-}
-
 // ---- Hardware ports ----------------------------------------------------------
 
 // The ports of a run without devices: what OutPort wrote, read back; a port
@@ -237,7 +226,6 @@ Valor Inport(Interpretador& zv, const Texto& argumentos) { return Porta(zv, argu
 void RegistraSistema() {
   Comandos().Define(u"OutPort", OutPort);
   Comandos().Define(u"Inport", Inport);
-  Comandos().Define(u"ChangeIcon", ChangeIcon);
   Comandos().Define(u"GetWinReg", GetWinReg);
   Comandos().Define(u"SaveWinReg", SaveWinReg);
   Comandos().Define(u"Call", Call);

@@ -41,6 +41,26 @@ size_t GuardaResposta(char* dados, size_t tamanho, size_t n, void* alvo) {
   return tamanho * n;
 }
 
+// What a download writes: the bytes at their place in the file to be, the
+// first failure kept (it can't cross libcurl), which stops the transfer.
+struct Recebido {
+  ArquivoTemporario* arquivo;
+  int64_t posicao = 0;
+  Texto falha;
+};
+
+size_t GuardaRecebido(char* dados, size_t tamanho, size_t n, void* alvo) {
+  auto* r = static_cast<Recebido*>(alvo);
+  try {
+    r->arquivo->Grava(std::string_view(dados, tamanho * n), r->posicao);
+    r->posicao += int64_t(tamanho * n);
+    return tamanho * n;
+  } catch (const FalhaHost& f) {
+    r->falha = f.descricao;
+    return 0;
+  }
+}
+
 // Each part of a remote path escaped for the address; its "/" kept.
 std::string CaminhoRemoto(CURL* c, const std::string& remoto) {
   std::string r;
@@ -109,16 +129,13 @@ Texto Transfere(Interpretador& zv, Curl& t) {
     // always seen it: the whole second passes (the transfer going on all
     // the while), then the window's turn, then the look.
     auto fim = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+    // (Once the transfer is over, the poll has nothing to wake it: it
+    // waits out the second.)
     for (;;) {
       auto falta = std::chrono::duration_cast<std::chrono::milliseconds>(fim - std::chrono::steady_clock::now());
       if (falta.count() <= 0) break;
-      if (!feito) {
-        curl_multi_poll(t.m, nullptr, 0, int(falta.count()), nullptr);
-        int correndo = 0;
-        curl_multi_perform(t.m, &correndo);
-      } else {
-        zv.host().Dorme(int(falta.count()));
-      }
+      curl_multi_poll(t.m, nullptr, 0, int(falta.count()), nullptr);
+      Acabou();
     }
     zv.Bombeia();
     if (!zv.executando) return msg::rede::kInterrompida;
@@ -136,7 +153,7 @@ EstadoFTP& Conexao(Interpretador& zv) {
 }
 
 void Prepara(Curl& t, const EstadoFTP& e, const Texto& remoto) {
-  if (!t.c || !t.m) throw FalhaHost(u"libcurl can't start");
+  if (!t.c || !t.m) throw FalhaHost(msg::rede::kSemLibcurl);
   std::string url = Endereco(t.c, e, remoto);
   curl_easy_setopt(t.c, CURLOPT_URL, url.c_str());
   curl_easy_setopt(t.c, CURLOPT_USERNAME, e.usuario.c_str());
@@ -162,24 +179,15 @@ Valor DownFileFTP(Interpretador& zv, const Texto& args) {
   Prepara(t, e, remoto);
   // Into a file beside the local one, which takes its place only when the
   // whole file has come: a failed transfer leaves the old one as it was.
-  fs::path destino = CaminhoSistema(CaminhoNoPrograma(local, zv.dirPrograma));
-  fs::path parcial = destino;
-  parcial += ".part";
-  std::unique_ptr<FILE, int (*)(FILE*)> f(std::fopen(parcial.c_str(), "wb"), std::fclose);
-  if (!f) FalhaArquivo(errno, parcial);
-  curl_easy_setopt(t.c, CURLOPT_WRITEDATA, f.get());
+  ArquivoTemporario arquivo(CaminhoSistema(CaminhoNoPrograma(local, zv.dirPrograma)));
+  Recebido recebido{&arquivo};
+  curl_easy_setopt(t.c, CURLOPT_WRITEFUNCTION, GuardaRecebido);
+  curl_easy_setopt(t.c, CURLOPT_WRITEDATA, &recebido);
   Texto resposta = Transfere(zv, t);
+  if (!recebido.falha.empty()) throw FalhaHost(recebido.falha);
   long codigo = 0;
   curl_easy_getinfo(t.c, CURLINFO_RESPONSE_CODE, &codigo);
-  bool ok = std::fflush(f.get()) == 0 && codigo / 100 == 2;
-  f.reset();
-  std::error_code ec;
-  if (ok && !resposta.empty() && (resposta[0] == u'2' || resposta[0] == u'1')) {
-    fs::rename(parcial, destino, ec);
-    if (ec) FalhaArquivo(ec.value(), destino);
-  } else {
-    fs::remove(parcial, ec);
-  }
+  if (codigo / 100 == 2 && !resposta.empty() && (resposta[0] == u'2' || resposta[0] == u'1')) arquivo.Confirma();
   return Valor::TextoComAspas(resposta);
 }
 

@@ -34,33 +34,33 @@ struct EstadoAPI {
   std::vector<Texto> argumentos;  // ApiArgumentos, kept after the call
 };
 
-// A library name as a program of the original platform writes it ("user32",
-// "mylib.dll") or as this one does ("libm.so.6", a path): the candidates to
-// load, in order.
-std::vector<std::string> Candidatas(Interpretador& zv, const Texto& nome) {
-  std::vector<std::string> c;
+// A library as a program of the original platform names it ("user32",
+// "mylib.dll") or as this one does ("libm.so.6", a path), loaded: beside
+// the program first, then as named, then as the system names libraries;
+// the folders are looked through only when nothing else loaded.
+void* CarregaBiblioteca(Interpretador& zv, const Texto& nome) {
+  auto tenta = [](const std::string& c) { return dlopen(c.c_str(), RTLD_NOW | RTLD_LOCAL); };
   Texto beside = ResolveArquivo(zv, nome);
-  if (!beside.empty()) c.push_back(Utf8(beside));
+  if (!beside.empty())
+    if (void* m = tenta(Utf8(beside))) return m;
   std::string n = Utf8(CaminhoPlataforma(nome));
-  c.push_back(n);
-  if (n.find('/') != std::string::npos) return c;
+  if (void* m = tenta(n)) return m;
+  if (n.find('/') != std::string::npos) return nullptr;
   std::string base = n;
   if (base.size() > 4 && Utf8(Maiusculas(Texto(nome.end() - 4, nome.end()))) == ".DLL")
     base = base.substr(0, base.size() - 4);
-  if (base.find(".so") == std::string::npos) {
-    std::string lib = base.rfind("lib", 0) == 0 ? base : "lib" + base;
-    c.push_back(lib + ".so");
-    // A library without its development link has only versioned names.
-    namespace fs = std::filesystem;
-    for (const char* pasta : {"/lib/x86_64-linux-gnu", "/usr/lib/x86_64-linux-gnu", "/usr/lib64", "/usr/lib", "/lib"}) {
-      std::error_code ec;
-      for (const auto& e : fs::directory_iterator(pasta, ec)) {
-        std::string f = e.path().filename().string();
-        if (f.rfind(lib + ".so.", 0) == 0) c.push_back(e.path().string());
-      }
-    }
+  if (base.find(".so") != std::string::npos) return nullptr;
+  std::string lib = base.rfind("lib", 0) == 0 ? base : "lib" + base;
+  if (void* m = tenta(lib + ".so")) return m;
+  // A library without its development link has only versioned names.
+  namespace fs = std::filesystem;
+  for (const char* pasta : {"/lib/x86_64-linux-gnu", "/usr/lib/x86_64-linux-gnu", "/usr/lib64", "/usr/lib", "/lib"}) {
+    std::error_code ec;
+    for (const auto& e : fs::directory_iterator(pasta, ec))
+      if (e.path().filename().string().rfind(lib + ".so.", 0) == 0)
+        if (void* m = tenta(e.path().string())) return m;
   }
-  return c;
+  return nullptr;
 }
 
 void CaixaChamada(Interpretador& zv, const Texto& titulo, const Texto& texto) {
@@ -81,9 +81,7 @@ bool LeNumero(const Texto& t, int32_t& numero) {
 
 int32_t Chama(Interpretador& zv, EstadoAPI& e) {
   // Loaded anew at each call, so a second Execute needs only the names.
-  void* modulo = nullptr;
-  for (const std::string& c : Candidatas(zv, e.biblioteca))
-    if ((modulo = dlopen(c.c_str(), RTLD_NOW | RTLD_LOCAL))) break;
+  void* modulo = CarregaBiblioteca(zv, e.biblioteca);
   if (!modulo) {
     CaixaChamada(zv, msg::api::kTituloFalha, msg::Formata(msg::api::kSemBiblioteca, e.biblioteca));
     return 0;

@@ -831,61 +831,76 @@ bool SistemaJanelas::MembroTexto(int slot, const Texto& prop, const std::vector<
 
 // ---- The commands ----------------------------------------------------------------
 
-namespace {
-
-Valor Controle(Interpretador& zv, const Texto& argumentos, TipoControle tipo) {
+Valor ComandoDeControle(Interpretador& zv, const Texto& argumentos, TipoControle tipo, const FormasDeControle& f) {
   bool numerico = false;
   // Read through Arg, which gives an empty text past the last.
   std::vector<Texto> a = zv.SeparaArgumentos(argumentos, 51, true, numerico, true);
   SistemaJanelas& s = Janelas(zv);
   s.LimpaDescartados();
   Texto primeiro = Apara(Arg(a, 0));
-  if (primeiro.find(u'.') == NPOS) {
-    if (primeiro.empty()) return Valor();
-    switch (tipo) {
-      case TipoControle::Botao:
-        return s.CriaBotao(a);
-      case TipoControle::Texto:
-        return s.CriaTexto(a);
-      case TipoControle::Rotulo:
-        return s.CriaRotulo(a);
-      case TipoControle::Check:
-      case TipoControle::Radio:
-        return s.CriaMarca(tipo, a);
-      case TipoControle::Combo:
-        return s.CriaCombo(a);
-      case TipoControle::Frame:
-        return s.CriaFrame(a);
-      case TipoControle::Barra:
-        return s.CriaBarra(a);
-      case TipoControle::Mascara:
-        return s.CriaMascara(a);
-      case TipoControle::Moeda:
-        return s.CriaMoeda(a);
-      case TipoControle::Calendario:
-        return s.CriaCalendario(a);
-      case TipoControle::Box:
-        return s.CriaBox(a);
-      default:
-        return Valor();
-    }
+  if (primeiro.empty()) return Valor();
+  if (primeiro.find(u'.') == NPOS) return f.cria(s, a);
+  Texto nome = NomeDoMembro(zv, primeiro);
+  int slot = s.controles[static_cast<size_t>(tipo)].Acha(Maiusculas(nome));
+  if (slot < 0) {
+    if (f.semControle) f.semControle(nome);
+    return Valor();
   }
-  TabelaControles& t = s.controles[static_cast<size_t>(tipo)];
-  int slot = t.Acha(Maiusculas(NomeDoMembro(zv, primeiro)));
-  if (slot < 0) return Valor();
   if (Contem(primeiro, u"Remove")) {
+    if (f.aoRemover) f.aoRemover(s, slot);
     s.LiberaControle(tipo, slot, slot > 0);
     return Valor();
   }
-  // Without "=", .TextRTF is a result: Text(Name.TextRTF).
-  if (tipo == TipoControle::Texto && Arg(a, 1) != u"=" &&
-      Contem(Maiusculas(primeiro), u".TEXTRTF")) {
-    auto* rico = dynamic_cast<QTextEdit*>(t.instancias[static_cast<size_t>(slot)].data());
-    return Valor::TextoComAspas(rico ? DeCp1252(EscreveRtf(*rico->document())) : Texto());
+  return f.membro(s, slot, a);
+}
+
+namespace {
+
+Valor CriaControle(SistemaJanelas& s, TipoControle tipo, const std::vector<Texto>& a) {
+  switch (tipo) {
+    case TipoControle::Botao:
+      return s.CriaBotao(a);
+    case TipoControle::Texto:
+      return s.CriaTexto(a);
+    case TipoControle::Rotulo:
+      return s.CriaRotulo(a);
+    case TipoControle::Check:
+    case TipoControle::Radio:
+      return s.CriaMarca(tipo, a);
+    case TipoControle::Combo:
+      return s.CriaCombo(a);
+    case TipoControle::Frame:
+      return s.CriaFrame(a);
+    case TipoControle::Barra:
+      return s.CriaBarra(a);
+    case TipoControle::Mascara:
+      return s.CriaMascara(a);
+    case TipoControle::Moeda:
+      return s.CriaMoeda(a);
+    case TipoControle::Calendario:
+      return s.CriaCalendario(a);
+    case TipoControle::Box:
+      return s.CriaBox(a);
+    default:
+      return Valor();
   }
-  if (tipo == TipoControle::Box) return s.MembroBox(slot, a);
-  s.Membro(tipo, slot, a);
-  return Valor();
+}
+
+Valor Controle(Interpretador& zv, const Texto& argumentos, TipoControle tipo) {
+  FormasDeControle f;
+  f.cria = [tipo](SistemaJanelas& s, const std::vector<Texto>& a) { return CriaControle(s, tipo, a); };
+  f.membro = [tipo](SistemaJanelas& s, int slot, const std::vector<Texto>& a) {
+    Texto primeiro = Apara(Arg(a, 0));
+    // Without "=", .TextRTF is a result: Text(Name.TextRTF).
+    if (tipo == TipoControle::Texto && Arg(a, 1) != u"=" && Contem(Maiusculas(primeiro), u".TEXTRTF")) {
+      auto* rico = dynamic_cast<QTextEdit*>(s.controles[static_cast<size_t>(tipo)].instancias[size_t(slot)].data());
+      return Valor::TextoComAspas(rico ? DeCp1252(EscreveRtf(*rico->document())) : Texto());
+    }
+    if (tipo == TipoControle::Box) return s.MembroBox(slot, a);
+    s.Membro(tipo, slot, a);
+    return Valor();
+  };
+  return ComandoDeControle(zv, argumentos, tipo, f);
 }
 
 Valor CmdButton(Interpretador& zv, const Texto& a) { return Controle(zv, a, TipoControle::Botao); }

@@ -94,23 +94,15 @@ void MembroPicture(Interpretador& zv, SistemaJanelas& s, Sprite* sp, const std::
 }
 
 Valor CmdPicture(Interpretador& zv, const Texto& argumentos) {
-  std::vector<Texto> a = zv.SeparaArgumentos(argumentos, 51, true);
-  SistemaJanelas& s = Janelas(zv);
-  s.LimpaDescartados();
-  Texto primeiro = Apara(Arg(a, 0));
-  if (primeiro.find(u'.') == Texto::npos) return primeiro.empty() ? Valor() : CriaPicture(zv, s, a);
-  TabelaControles& t = Tabela(s);
-  int slot = t.Acha(Maiusculas(NomeDoMembro(zv, primeiro)));
-  if (slot < 0) {
-    zv.ErroExecucao(msg::SpriteInexistente);
+  FormasDeControle f;
+  f.cria = [&zv](SistemaJanelas& s, const std::vector<Texto>& a) { return CriaPicture(zv, s, a); };
+  f.membro = [&zv](SistemaJanelas& s, int slot, const std::vector<Texto>& a) {
+    if (auto* sp = static_cast<Sprite*>(Tabela(s).instancias[size_t(slot)].data())) MembroPicture(zv, s, sp, a);
     return Valor();
-  }
-  if (Contem(primeiro, u"Remove")) {
-    s.LiberaControle(TipoControle::Figura, slot, true);
-    return Valor();
-  }
-  if (auto* sp = static_cast<Sprite*>(t.instancias[size_t(slot)].data())) MembroPicture(zv, s, sp, a);
-  return Valor();
+  };
+  // Unlike the other kinds, a picture that isn't there is reported.
+  f.semControle = [&zv](const Texto&) { zv.ErroExecucao(msg::SpriteInexistente); };
+  return ComandoDeControle(zv, argumentos, TipoControle::Figura, f);
 }
 
 // Back pictures, then front ones, each at its place and size, onto the

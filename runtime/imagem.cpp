@@ -46,8 +46,13 @@ class Imagem : public QWidget, public Superficie {
   }
   QColor CorVisivel(QPoint p) override {
     if (!rect().contains(p)) return {};
-    QImage v = Visto();
-    return v.rect().contains(p) ? v.pixelColor(p) : fundo;
+    // That one point painted as the panel paints it.
+    QImage ponto(1, 1, QImage::Format_RGB32);
+    QPainter pintor(&ponto);
+    pintor.translate(-p);
+    Pinta(pintor, QRect(p, QSize(1, 1)));
+    pintor.end();
+    return ponto.pixelColor(0, 0);
   }
   void Escreve(const QString& texto, int x, int y) override { update(DesenhaTexto(Tela(), font(), corFrente, texto, x, y)); }
   void Limpa() override {
@@ -273,24 +278,15 @@ Valor Membro(Interpretador& zv, SistemaJanelas& s, int slot, const std::vector<T
 }
 
 Valor CmdImage(Interpretador& zv, const Texto& argumentos) {
-  std::vector<Texto> a = zv.SeparaArgumentos(argumentos, 51, true);
-  SistemaJanelas& s = Janelas(zv);
-  s.LimpaDescartados();
-  Texto primeiro = Apara(Arg(a, 0));
-  if (primeiro.empty()) return Valor();
-  if (primeiro.find(u'.') == Texto::npos) return CriaImagem(zv, s, a);
-  Texto nome = NomeDoMembro(zv, primeiro);
-  int slot = Tabela(s).Acha(Maiusculas(nome));
-  if (slot < 0) {
-    zv.ErroExecucao(msg::Formata(msg::ImagemInexistente, nome));
-    return Valor();
-  }
-  if (Contem(primeiro, u"Remove")) {
+  FormasDeControle f;
+  f.cria = [&zv](SistemaJanelas& s, const std::vector<Texto>& a) { return CriaImagem(zv, s, a); };
+  f.membro = [&zv](SistemaJanelas& s, int slot, const std::vector<Texto>& a) { return Membro(zv, s, slot, a); };
+  f.semControle = [&zv](const Texto& nome) { zv.ErroExecucao(msg::Formata(msg::ImagemInexistente, nome)); };
+  // An image in use that goes ends the use.
+  f.aoRemover = [](SistemaJanelas& s, int slot) {
     if (s.imagemEmUso == Tabela(s).instancias[size_t(slot)]) s.usoDeImagem = false;
-    s.LiberaControle(TipoControle::Imagem, slot, slot > 0);
-    return Valor();
-  }
-  return Membro(zv, s, slot, a);
+  };
+  return ComandoDeControle(zv, argumentos, TipoControle::Imagem, f);
 }
 
 }  // namespace

@@ -210,6 +210,18 @@ SistemaJanelas& Janelas(Interpretador& zv);
 // A plain box with OK under the program's title, as Message shows one.
 void Avisa(Interpretador& zv, const Texto& texto);
 
+// The grammar every control command shares: a first argument without a
+// point creates; with one, it names a control of the kind and a member of
+// it, or its removal when it holds "Remove". A name no control has does
+// nothing unless `semControle` says otherwise.
+struct FormasDeControle {
+  std::function<Valor(SistemaJanelas&, const std::vector<Texto>&)> cria;
+  std::function<Valor(SistemaJanelas&, int slot, const std::vector<Texto>&)> membro;
+  std::function<void(const Texto& nome)> semControle;
+  std::function<void(SistemaJanelas&, int slot)> aoRemover;  // before the slot is freed
+};
+Valor ComandoDeControle(Interpretador& zv, const Texto& argumentos, TipoControle tipo, const FormasDeControle& f);
+
 // The window commands and the control commands into the keyword table
 // (the module's real routines, in place of the stand-ins).
 void RegistraComandosJanela();

@@ -11,6 +11,7 @@
 #include <iterator>
 #include <mutex>
 
+#include "builder/compilador.h"
 #include "core/fonte.h"
 #include "data/dados.h"
 #include "library/biblioteca.h"
@@ -69,6 +70,7 @@ void RegistraSubsistemas() {
     RegistraBiblioteca();
     RegistraDados();
     RegistraAPI();
+    RegistraBuilder();
     RegistraJanelas();
   });
 }

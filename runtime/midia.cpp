@@ -25,11 +25,6 @@ namespace zv {
 
 namespace {
 
-// The slot a member form names, or -1.
-int SlotDoMembro(Interpretador& zv, SistemaJanelas& s, TipoControle tipo, const Texto& primeiro) {
-  return s.controles[size_t(tipo)].Acha(Maiusculas(NomeDoMembro(zv, primeiro)));
-}
-
 // ---- Link ---------------------------------------------------------------------------
 
 constexpr char kEndereco[] = "zvEndereco";
@@ -323,31 +318,26 @@ Valor CmdBrowser(Interpretador& zv, const Texto& argumentos) {
 
 // ---- The commands -----------------------------------------------------------------
 
-Valor Comando(Interpretador& zv, const Texto& argumentos, TipoControle tipo) {
-  std::vector<Texto> a = zv.SeparaArgumentos(argumentos, 51, true);
-  SistemaJanelas& s = Janelas(zv);
-  s.LimpaDescartados();
-  Texto primeiro = Apara(Arg(a, 0));
-  if (primeiro.empty()) return Valor();
-  if (primeiro.find(u'.') == Texto::npos)
-    return tipo == TipoControle::Link ? CriaLink(zv, s, a) : CriaGif(zv, s, a);
-  int slot = SlotDoMembro(zv, s, tipo, primeiro);
-  if (slot < 0) return Valor();
-  if (Contem(primeiro, u"Remove")) {
-    s.LiberaControle(tipo, slot, slot > 0);
+Valor CmdLink(Interpretador& zv, const Texto& argumentos) {
+  FormasDeControle f;
+  f.cria = [&zv](SistemaJanelas& s, const std::vector<Texto>& a) { return CriaLink(zv, s, a); };
+  f.membro = [&zv](SistemaJanelas& s, int slot, const std::vector<Texto>& a) {
+    if (auto* r = static_cast<Rot*>(s.controles[size_t(TipoControle::Link)].instancias[size_t(slot)].data()))
+      MembroLink(zv, s, r, a);
     return Valor();
-  }
-  QWidget* w = s.controles[size_t(tipo)].instancias[size_t(slot)];
-  if (!w) return Valor();
-  if (tipo == TipoControle::Link) {
-    MembroLink(zv, s, static_cast<Rot*>(w), a);
-    return Valor();
-  }
-  return MembroGif(zv, s, static_cast<GifAnimado*>(w), a);
+  };
+  return ComandoDeControle(zv, argumentos, TipoControle::Link, f);
 }
 
-Valor CmdLink(Interpretador& zv, const Texto& a) { return Comando(zv, a, TipoControle::Link); }
-Valor CmdAnimatedGif(Interpretador& zv, const Texto& a) { return Comando(zv, a, TipoControle::Gif); }
+Valor CmdAnimatedGif(Interpretador& zv, const Texto& argumentos) {
+  FormasDeControle f;
+  f.cria = [&zv](SistemaJanelas& s, const std::vector<Texto>& a) { return CriaGif(zv, s, a); };
+  f.membro = [&zv](SistemaJanelas& s, int slot, const std::vector<Texto>& a) {
+    auto* g = static_cast<GifAnimado*>(s.controles[size_t(TipoControle::Gif)].instancias[size_t(slot)].data());
+    return g ? MembroGif(zv, s, g, a) : Valor();
+  };
+  return ComandoDeControle(zv, argumentos, TipoControle::Gif, f);
+}
 
 }  // namespace
 

@@ -20,6 +20,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <array>
+#include <functional>
 #include <memory>
 
 #include "library/arquivos.h"
@@ -82,12 +83,7 @@ struct EstadoRelatorio {
   int impressos = 0;  // PDF files written this run
 
   // A run that ends inside a preview report leaves no page files behind.
-  ~EstadoRelatorio() {
-    if (!emCurso || !saidaVideo) return;
-    for (int n = 1; n <= totalPaginas; ++n)
-      QFile::remove(pasta + u'/' + prefixo + QStringLiteral("%1.png").arg(n, 4, 10, QLatin1Char('0')));
-    QDir().rmdir(pasta);
-  }
+  ~EstadoRelatorio();
 };
 
 EstadoRelatorio& Estado(Interpretador& zv) { return zv.Estado<EstadoRelatorio>(); }
@@ -177,6 +173,10 @@ void ApagaPaginas(EstadoRelatorio& e) {
   QDir().rmdir(e.pasta);
 }
 
+EstadoRelatorio::~EstadoRelatorio() {
+  if (emCurso && saidaVideo) ApagaPaginas(*this);
+}
+
 // ---- The engine -------------------------------------------------------------------------
 
 // The value behind a key in a text of KEY:value items, up to a comma, a
@@ -214,36 +214,32 @@ void Config(Interpretador& zv, EstadoRelatorio& e, const QString& t0) {
   e.emCurso = true;
 }
 
-void Size(EstadoRelatorio& e, const QString& t0) {
-  QString t = t0.toUpper();
-  bool achou = false;
-  QString v = PegaValor(t, QStringLiteral("LINESIZE:"), &achou);
-  if (achou) e.tamLinha = v.toInt();
-  v = PegaValor(t, QStringLiteral("PAGESIZE:"), &achou);
-  if (achou) e.tamPagina = v.toInt();
+// Each key the text holds, its value handed on; keys it lacks are left.
+void ComChaves(const QString& t0, std::initializer_list<std::pair<const char*, std::function<void(const QString&)>>> chaves) {
+  const QString t = t0.toUpper();
+  for (const auto& [chave, aplica] : chaves) {
+    bool achou = false;
+    QString v = PegaValor(t, QString::fromLatin1(chave), &achou);
+    if (achou) aplica(v);
+  }
 }
 
-void Col(EstadoRelatorio& e, int n, const QString& t0) {
+void Size(EstadoRelatorio& e, const QString& t) {
+  ComChaves(t, {{"LINESIZE:", [&](const QString& v) { e.tamLinha = v.toInt(); }},
+                {"PAGESIZE:", [&](const QString& v) { e.tamPagina = v.toInt(); }}});
+}
+
+void Col(EstadoRelatorio& e, int n, const QString& t) {
   if (n < 0 || n >= kColunas) throw FalhaHost(falha::ForaDoIndice);
-  QString t = t0.toUpper();
   Coluna& c = e.colunas[size_t(n)];
-  bool achou = false;
-  QString v = PegaValor(t, QStringLiteral("WIDTH:"), &achou);
-  if (achou) c.largura = v.toInt() * 120;
-  v = PegaValor(t, QStringLiteral("FONTNAME:"), &achou);
-  if (achou) c.fonte = v;
-  v = PegaValor(t, QStringLiteral("FONTSIZE:"), &achou);
-  if (achou) c.tamanho = v.toDouble();
-  v = PegaValor(t, QStringLiteral("BOLD:"), &achou);
-  if (achou) c.negrito = v == u"TRUE";
-  v = PegaValor(t, QStringLiteral("ALIGN:"), &achou);
-  if (achou) c.alinhamento = v;
-  v = PegaValor(t, QStringLiteral("VERTAB:"), &achou);
-  if (achou) c.vertical = v == u"TRUE";
-  v = PegaValor(t, QStringLiteral("HORTAB:"), &achou);
-  if (achou) c.horizontal = v == u"TRUE";
-  v = PegaValor(t, QStringLiteral("TABCOLOR:"), &achou);
-  if (achou) c.corRegua = v.toInt();
+  ComChaves(t, {{"WIDTH:", [&](const QString& v) { c.largura = v.toInt() * 120; }},
+                {"FONTNAME:", [&](const QString& v) { c.fonte = v; }},
+                {"FONTSIZE:", [&](const QString& v) { c.tamanho = v.toDouble(); }},
+                {"BOLD:", [&](const QString& v) { c.negrito = v == u"TRUE"; }},
+                {"ALIGN:", [&](const QString& v) { c.alinhamento = v; }},
+                {"VERTAB:", [&](const QString& v) { c.vertical = v == u"TRUE"; }},
+                {"HORTAB:", [&](const QString& v) { c.horizontal = v == u"TRUE"; }},
+                {"TABCOLOR:", [&](const QString& v) { c.corRegua = v.toInt(); }}});
 }
 
 // MidX: the text a character at a time until it is wider than the limit;

@@ -183,28 +183,23 @@ void Membro(Interpretador& zv, SistemaJanelas& s, Midia* m, const std::vector<Te
 }
 
 Valor Som(Interpretador& zv, const Texto& argumentos) {
-  std::vector<Texto> a = zv.SeparaArgumentos(argumentos, 51, true);
-  SistemaJanelas& s = Janelas(zv);
-  s.LimpaDescartados();
-  Texto primeiro = Apara(Arg(a, 0));
-  if (primeiro.empty()) return Valor();
-  if (primeiro.find(u'.') == Texto::npos) return Cria(zv, s, a);
-  int slot = Tabela(s).Acha(Maiusculas(NomeDoMembro(zv, primeiro)));
-  if (slot < 0) return Valor();
-  auto* m = static_cast<Midia*>(Tabela(s).instancias[size_t(slot)].data());
-  if (Contem(primeiro, u"Remove")) {
-    if (m) {
+  FormasDeControle f;
+  f.cria = [&zv](SistemaJanelas& s, const std::vector<Texto>& a) { return Cria(zv, s, a); };
+  f.membro = [&zv](SistemaJanelas& s, int slot, const std::vector<Texto>& a) {
+    if (auto* m = static_cast<Midia*>(Tabela(s).instancias[size_t(slot)].data())) Membro(zv, s, m, a);
+    return Valor();
+  };
+  // The player stops, and its two variables go with it.
+  f.aoRemover = [&zv](SistemaJanelas& s, int slot) {
+    if (auto* m = static_cast<Midia*>(Tabela(s).instancias[size_t(slot)].data())) {
       m->timer.stop();
       m->Stop();
     }
-    const Texto nome = Tabela(s).nomes[size_t(slot)];
-    s.LiberaControle(TipoControle::Video, slot, slot > 0);
+    const Texto& nome = Tabela(s).nomes[size_t(slot)];
     zv.variaveis.Remove(nome + u".Time");
     zv.variaveis.Remove(nome + u".Position");
-    return Valor();
-  }
-  if (m) Membro(zv, s, m, a);
-  return Valor();
+  };
+  return ComandoDeControle(zv, argumentos, TipoControle::Video, f);
 }
 
 // Video and Sound are one command: a failure under either says Sound.
