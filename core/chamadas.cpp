@@ -1,5 +1,6 @@
 // Planned Function calls: "x = F(args)" in the main text, and the plans of a
 // Function's body, made on one call's renamed body and kept for the next.
+#include <algorithm>
 #include <cmath>
 
 #include "core/interpretador.h"
@@ -7,6 +8,16 @@
 #include "core/preparacao.h"
 
 namespace zv {
+
+namespace {
+
+// The digits of the call counter, by halves rather than ten comparisons.
+size_t Digitos(int32_t c) {
+  return c < 100000 ? (c < 100 ? (c < 10 ? 1 : 2) : (c < 1000 ? 3 : (c < 10000 ? 4 : 5)))
+                    : (c < 10000000 ? (c < 1000000 ? 6 : 7) : (c < 100000000 ? 8 : (c < 1000000000 ? 9 : 10)));
+}
+
+}  // namespace
 
 std::unique_ptr<CorpoPlanejado> Interpretador::PlanejaCorpo(
     const ModeloFuncao& m, const std::vector<Texto>& gerados,
@@ -40,10 +51,108 @@ std::unique_ptr<CorpoPlanejado> Interpretador::PlanejaCorpo(
     pl->pos = p;
     pl->fim = std::min(t.find(CRLF, p), t.size());
     PreparaLinha(t, *pl, true);
+    PreparaAtalho(*pl);
     FixaDestinos(t, *pl, n);
     cp->linhas[static_cast<size_t>(n - cp->primeiro)] = std::move(pl);
   }
+  AnalisaFolha(m, *cp);
   return cp;
+}
+
+void Interpretador::AnalisaFolha(const ModeloFuncao& m, CorpoPlanejado& cp) {
+  using T = PlanoLinha::Tipo;
+  if (cp.linhas.size() != 2 || !cp.linhas[0] || !cp.linhas[1] || cp.linhas[0]->tipo != T::Retorno ||
+      cp.linhas[1]->tipo != T::FimFuncao || m.locais.size() != m.totalParametros || cp.vagas.size() != m.totalParametros)
+    return;
+  for (TipoVariavel t : m.tiposLocais)
+    if (t != TipoVariavel::Integer) return;
+  const PlanoValor& v = cp.linhas[0]->valor;
+  // What RetornoRapido takes the whole-number way: a calculation by
+  // InteiroDoValor, a variable by NumeroRapido.
+  if (!v.inteiro && v.tipo != PlanoValor::Tipo::Variavel) return;
+  ValorInteiro r;
+  if (!ValorInteiroDe(v, r)) return;
+  // Each variable read is one of the parameters, by where it stands.
+  for (OperandoInteiro* o : {&r.a, &r.b}) {
+    if (o->modo == OperandoInteiro::Modo::Constante) continue;
+    if (o->modo != OperandoInteiro::Modo::Escalar) return;
+    auto k = std::find(cp.vagas.begin(), cp.vagas.end(), std::make_pair(TipoVariavel::Integer, o->posicao));
+    if (k == cp.vagas.end()) return;
+    o->posicao = static_cast<int32_t>(k - cp.vagas.begin());
+  }
+  cp.retorno = r;
+  cp.retornoCalculo = v.inteiro;
+  cp.editorFim = cp.linhas[1]->editor;
+  cp.linhaFim = cp.linhas[1]->linha;
+  cp.folha = true;
+}
+
+bool Interpretador::ChamadaFolha(ModeloFuncao& m, const CorpoPlanejado& cp, const double* numeros,
+                                 const Valor::Tipo* tipos, const Texto* const* textos, Valor& resultado) {
+  int32_t argumentos[21];
+  for (size_t i = 0; i < m.totalParametros; ++i) {
+    if (textos[i] || tipos[i] != Valor::Tipo::Int32) return false;
+    argumentos[i] = static_cast<int32_t>(numeros[i]);
+  }
+  int64_t w;
+  if (!FolhaPodeCorrer() || !LeValorInteiroEm(argumentos, cp.retorno, w)) return false;
+  const Valor& v = TerminaFolha(m, cp, w);
+  resultado.tipo = v.tipo;
+  resultado.s.clear();
+  resultado.i = v.i;
+  resultado.d = v.d;
+  return true;
+}
+
+bool Interpretador::FolhaPodeCorrer() const {
+  // What the body's walk would meet on its way: the checks before its two
+  // statements, the nesting limit, the stack's end.
+  char aqui;
+  return SegueExecutando() && profundidade < kMaxProfundidade && !(fundoPilha && &aqui < fundoPilha);
+}
+
+const Valor& Interpretador::TerminaFolha(ModeloFuncao& m, const CorpoPlanejado& cp, int64_t w) {
+  ++m.chamadas;
+  variaveis.Assenta();
+  // The value as RetornoRapido makes it.
+  Valor& v = valorRetorno;
+  v.tipo = cp.retornoCalculo ? Valor::Tipo::Decimal : Valor::Tipo::Int32;
+  v.s.clear();
+  v.i = cp.retornoCalculo ? 0 : static_cast<int32_t>(w);
+  v.d = cp.retornoCalculo ? static_cast<double>(w) : 0;
+  editorAtual = cp.editorFim;
+  linhaAtual = cp.linhaFim;
+  ++contadorChamadas;
+  return v;
+}
+
+bool Interpretador::ChamadaRapida(PlanoLinha& pl) {
+  ModeloFuncao* m = pl.modelo;
+  if (!m || !m->rapido || Vigiado()) return false;
+  const CorpoPlanejado* cp = m->plano.get();
+  if (!cp || !cp->folha || cp->geracao != variaveis.geracao || pl.geracao != variaveis.geracao ||
+      !m->locaisDistintos || contadorChamadas < 0 || pl.argumentosInteiros.size() != m->totalParametros)
+    return false;
+  // No variable of the names the call would make may stand or have been looked for.
+  const size_t digitos = Digitos(contadorChamadas);
+  for (const Texto& local : m->locais)
+    if (variaveis.TalvezComDigito(m->inicialMaiuscula, pl.nomeFuncao.size() + digitos + local.size())) return false;
+  int32_t argumentos[21];
+  for (size_t i = 0; i < m->totalParametros; ++i) {
+    int64_t a;
+    if (!LeOperando(pl.argumentosInteiros[i], a)) return false;
+    argumentos[i] = static_cast<int32_t>(a);
+  }
+  int64_t w;
+  int32_t* alvo = LugarInteiro(pl.atalho.alvo);
+  if (!alvo || !FolhaPodeCorrer() || !LeValorInteiroEm(argumentos, cp->retorno, w) || w <= -kLimite32 ||
+      w >= kLimite32)
+    return false;
+  TerminaFolha(*m, *cp, w);
+  // A whole number goes to the variable as ExecutaChamada stores it.
+  *alvo = static_cast<int32_t>(w);
+  forcaTexto = false;
+  return true;
 }
 
 void Interpretador::ExecutaCorpo(ModeloFuncao& m, const std::vector<Texto>& gerados,
@@ -110,11 +219,7 @@ bool Interpretador::ChamadaSemNomes(const Texto& nome, ModeloFuncao& m, const Pl
   if (!cp || cp->geracao != variaveis.geracao || plano.geracao != variaveis.geracao || !m.locaisDistintos ||
       contadorChamadas < 0)
     return false;
-  const int32_t c = contadorChamadas;
-  // The counter's digits, by halves rather than ten comparisons a call.
-  const size_t digitos = c < 100000 ? (c < 100 ? (c < 10 ? 1 : 2) : (c < 1000 ? 3 : (c < 10000 ? 4 : 5)))
-                                    : (c < 10000000 ? (c < 1000000 ? 6 : 7)
-                                                    : (c < 100000000 ? 8 : (c < 1000000000 ? 9 : 10)));
+  const size_t digitos = Digitos(contadorChamadas);
   const size_t n = m.locais.size();
   // Each variable goes where Cria would put it, and none of that name can
   // stand already or have been looked for.
@@ -137,6 +242,7 @@ bool Interpretador::ChamadaSemNomes(const Texto& nome, ModeloFuncao& m, const Pl
       if (!textos[i] || textos[i]->size() > kMaxTexto) return false;
     }
   }
+  if (cp->folha && ChamadaFolha(m, *cp, numeros, tipos, textos, resultado)) return true;
   for (size_t i = 0; i < n; ++i) variaveis.AcrescentaValor(m.tiposLocais[i]);
   for (size_t i = 0; i < m.totalParametros; ++i) {
     TipoVariavel t = m.tiposLocais[i];

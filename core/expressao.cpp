@@ -356,6 +356,20 @@ bool ArvoreCalculo::Compila(const std::vector<Texto>& pedacos) {
 
 
 
+ArvoreCalculo::FormaInteira ArvoreCalculo::Forma() const {
+  FormaInteira f;
+  if (!inteira_) return f;
+  f.op = passos_[2].op;
+  for (int k = 0; k < 2; ++k) {
+    const Passo& p = passos_[static_cast<size_t>(k)];
+    if (p.op == u'v')
+      f.buraco[k] = static_cast<int>(p.valor);
+    else
+      f.constante[k] = static_cast<int64_t>(p.valor);
+  }
+  return f;
+}
+
 bool ArvoreCalculo::Calcula(const double* valores, double& r) const {
   if (binaria_) {
     const Passo& a = passos_[0];

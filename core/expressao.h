@@ -42,6 +42,14 @@ class ArvoreCalculo {
   // gives, exactly, as a whole number.
   bool Inteira() const { return inteira_; }
   [[gnu::always_inline]] int64_t CalculaInteiro(const int32_t* valores) const;
+  // An Inteira calculation's two values and operator: each value a hole's
+  // number, or -1 and a whole constant.
+  struct FormaInteira {
+    char16_t op = 0;
+    int buraco[2] = {-1, -1};
+    int64_t constante[2] = {0, 0};
+  };
+  FormaInteira Forma() const;
 
  private:
   // The tree in postfix order: each step pushes a value or works on the top.

@@ -275,6 +275,17 @@ class Interpretador : public SinaisDeParada {
   std::unique_ptr<CorpoPlanejado> PlanejaCorpo(const ModeloFuncao& m, const std::vector<Texto>& gerados,
                                                const std::vector<std::pair<TipoVariavel, int32_t>>& vagas);
   void PreparaChamada(const Texto& nome, const Texto& dir, PlanoLinha& pl);
+  // A body of one Return (CorpoPlanejado::folha): found when its plans are
+  // made, and its call worked out from the arguments; false, with nothing
+  // changed, where the body's walk must go.
+  void AnalisaFolha(const ModeloFuncao& m, CorpoPlanejado& cp);
+  bool ChamadaFolha(ModeloFuncao& m, const CorpoPlanejado& cp, const double* numeros, const Valor::Tipo* tipos,
+                    const Texto* const* textos, Valor& resultado);
+  // The same for a planned "x = F(a, b)" (Atalho::Tipo::Chamada), all of it.
+  bool ChamadaRapida(PlanoLinha& pl);
+  bool FolhaPodeCorrer() const;
+  // The call's end as the body's walk leaves it; the value returned.
+  const Valor& TerminaFolha(ModeloFuncao& m, const CorpoPlanejado& cp, int64_t w);
   void ExecutaChamada(PlanoLinha& pl);
   // A single value given to a planned target, as Atribui gives it.
   void AtribuiValor(const RefVariavel& alvo, uint64_t g, Valor v);
@@ -348,6 +359,20 @@ class Interpretador : public SinaisDeParada {
   [[gnu::always_inline]] bool SomaInteira(PlanoLinha& pl);
   [[gnu::always_inline]] bool JulgaInteiros(const PlanoCondicao& c, Veredito& v);
   [[gnu::always_inline]] bool IncrementoRapido(PlanoLinha& pl);
+  // The statement's Atalho (planos.h), made once with the plan; false
+  // with nothing changed where the fast ways above would give it up.
+  void PreparaAtalho(PlanoLinha& pl);
+  [[gnu::always_inline]] bool LeOperando(const OperandoInteiro& o, int64_t& v) const {
+    return LeOperandoEm(variaveis.inteiros.data(), o, v);
+  }
+  [[gnu::always_inline]] bool LeValorInteiro(const ValorInteiro& c, int64_t& r) const {
+    return LeValorInteiroEm(variaveis.inteiros.data(), c, r);
+  }
+  // The same over other values than the store's (a call's arguments).
+  [[gnu::always_inline]] static bool LeOperandoEm(const int32_t* x, const OperandoInteiro& o, int64_t& v);
+  [[gnu::always_inline]] static bool LeValorInteiroEm(const int32_t* x, const ValorInteiro& c, int64_t& r);
+  [[gnu::always_inline]] int32_t* LugarInteiro(const OperandoInteiro& o);
+  [[gnu::always_inline]] bool CorreAtalho(PlanoLinha& pl, CondicoesFalsas& falsas, bool& desvia);
   bool CompostoRapido(PlanoLinha& pl);
   bool AtribuicaoRapida(PlanoLinha& pl);
   bool RetornoRapido(PlanoLinha& pl);
@@ -455,6 +480,96 @@ inline bool Interpretador::JulgaInteiros(const PlanoCondicao& c, Veredito& v) {
   if (!c.simples || !InteiroDoValor(c.operandos[0], a) || !InteiroDoValor(c.operandos[1], b)) return false;
   v = Satisfaz(c.relacao, a < b ? -1 : (a > b ? 1 : 0)) ? Veredito::Verdadeiro : Veredito::Falso;
   return true;
+}
+
+inline bool Interpretador::LeOperandoEm(const int32_t* x, const OperandoInteiro& o, int64_t& v) {
+  if (o.modo == OperandoInteiro::Modo::Constante) {
+    v = o.constante;
+    return true;
+  }
+  if (o.modo == OperandoInteiro::Modo::Escalar) {
+    v = x[o.posicao];
+  } else {
+    // An index below 0 is past the end too, read unsigned.
+    auto i = static_cast<uint32_t>(x[o.posIndice]);
+    if (i >= static_cast<uint32_t>(o.tamanho)) return false;
+    v = x[static_cast<size_t>(o.posicao) + i];
+  }
+  return !o.naoNegativo || v >= 0;
+}
+
+inline bool Interpretador::LeValorInteiroEm(const int32_t* x, const ValorInteiro& c, int64_t& r) {
+  int64_t a, b;
+  if (!LeOperandoEm(x, c.a, a)) return false;
+  if (c.operador == 0) {
+    r = a;
+    return true;
+  }
+  if (!LeOperandoEm(x, c.b, b)) return false;
+  switch (c.operador) {
+    case u'+':
+      r = a + b;
+      break;
+    case u'-':
+      r = a - b;
+      break;
+    case u'*':
+      r = a * b;
+      break;
+    default:
+      // A remainder by zero fails the long way, with its box.
+      if (b == 0) return false;
+      r = b == -1 ? 0 : a % b;
+  }
+  return r > -kLimite15 && r < kLimite15;
+}
+
+inline int32_t* Interpretador::LugarInteiro(const OperandoInteiro& o) {
+  int32_t* x = variaveis.inteiros.data();
+  if (o.modo == OperandoInteiro::Modo::Escalar) return x + o.posicao;
+  auto i = static_cast<uint32_t>(x[o.posIndice]);
+  return i < static_cast<uint32_t>(o.tamanho) ? x + o.posicao + i : nullptr;
+}
+
+inline bool Interpretador::CorreAtalho(PlanoLinha& pl, CondicoesFalsas& falsas, bool& desvia) {
+  const Atalho& a = pl.atalho;
+  int64_t w;
+  switch (a.tipo) {
+    case Atalho::Tipo::Nenhum:
+      return false;
+    case Atalho::Tipo::Incremento: {
+      int32_t* x = LugarInteiro(a.alvo);
+      if (!x) return false;
+      // Past the ends the store refuses the value and the variable stays.
+      if (a.mais ? *x < INT32_MAX : *x > INT32_MIN) *x += a.mais ? 1 : -1;
+      return true;
+    }
+    case Atalho::Tipo::Atribuicao: {
+      int32_t* x = LugarInteiro(a.alvo);
+      if (!x || !LeValorInteiro(a.valor, w) || w <= -kLimite32 || w >= kLimite32) return false;
+      *x = static_cast<int32_t>(w);
+      forcaTexto = false;
+      return true;
+    }
+    case Atalho::Tipo::Soma: {
+      int32_t* x = LugarInteiro(a.alvo);
+      if (!x || !LeValorInteiro(a.valor, w) || w <= -kLimite32 || w >= kLimite32) return false;
+      int64_t r = a.mais ? *x + w : *x - w;
+      if (r >= INT32_MIN && r <= INT32_MAX) *x = static_cast<int32_t>(r);
+      return true;
+    }
+    case Atalho::Tipo::Condicao: {
+      int64_t d;
+      if (!LeValorInteiro(a.valor, w) || !LeValorInteiro(a.direita, d)) return false;
+      bool v = (a.aceita >> ((w >= d) + (w > d))) & 1;
+      desvia = !v;
+      if (a.profundidadeIf >= 0) falsas[static_cast<size_t>(a.profundidadeIf)] = !v && a.falsoVaiAoElse;
+      return true;
+    }
+    case Atalho::Tipo::Chamada:
+      return ChamadaRapida(pl);
+  }
+  return false;
 }
 
 inline bool Interpretador::NumeroRapido(const PlanoValor& p, double& x, Valor::Tipo& tipo) {

@@ -573,6 +573,109 @@ void Interpretador::PreparaLinha(const Texto& texto, PlanoLinha& pl, bool emCorp
     PreparaRepStr(resto.substr(b + 1), pl);
 }
 
+namespace {
+
+// A whole-number variable as an operand; false for any other kind or an
+// index out of range, which the fast ways leave to the long way too.
+bool OperandoDe(const RefVariavel& r, bool naoNegativo, OperandoInteiro& o) {
+  if (r.tipo != TipoVariavel::Integer || r.chamada) return false;
+  if (!r.indiceVariavel) {
+    if (r.indice < 0 || r.indice >= r.tamanho) return false;
+    o.modo = OperandoInteiro::Modo::Escalar;
+    o.posicao = static_cast<int32_t>(r.inicio + r.indice);
+  } else if (r.tipoIndice == TipoVariavel::Integer) {
+    o.modo = OperandoInteiro::Modo::Elemento;
+    o.posicao = r.inicio;
+    o.posIndice = r.posIndice;
+    o.tamanho = r.tamanho;
+  } else {
+    return false;
+  }
+  o.naoNegativo = naoNegativo;
+  return true;
+}
+
+}  // namespace
+
+bool ValorInteiroDe(const PlanoValor& p, ValorInteiro& v) {
+  if (p.tipo == PlanoValor::Tipo::Variavel) return OperandoDe(p.var, false, v.a);
+  if (p.inteiro) {
+    ArvoreCalculo::FormaInteira f = p.arvore.Forma();
+    if (f.op == 0) return false;
+    // Every variable of the calculation is read, each by one hole.
+    size_t usados = 0;
+    OperandoInteiro* lados[2] = {&v.a, &v.b};
+    for (int k = 0; k < 2; ++k) {
+      int h = f.buraco[k];
+      if (h < 0) {
+        lados[k]->constante = f.constante[k];
+        continue;
+      }
+      if (static_cast<size_t>(h) >= p.refs.size() || !OperandoDe(p.refs[static_cast<size_t>(h)], true, *lados[k]))
+        return false;
+      usados |= size_t{1} << h;
+    }
+    if (usados != (size_t{1} << p.refs.size()) - 1) return false;
+    v.operador = f.op;
+    return true;
+  }
+  if (p.tipo != PlanoValor::Tipo::Numero || p.numero != std::trunc(p.numero) || !(std::fabs(p.numero) < 1e15))
+    return false;
+  v.a.constante = static_cast<int64_t>(p.numero);
+  return true;
+}
+
+void Interpretador::PreparaAtalho(PlanoLinha& pl) {
+  using T = PlanoLinha::Tipo;
+  Atalho a;
+  a.mais = pl.mais;
+  bool alvo = pl.alvo.tipo == TipoVariavel::Integer && OperandoDe(pl.alvo, false, a.alvo);
+  switch (pl.tipo) {
+    case T::Incremento:
+      if (alvo) a.tipo = Atalho::Tipo::Incremento;
+      break;
+    case T::Atribuicao:
+      if (alvo && pl.partes.size() == 1 &&
+          (pl.partes[0].tipo == PlanoValor::Tipo::Variavel || pl.partes[0].inteiro) &&
+          ValorInteiroDe(pl.partes[0], a.valor))
+        a.tipo = Atalho::Tipo::Atribuicao;
+      break;
+    case T::Composto:
+      if (alvo && ValorInteiroDe(pl.valor, a.valor)) a.tipo = Atalho::Tipo::Soma;
+      break;
+    case T::While:
+    case T::If: {
+      const PlanoCondicao& c = pl.condicao;
+      if (c.simples && ValorInteiroDe(c.operandos[0], a.valor) && ValorInteiroDe(c.operandos[1], a.direita)) {
+        for (int cmp = -1; cmp <= 1; ++cmp)
+          if (Satisfaz(c.relacao, cmp)) a.aceita |= static_cast<uint8_t>(1u << (cmp + 1));
+        if (pl.tipo == T::If) {
+          if (pl.profundidade < 0 || pl.profundidade > 20) break;
+          a.profundidadeIf = static_cast<int8_t>(pl.profundidade);
+          a.falsoVaiAoElse = pl.numeroElse >= 0;
+        }
+        a.tipo = Atalho::Tipo::Condicao;
+      }
+      break;
+    }
+    case T::Chamada:
+      pl.argumentosInteiros.clear();
+      if (!alvo || pl.direto) break;
+      for (const PlanoValor& p : pl.partes) {
+        pl.argumentosInteiros.emplace_back();
+        if (p.tipo != PlanoValor::Tipo::Variavel || !OperandoDe(p.var, false, pl.argumentosInteiros.back())) {
+          pl.argumentosInteiros.clear();
+          break;
+        }
+      }
+      if (pl.argumentosInteiros.size() == pl.partes.size()) a.tipo = Atalho::Tipo::Chamada;
+      break;
+    default:
+      break;
+  }
+  pl.atalho = a;
+}
+
 bool Interpretador::ValorPorPlano(const Texto& texto, Valor& v) {
   // Only where every name a plan finds tells it when it goes: not inside a
   // routine, whose own names come and go unannounced, nor while plans are
@@ -694,6 +797,7 @@ PlanoLinha* Interpretador::PlanoNovo(const Texto& texto, int32_t numero, size_t 
       Variaveis::Lembranca lembranca(variaveis);
       PreparaLinha(texto, *pl, false);
     }
+    PreparaAtalho(*pl);
     FixaDestinos(texto, *pl, numero);
   }
   return pl.get();
@@ -895,7 +999,7 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     linhaAtual = pl->linha;
     bool desvia = false;
     bool feito = true;  // false: a fast way gave the statement up
-    switch (pl->tipo) {
+    if (!CorreAtalho(*pl, falsas, desvia)) switch (pl->tipo) {
       case T::Generico:
         return sai(Seguimento::Generico);
       case T::Incremento:
@@ -974,15 +1078,17 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
       ExecutaPlanoGeral(*pl);
     }
     const Destino& d = desvia ? pl->desvio : pl->seguinte;
-    if (d.pos == NPOS) return sai(Seguimento::Fim);
     numero = d.numero;
     pos = d.pos;
     fim = d.fim;
+    // Only a plan of a kind of its own is kept there, and only at a place
+    // in the text (never at its end).
     PlanoLinha* q = d.plano;
-    if (q && q->geracao == variaveis.geracao && (unicos || (q->pos == pos && q->fim == fim))) {
-      pl = q;  // only a plan of a kind of its own is kept there
+    if (q && q->geracao == variaveis.geracao && (unicos || (q->pos == d.pos && q->fim == d.fim))) [[likely]] {
+      pl = q;
     } else {
-      pl = corpo ? corpo->Linha(numero, pos, fim, variaveis.geracao) : PlanoDe(texto, numero, pos, fim);
+      if (d.pos == NPOS) return sai(Seguimento::Fim);
+      pl = corpo ? corpo->Linha(d.numero, d.pos, d.fim, variaveis.geracao) : PlanoDe(texto, d.numero, d.pos, d.fim);
       if (!pl || pl->tipo == T::Generico) return sai(Seguimento::Proximo);
       d.plano = pl;
     }

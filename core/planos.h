@@ -78,6 +78,50 @@ struct ChamadaTexto {
   Texto resultado;           // ConvStr, SubStr: the text of the last call
 };
 
+// A whole-number variable or constant a statement reads or writes, found
+// once: where the value stands in the store, or where the array starts and
+// where its index stands.
+struct OperandoInteiro {
+  enum class Modo : uint8_t { Constante, Escalar, Elemento };
+  Modo modo = Modo::Constante;
+  bool naoNegativo = false;  // a calculation's hole: a value below 0 reads through its text
+  int32_t posicao = 0;       // Escalar: the value; Elemento: the array's first element
+  int32_t posIndice = 0, tamanho = 0;  // Elemento
+  int64_t constante = 0;
+};
+
+// What InteiroDoValor reads: an operand alone (operador 0) or two and one
+// of + - * %.
+struct ValorInteiro {
+  char16_t operador = 0;
+  OperandoInteiro a, b;
+};
+
+// What InteiroDoValor takes of a value: a whole-number variable, a whole
+// calculation of two, or a whole constant of up to 15 digits; false for
+// anything else.
+bool ValorInteiroDe(const PlanoValor& p, ValorInteiro& v);
+
+// The whole-number ways of Incremento, Atribuicao, Composto, While and If
+// (AtribuicaoInteira and its kin) with everything they check of the plan
+// checked once, when it is made: what is left to check at each run is the
+// values themselves. Nenhum where those ways wouldn't take the statement.
+// Chamada: a whole-number variable given a call of a Function of one
+// Return (ChamadaRapida), every argument a whole-number variable.
+struct Atalho {
+  enum class Tipo : uint8_t { Nenhum, Incremento, Atribuicao, Soma, Condicao, Chamada };
+  Tipo tipo = Tipo::Nenhum;
+  bool mais = true;
+  // Condicao: the outcomes the relation takes for true, by bit: 1 less,
+  // 2 equal, 4 greater; and an If's depth (-1 for a While) and whether a
+  // false one goes to an Else.
+  uint8_t aceita = 0;
+  int8_t profundidadeIf = -1;
+  bool falsoVaiAoElse = false;
+  OperandoInteiro alvo;
+  ValorInteiro valor, direita;  // Condicao: left and right of the comparison
+};
+
 // What a condition came to: "TRUE", "FALSE" or anything else.
 enum class Veredito : uint8_t { Verdadeiro, Falso, Outro };
 
@@ -173,6 +217,8 @@ struct PlanoLinha {
   bool resultadoTexto = false, resultadoNumero = false;  // the result word is "String", "Numero"
   mutable ModeloFuncao* modelo = nullptr;  // found at the first call
   std::unique_ptr<PlanoJuncao> juncao;     // Juncao
+  Atalho atalho;
+  std::vector<OperandoInteiro> argumentosInteiros;  // Atalho::Tipo::Chamada
   // The next statement, and where a jump goes (a Loop: back to its While), found once.
   Destino seguinte, desvio;
 };
@@ -190,6 +236,14 @@ struct CorpoPlanejado {
   // Where each of the routine's own variables stood: type and first value.
   std::vector<std::pair<TipoVariavel, int32_t>> vagas;
   uint64_t geracao = 0;
+  // A body that is one Return of a whole-number parameter or a whole
+  // calculation of them: its value is worked out from the arguments, and
+  // the variables that nothing else could see aren't made. The operands'
+  // `posicao` is the parameter's number; `retornoCalculo`: the value is a
+  // calculation's (Decimal), not a parameter's (Int32).
+  bool folha = false, retornoCalculo = false;
+  ValorInteiro retorno;
+  int32_t editorFim = 0, linhaFim = 0;  // of the EndFunction line
   PlanoLinha* Linha(int32_t numero, size_t pos, size_t fim, uint64_t g) const {
     size_t k = static_cast<size_t>(numero - primeiro);
     if (numero < primeiro || k >= linhas.size()) return nullptr;
