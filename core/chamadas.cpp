@@ -108,11 +108,15 @@ bool Interpretador::FolhaPodeCorrer() const {
   // What the body's walk would meet on its way: the checks before its two
   // statements, the nesting limit, the stack's end.
   char aqui;
-  return SegueExecutando() && profundidade < kMaxProfundidade && !(fundoPilha && &aqui < fundoPilha);
+  if (profundidade >= kMaxProfundidade || (fundoPilha && &aqui < fundoPilha)) return false;
+  if (SegueExecutando()) return true;
+  if (!executando || janelaFechada || pararPrograma || abortado) return false;
+  return !contando || instrucoesExecutadas + 2 <= limiteInstrucoes;
 }
 
 const Valor& Interpretador::TerminaFolha(ModeloFuncao& m, const CorpoPlanejado& cp, int64_t w) {
   ++m.chamadas;
+  if (contando) instrucoesExecutadas += 2;  // the Return and the EndFunction
   variaveis.Assenta();
   // The value as RetornoRapido makes it.
   Valor& v = valorRetorno;

@@ -128,5 +128,80 @@ TEST(ChamadasPlanejadas, GeneratedProgramsRunTheSameWithAndWithoutPlans) {
   }
 }
 
+// Functions of one Return, which planned calls work out from their
+// arguments: whole-number parameters (now and then a Decimal one), values
+// at the edges of 32 bits and below 0, elements in range and past it,
+// targets of every type, and now and then a variable standing already
+// under a name one of the calls will make.
+class GeradorFolhas : public GeradorProgramas {
+ public:
+  using GeradorProgramas::GeradorProgramas;
+
+  Texto Programa() {
+    const std::string f = Escolhe({"Soma", "F", "Calc"});
+    const int parametros = 1 + Um(3);
+    std::string cabeca = "Function " + f + "(";
+    for (int j = 0; j < parametros; ++j)
+      cabeca += (j ? ", " : "") + std::string("p") + std::to_string(j) + (Um(8) ? " Integer" : " Decimal");
+    cabeca += ") " + Escolhe({"Numero", "Numero", "Integer", "String"});
+    std::vector<std::string> l = {"Var i Integer, n Integer, k Integer, d Decimal, t String", "Var A(3) Integer"};
+    if (Um(4) == 0) l.push_back("Var " + f + std::to_string(Um(6)) + "p" + std::to_string(Um(parametros)) + " Integer");
+    l.push_back("n = " + Valor());
+    l.push_back("k = " + Valor());
+    l.push_back("A(1) = " + Valor());
+    l.push_back("A(2) = " + Valor());
+    l.push_back("i = 0");
+    l.push_back("While i < 5");
+    int chamadas = 1 + Um(3);
+    for (int c = 0; c < chamadas; ++c) {
+      std::string args;
+      int n = parametros + (Um(12) == 0 ? 1 : 0);
+      for (int j = 0; j < n; ++j)
+        args += (j ? ", " : "") + Escolhe({"i", "n", "k", "A(i)", "A(1)", "A(5)", "k", "n", "-1", "3", "d", "i - 3"});
+      std::string alvo = Escolhe({"n", "k", "k", "A(i)", "A(2)", "d", "t"});
+      l.push_back("  " + alvo + " = " + f + "(" + args + ")");
+      l.push_back("  Message \"" + f + " \", i, \" \", " + alvo);
+    }
+    if (Um(2)) l.push_back("  n = " + Escolhe({"n * 3 + 1", "n - 7", "k"}));
+    l.push_back("  i++");
+    l.push_back("Loop");
+    l.push_back("Message n, \" \", k, \" \", A(1), \" \", A(2), \" \", d, \" \", t");
+    l.push_back("EndProgram");
+    l.push_back(cabeca);
+    l.push_back("  Return " + Expressao(parametros));
+    l.push_back("EndFunction");
+    return Fonte(l);
+  }
+
+ private:
+  std::string Valor() {
+    return Escolhe({"0", "1", "-1", "7", "46341", "65536", "2147483647", "-2147483648", "-5"});
+  }
+  std::string Expressao(int parametros) {
+    auto p = [&] { return "p" + std::to_string(Um(parametros)); };
+    switch (Um(4)) {
+      case 0:
+        return p();
+      case 1:
+        return p() + " " + Escolhe({"+", "-", "*", "%", "/"}) + " " + p();
+      case 2:
+        return p() + " " + Escolhe({"+", "-", "*", "%"}) + " " + Escolhe({"1", "2147483647", "0", "-3", "2.5"});
+      default:
+        return Escolhe({"3", "100000"}) + " " + Escolhe({"+", "-", "*"}) + " " + p();
+    }
+  }
+};
+
+TEST(ChamadasPlanejadas, FunctionsOfOneReturnRunTheSameWithAndWithoutPlans) {
+  for (uint32_t semente = 1; semente <= 600; ++semente) {
+    Texto fonte = GeradorFolhas(semente).Programa();
+    // Counted (every statement checked against a budget) and not.
+    for (int64_t limite : {int64_t{0}, int64_t{5000}}) {
+      std::string com = RodaParaComparar(fonte, false, limite, true), sem = RodaParaComparar(fonte, true, limite, true);
+      ASSERT_EQ(com, sem) << "program " << semente << ", limit " << limite << ":\n" << Utf8(fonte);
+    }
+  }
+}
+
 }  // namespace
 }  // namespace zv
