@@ -568,6 +568,14 @@ inline bool Interpretador::CorreAtalho(PlanoLinha& pl, CondicoesFalsas& falsas, 
     }
     case Atalho::Tipo::Chamada:
       return ChamadaRapida(pl);
+    case Atalho::Tipo::Salto:
+      desvia = true;
+      return true;
+    case Atalho::Tipo::FimSe:
+      falsas[static_cast<size_t>(a.profundidadeIf)] = false;
+      return true;
+    case Atalho::Tipo::Nada:
+      return true;
   }
   return false;
 }

@@ -658,6 +658,19 @@ void Interpretador::PreparaAtalho(PlanoLinha& pl) {
       }
       break;
     }
+    case T::Loop:
+    case T::Salto:
+      a.tipo = Atalho::Tipo::Salto;
+      break;
+    case T::Nulo:
+      a.tipo = Atalho::Tipo::Nada;
+      break;
+    case T::EndIf:
+      if (pl.profundidade >= 0 && pl.profundidade <= 20) {
+        a.profundidadeIf = static_cast<int8_t>(pl.profundidade);
+        a.tipo = Atalho::Tipo::FimSe;
+      }
+      break;
     case T::Chamada:
       pl.argumentosInteiros.clear();
       if (!alvo || pl.direto) break;
@@ -982,12 +995,18 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
   // destination is that statement's as long as the variables stand.
   const bool unicos = !corpo && planos_ && planos_->numerosUnicos && planos_->dados == texto.data();
   // Where the walk stands, kept here and handed back on the way out.
+  // A plan stands where its statement stands: the place is the plan's own.
   int32_t numero = numeroSaida;
-  size_t pos = posSaida, fim = fimSaida;
   auto sai = [&](Seguimento s) {
     numeroSaida = numero;
-    posSaida = pos;
-    fimSaida = fim;
+    posSaida = pl->pos;
+    fimSaida = pl->fim;
+    return s;
+  };
+  auto saiEm = [&](Seguimento s, const Destino& d) {
+    numeroSaida = d.numero;
+    posSaida = d.pos;
+    fimSaida = d.fim;
     return s;
   };
   // A text with a front still to drop (see Variaveis::Caidos) is made whole
@@ -1078,20 +1097,20 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
       ExecutaPlanoGeral(*pl);
     }
     const Destino& d = desvia ? pl->desvio : pl->seguinte;
-    numero = d.numero;
-    pos = d.pos;
-    fim = d.fim;
     // Only a plan of a kind of its own is kept there, and only at a place
     // in the text (never at its end).
     PlanoLinha* q = d.plano;
     if (q && q->geracao == variaveis.geracao && (unicos || (q->pos == d.pos && q->fim == d.fim))) [[likely]] {
       pl = q;
     } else {
-      if (d.pos == NPOS) return sai(Seguimento::Fim);
-      pl = corpo ? corpo->Linha(d.numero, d.pos, d.fim, variaveis.geracao) : PlanoDe(texto, d.numero, d.pos, d.fim);
-      if (!pl || pl->tipo == T::Generico) return sai(Seguimento::Proximo);
-      d.plano = pl;
+      if (d.pos == NPOS) return saiEm(Seguimento::Fim, d);
+      PlanoLinha* p =
+          corpo ? corpo->Linha(d.numero, d.pos, d.fim, variaveis.geracao) : PlanoDe(texto, d.numero, d.pos, d.fim);
+      if (!p || p->tipo == T::Generico) return saiEm(Seguimento::Proximo, d);
+      d.plano = p;
+      pl = p;
     }
+    numero = d.numero;
     // What the walk checks before every statement.
     if (!ProximaInstrucao()) [[unlikely]] return sai(Seguimento::Fim);
   }

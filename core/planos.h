@@ -107,9 +107,11 @@ bool ValorInteiroDe(const PlanoValor& p, ValorInteiro& v);
 // checked once, when it is made: what is left to check at each run is the
 // values themselves. Nenhum where those ways wouldn't take the statement.
 // Chamada: a whole-number variable given a call of a Function of one
-// Return (ChamadaRapida), every argument a whole-number variable.
+// Return (ChamadaRapida), every argument a whole-number variable. Salto,
+// FimSe, Nada: a Loop or GoTo, an EndIf (of depth profundidadeIf), a
+// statement that does nothing.
 struct Atalho {
-  enum class Tipo : uint8_t { Nenhum, Incremento, Atribuicao, Soma, Condicao, Chamada };
+  enum class Tipo : uint8_t { Nenhum, Incremento, Atribuicao, Soma, Condicao, Chamada, Salto, FimSe, Nada };
   Tipo tipo = Tipo::Nenhum;
   bool mais = true;
   // Condicao: the outcomes the relation takes for true, by bit: 1 less,
