@@ -483,19 +483,18 @@ inline bool Interpretador::JulgaInteiros(const PlanoCondicao& c, Veredito& v) {
 }
 
 inline bool Interpretador::LeOperandoEm(const int32_t* x, const OperandoInteiro& o, int64_t& v) {
-  if (o.modo == OperandoInteiro::Modo::Constante) {
-    v = o.constante;
-    return true;
-  }
-  if (o.modo == OperandoInteiro::Modo::Escalar) {
+  if (o.modo == OperandoInteiro::Modo::Escalar) [[likely]] {
     v = x[o.posicao];
-  } else {
+  } else if (o.modo == OperandoInteiro::Modo::Elemento) {
     // An index below 0 is past the end too, read unsigned.
     auto i = static_cast<uint32_t>(x[o.posIndice]);
     if (i >= static_cast<uint32_t>(o.tamanho)) return false;
     v = x[static_cast<size_t>(o.posicao) + i];
+  } else {
+    v = o.constante;
+    return true;
   }
-  return !o.naoNegativo || v >= 0;
+  return v >= o.minimo;
 }
 
 inline bool Interpretador::LeValorInteiroEm(const int32_t* x, const ValorInteiro& c, int64_t& r) {
@@ -558,9 +557,20 @@ inline bool Interpretador::CorreAtalho(PlanoLinha& pl, CondicoesFalsas& falsas, 
       if (r >= INT32_MIN && r <= INT32_MAX) *x = static_cast<int32_t>(r);
       return true;
     }
+    case Atalho::Tipo::Copia: {
+      // A whole-number variable's value always fits another.
+      int32_t* x = LugarInteiro(a.alvo);
+      if (!x || !LeOperando(a.valor.a, w)) return false;
+      *x = static_cast<int32_t>(w);
+      forcaTexto = false;
+      return true;
+    }
+    case Atalho::Tipo::Compara:
     case Atalho::Tipo::Condicao: {
       int64_t d;
-      if (!LeValorInteiro(a.valor, w) || !LeValorInteiro(a.direita, d)) return false;
+      bool lidos = a.tipo == Atalho::Tipo::Compara ? LeOperando(a.valor.a, w) && LeOperando(a.direita.a, d)
+                                                   : LeValorInteiro(a.valor, w) && LeValorInteiro(a.direita, d);
+      if (!lidos) return false;
       bool v = (a.aceita >> ((w >= d) + (w > d))) & 1;
       desvia = !v;
       if (a.profundidadeIf >= 0) falsas[static_cast<size_t>(a.profundidadeIf)] = !v && a.falsoVaiAoElse;

@@ -591,7 +591,7 @@ bool OperandoDe(const RefVariavel& r, bool naoNegativo, OperandoInteiro& o) {
   } else {
     return false;
   }
-  o.naoNegativo = naoNegativo;
+  o.minimo = naoNegativo ? 0 : INT64_MIN;
   return true;
 }
 
@@ -638,7 +638,8 @@ void Interpretador::PreparaAtalho(PlanoLinha& pl) {
       if (alvo && pl.partes.size() == 1 &&
           (pl.partes[0].tipo == PlanoValor::Tipo::Variavel || pl.partes[0].inteiro) &&
           ValorInteiroDe(pl.partes[0], a.valor))
-        a.tipo = Atalho::Tipo::Atribuicao;
+        a.tipo = a.valor.operador == 0 && a.valor.a.modo != OperandoInteiro::Modo::Constante ? Atalho::Tipo::Copia
+                                                                                            : Atalho::Tipo::Atribuicao;
       break;
     case T::Composto:
       if (alvo && ValorInteiroDe(pl.valor, a.valor)) a.tipo = Atalho::Tipo::Soma;
@@ -654,7 +655,7 @@ void Interpretador::PreparaAtalho(PlanoLinha& pl) {
           a.profundidadeIf = static_cast<int8_t>(pl.profundidade);
           a.falsoVaiAoElse = pl.numeroElse >= 0;
         }
-        a.tipo = Atalho::Tipo::Condicao;
+        a.tipo = a.valor.operador == 0 && a.direita.operador == 0 ? Atalho::Tipo::Compara : Atalho::Tipo::Condicao;
       }
       break;
     }

@@ -84,7 +84,9 @@ struct ChamadaTexto {
 struct OperandoInteiro {
   enum class Modo : uint8_t { Constante, Escalar, Elemento };
   Modo modo = Modo::Constante;
-  bool naoNegativo = false;  // a calculation's hole: a value below 0 reads through its text
+  // The least value read this way: 0 for a calculation's hole (a value
+  // below 0 reads through its text), else any.
+  int64_t minimo = INT64_MIN;
   int32_t posicao = 0;       // Escalar: the value; Elemento: the array's first element
   int32_t posIndice = 0, tamanho = 0;  // Elemento
   int64_t constante = 0;
@@ -111,7 +113,11 @@ bool ValorInteiroDe(const PlanoValor& p, ValorInteiro& v);
 // FimSe, Nada: a Loop or GoTo, an EndIf (of depth profundidadeIf), a
 // statement that does nothing.
 struct Atalho {
-  enum class Tipo : uint8_t { Nenhum, Incremento, Atribuicao, Soma, Condicao, Chamada, Salto, FimSe, Nada };
+  enum class Tipo : uint8_t {
+    Nenhum, Incremento, Atribuicao, Soma, Condicao, Chamada, Salto, FimSe, Nada,
+    Copia,     // Atribuicao of one variable, which always fits
+    Compara,   // Condicao of one operand against one
+  };
   Tipo tipo = Tipo::Nenhum;
   bool mais = true;
   // Condicao: the outcomes the relation takes for true, by bit: 1 less,
