@@ -994,7 +994,8 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
   };
   // In a text whose statement numbers are all different, a plan kept at a
   // destination is that statement's as long as the variables stand.
-  const bool unicos = !corpo && planos_ && planos_->numerosUnicos && planos_->dados == texto.data();
+  // A body's markers are all different too (PlanejaCorpo).
+  const bool unicos = corpo || (planos_ && planos_->numerosUnicos && planos_->dados == texto.data());
   // Where the walk stands, kept here and handed back on the way out.
   // A plan stands where its statement stands: the place is the plan's own.
   int32_t numero = numeroSaida;
@@ -1100,15 +1101,16 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     const Destino& d = desvia ? pl->desvio : pl->seguinte;
     // Only a plan of a kind of its own is kept there, and only at a place
     // in the text (never at its end).
-    PlanoLinha* q = d.plano;
-    if (q && q->geracao == variaveis.geracao && (unicos || (q->pos == d.pos && q->fim == d.fim))) [[likely]] {
-      pl = q;
+    if (d.geracaoPlano == variaveis.geracao && (unicos || (d.plano->pos == d.pos && d.plano->fim == d.fim)))
+        [[likely]] {
+      pl = d.plano;
     } else {
       if (d.pos == NPOS) return saiEm(Seguimento::Fim, d);
       PlanoLinha* p =
           corpo ? corpo->Linha(d.numero, d.pos, d.fim, variaveis.geracao) : PlanoDe(texto, d.numero, d.pos, d.fim);
       if (!p || p->tipo == T::Generico) return saiEm(Seguimento::Proximo, d);
       d.plano = p;
+      d.geracaoPlano = variaveis.geracao;
       pl = p;
     }
     numero = d.numero;
