@@ -138,9 +138,13 @@ bool Interpretador::ChamadaRapida(PlanoLinha& pl) {
       !m->locaisDistintos || contadorChamadas < 0 || pl.argumentosInteiros.size() != m->totalParametros)
     return false;
   // No variable of the names the call would make may stand or have been looked for.
-  const size_t digitos = Digitos(contadorChamadas);
-  for (const Texto& local : m->locais)
-    if (variaveis.TalvezComDigito(m->inicialMaiuscula, pl.nomeFuncao.size() + digitos + local.size())) return false;
+  const size_t tamanho = pl.nomeFuncao.size() + Digitos(contadorChamadas);
+  if (m->nomesLivresEm != variaveis.versaoDigitos || m->nomesLivresTamanho != tamanho) {
+    for (const Texto& local : m->locais)
+      if (variaveis.TalvezComDigito(m->inicialMaiuscula, tamanho + local.size())) return false;
+    m->nomesLivresEm = variaveis.versaoDigitos;
+    m->nomesLivresTamanho = tamanho;
+  }
   int32_t argumentos[21];
   for (size_t i = 0; i < m->totalParametros; ++i) {
     int64_t a;

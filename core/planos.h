@@ -282,6 +282,10 @@ struct ModeloFuncao {
   // Plans remade for calls that found their variables elsewhere; too many,
   // and the calls walk instead.
   int64_t chamadas = 0, replanos = 0;
+  // The names a call makes, of this length before the locals' own, were
+  // found free under this Variaveis::versaoDigitos.
+  uint64_t nomesLivresEm = UINT64_MAX;
+  size_t nomesLivresTamanho = 0;
 };
 
 // The plans of the main text, by statement number, and an index of where

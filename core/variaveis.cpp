@@ -52,8 +52,10 @@ size_t Variaveis::TamanhoValores(TipoVariavel t) const {
 
 int32_t Variaveis::Acha(const Texto& chave) {
   bool lembra = registra && std::find(semRegistro.begin(), semRegistro.end(), chave) == semRegistro.end();
-  if (lembra && consultados_.insert(chave).second && !chave.empty() && TemDigito(chave))
+  if (lembra && consultados_.insert(chave).second && !chave.empty() && TemDigito(chave)) {
     ++consultadosComDigito_[Forma(chave[0], chave.size())];
+    ++versaoDigitos;
+  }
   auto it = indice_.find(chave);
   if (it == indice_.end()) return -1;
   const Local& l = it->second.first;
@@ -112,7 +114,10 @@ void Variaveis::Acrescenta(TipoVariavel t, Texto nome, int32_t inicio, int32_t t
   d.push_back(std::move(e));
   const Texto& n = d.back().nome;
   if (Consultado(n)) ++geracao;
-  if (!n.empty() && TemDigito(n)) ++guardadosComDigito_[Forma(n[0], n.size())];
+  if (!n.empty() && TemDigito(n)) {
+    ++guardadosComDigito_[Forma(n[0], n.size())];
+    ++versaoDigitos;
+  }
   if (!n.empty() && n[0] == u'"') ++nomesComAspas_;
   auto [it, novo] = indice_.try_emplace(n);
   if (novo) {
@@ -191,6 +196,7 @@ void Variaveis::MoveCaidos() {
 
 void Variaveis::Limpa() {
   ++geracao;
+  ++versaoDigitos;
   for (auto& d : dir_) d.clear();
   textos.clear();
   inteiros.clear();

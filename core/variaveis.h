@@ -44,6 +44,9 @@ class Variaveis {
   // Whether a stored name, or one looked up while lookups were remembered,
   // with a digit in it could be a name of this upper-case first character
   // and length. False means surely not.
+  // Moves on whenever TalvezComDigito may turn true for some name: a
+  // "surely not" found under one version holds while it stands.
+  uint64_t versaoDigitos = 0;
   bool TalvezComDigito(char16_t inicialMaiuscula, size_t tamanho) const {
     size_t k = Forma(inicialMaiuscula, tamanho);
     return guardadosComDigito_[k] != 0 || consultadosComDigito_[k] != 0;
