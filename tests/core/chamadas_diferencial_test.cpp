@@ -163,6 +163,12 @@ class GeradorFolhas : public GeradorProgramas {
       l.push_back("  Message \"" + f + " \", i, \" \", " + alvo);
     }
     if (Um(2)) l.push_back("  n = " + Escolhe({"n * 3 + 1", "n - 7", "k"}));
+    // A name a later call will make, declared halfway.
+    if (Um(4) == 0) {
+      l.push_back("  If i = 2");
+      l.push_back("    Var " + f + std::to_string(3 + Um(10)) + "p" + std::to_string(Um(parametros)) + " Integer");
+      l.push_back("  EndIf");
+    }
     l.push_back("  i++");
     l.push_back("Loop");
     l.push_back("Message n, \" \", k, \" \", A(1), \" \", A(2), \" \", d, \" \", t");
