@@ -130,6 +130,16 @@ const Valor& Interpretador::TerminaFolha(ModeloFuncao& m, const CorpoPlanejado& 
   return v;
 }
 
+bool Interpretador::NomesLivres(const Texto& nome, ModeloFuncao& m) {
+  const size_t tamanho = nome.size() + Digitos(contadorChamadas);
+  if (m.nomesLivresEm == variaveis.versaoDigitos && m.nomesLivresTamanho == tamanho) return true;
+  for (const Texto& local : m.locais)
+    if (variaveis.TalvezComDigito(m.inicialMaiuscula, tamanho + local.size())) return false;
+  m.nomesLivresEm = variaveis.versaoDigitos;
+  m.nomesLivresTamanho = tamanho;
+  return true;
+}
+
 bool Interpretador::ChamadaRapida(PlanoLinha& pl) {
   ModeloFuncao* m = pl.modelo;
   if (!m || !m->rapido || Vigiado()) return false;
@@ -138,13 +148,7 @@ bool Interpretador::ChamadaRapida(PlanoLinha& pl) {
       !m->locaisDistintos || contadorChamadas < 0 || pl.argumentosInteiros.size() != m->totalParametros)
     return false;
   // No variable of the names the call would make may stand or have been looked for.
-  const size_t tamanho = pl.nomeFuncao.size() + Digitos(contadorChamadas);
-  if (m->nomesLivresEm != variaveis.versaoDigitos || m->nomesLivresTamanho != tamanho) {
-    for (const Texto& local : m->locais)
-      if (variaveis.TalvezComDigito(m->inicialMaiuscula, tamanho + local.size())) return false;
-    m->nomesLivresEm = variaveis.versaoDigitos;
-    m->nomesLivresTamanho = tamanho;
-  }
+  if (!NomesLivres(pl.nomeFuncao, *m)) return false;
   int32_t argumentos[21];
   for (size_t i = 0; i < m->totalParametros; ++i) {
     int64_t a;
@@ -227,7 +231,6 @@ bool Interpretador::ChamadaSemNomes(const Texto& nome, ModeloFuncao& m, const Pl
   if (!cp || cp->geracao != variaveis.geracao || plano.geracao != variaveis.geracao || !m.locaisDistintos ||
       contadorChamadas < 0)
     return false;
-  const size_t digitos = Digitos(contadorChamadas);
   const size_t n = m.locais.size();
   // Each variable goes where Cria would put it, and none of that name can
   // stand already or have been looked for.
@@ -236,8 +239,8 @@ bool Interpretador::ChamadaSemNomes(const Texto& nome, ModeloFuncao& m, const Pl
     TipoVariavel t = m.tiposLocais[i];
     auto vaga = std::make_pair(t, static_cast<int32_t>(tamanhos[static_cast<int>(t)]++));
     if (cp->vagas[i] != vaga) return false;
-    if (variaveis.TalvezComDigito(m.inicialMaiuscula, nome.size() + digitos + m.locais[i].size())) return false;
   }
+  if (!NomesLivres(nome, m)) return false;
   // The arguments, when reading them is all that their values take.
   double numeros[21];
   Valor::Tipo tipos[21];

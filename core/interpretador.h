@@ -284,6 +284,9 @@ class Interpretador : public SinaisDeParada {
   // The same for a planned "x = F(a, b)" (Atalho::Tipo::Chamada), all of it.
   bool ChamadaRapida(PlanoLinha& pl);
   bool FolhaPodeCorrer() const;
+  // No variable of the names a call of `m` would make now stands or has
+  // been looked for (remembered until a name with a digit comes).
+  bool NomesLivres(const Texto& nome, ModeloFuncao& m);
   // The call's end as the body's walk leaves it; the value returned.
   const Valor& TerminaFolha(ModeloFuncao& m, const CorpoPlanejado& cp, int64_t w);
   void ExecutaChamada(PlanoLinha& pl);
