@@ -992,12 +992,12 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     explicit EmUso(PlanoLinha* x) : p(x) { ++p->emUso; }
     ~EmUso() { --p->emUso; }
   };
-  // In a text whose statement numbers are all different, a plan kept at a
-  // destination is that statement's as long as the variables stand.
-  // A body's markers are all different too (PlanejaCorpo).
+  // In a text whose statement numbers are all different (a body's always
+  // are, see PlanejaCorpo), a plan kept at a destination is that
+  // statement's as long as the variables stand.
   const bool unicos = corpo || (planos_ && planos_->numerosUnicos && planos_->dados == texto.data());
-  // Where the walk stands, kept here and handed back on the way out.
-  // A plan stands where its statement stands: the place is the plan's own.
+  // Where the walk stands, handed back on the way out: the statement's
+  // number, and the place of its plan, which is the statement's own.
   int32_t numero = numeroSaida;
   auto sai = [&](Seguimento s) {
     numeroSaida = numero;
@@ -1020,76 +1020,79 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     linhaAtual = pl->linha;
     bool desvia = false;
     bool feito = true;  // false: a fast way gave the statement up
-    if (!CorreAtalho(*pl, falsas, desvia)) switch (pl->tipo) {
-      case T::Generico:
-        return sai(Seguimento::Generico);
-      case T::Incremento:
-        feito = IncrementoRapido(*pl);
-        break;
-      case T::Composto:
-        feito = SomaInteira(*pl) || CompostoRapido(*pl);
-        break;
-      case T::Atribuicao:
-        feito = AtribuicaoInteira(*pl) || AtribuicaoRapida(*pl);
-        break;
-      case T::SubStr:
-        if (!SubStrRapido(*pl)) return sai(Seguimento::Generico);
-        break;
-      case T::Juncao: {
-        variaveis.Assenta();
-        EmUso u(pl);
-        if (!JuncaoRapida(*pl)) return sai(Seguimento::Generico);
-        break;
-      }
-      case T::JoinStr:
-        variaveis.Assenta();
-        if (!JoinStrRapido(*pl)) return sai(Seguimento::Generico);
-        break;
-      case T::RepStr:
-        variaveis.Assenta();
-        if (!RepStrRapido(*pl)) return sai(Seguimento::Generico);
-        break;
-      case T::While:
-      case T::If: {
-        Veredito v;
-        const PlanoCondicao& c = pl->condicao;
-        if (!JulgaInteiros(c, v) && !JulgaRapido(c, v)) [[unlikely]] {
-          if (corpo) return sai(Seguimento::Generico);
+    // The ways decided with the plan first; then the general fast ways.
+    if (!CorreAtalho(*pl, falsas, desvia)) {
+      switch (pl->tipo) {
+        case T::Generico:
+          return sai(Seguimento::Generico);
+        case T::Incremento:
+          feito = IncrementoRapido(*pl);
+          break;
+        case T::Composto:
+          feito = SomaInteira(*pl) || CompostoRapido(*pl);
+          break;
+        case T::Atribuicao:
+          feito = AtribuicaoInteira(*pl) || AtribuicaoRapida(*pl);
+          break;
+        case T::SubStr:
+          if (!SubStrRapido(*pl)) return sai(Seguimento::Generico);
+          break;
+        case T::Juncao: {
           variaveis.Assenta();
           EmUso u(pl);
-          v = Julga(pl->condicao, pl->geracao);
+          if (!JuncaoRapida(*pl)) return sai(Seguimento::Generico);
+          break;
         }
-        desvia = v != Veredito::Verdadeiro;
-        if (pl->tipo == T::If) falsas[pl->profundidade] = v == Veredito::Falso && pl->numeroElse >= 0;
-        break;
-      }
-      case T::Loop:
-      case T::Salto:
-        desvia = true;
-        break;
-      case T::Nulo:
-        break;
-      case T::EndIf:
-        falsas[pl->profundidade] = false;
-        break;
-      case T::Else:
-        if (!falsas[pl->profundidade]) {
-          if (pl->numeroSalto < 0) return sai(Seguimento::Generico);
+        case T::JoinStr:
+          variaveis.Assenta();
+          if (!JoinStrRapido(*pl)) return sai(Seguimento::Generico);
+          break;
+        case T::RepStr:
+          variaveis.Assenta();
+          if (!RepStrRapido(*pl)) return sai(Seguimento::Generico);
+          break;
+        case T::While:
+        case T::If: {
+          Veredito v;
+          const PlanoCondicao& c = pl->condicao;
+          if (!JulgaInteiros(c, v) && !JulgaRapido(c, v)) [[unlikely]] {
+            if (corpo) return sai(Seguimento::Generico);
+            variaveis.Assenta();
+            EmUso u(pl);
+            v = Julga(pl->condicao, pl->geracao);
+          }
+          desvia = v != Veredito::Verdadeiro;
+          if (pl->tipo == T::If) falsas[pl->profundidade] = v == Veredito::Falso && pl->numeroElse >= 0;
+          break;
+        }
+        case T::Loop:
+        case T::Salto:
           desvia = true;
+          break;
+        case T::Nulo:
+          break;
+        case T::EndIf:
           falsas[pl->profundidade] = false;
+          break;
+        case T::Else:
+          if (!falsas[pl->profundidade]) {
+            if (pl->numeroSalto < 0) return sai(Seguimento::Generico);
+            desvia = true;
+            falsas[pl->profundidade] = false;
+          }
+          break;
+        case T::Retorno:
+          variaveis.Assenta();
+          feito = RetornoRapido(*pl);
+          break;
+        case T::FimFuncao:
+          return sai(Seguimento::Fim);
+        case T::Chamada: {
+          variaveis.Assenta();
+          EmUso u(pl);
+          ExecutaChamada(*pl);
+          break;
         }
-        break;
-      case T::Retorno:
-        variaveis.Assenta();
-        feito = RetornoRapido(*pl);
-        break;
-      case T::FimFuncao:
-        return sai(Seguimento::Fim);
-      case T::Chamada: {
-        variaveis.Assenta();
-        EmUso u(pl);
-        ExecutaChamada(*pl);
-        break;
       }
     }
     if (!feito) [[unlikely]] {
