@@ -1104,8 +1104,11 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     const Destino& d = desvia ? pl->desvio : pl->seguinte;
     // Only a plan of a kind of its own is kept there, and only at a place
     // in the text (never at its end).
-    if (d.geracaoPlano == variaveis.geracao && (unicos || (d.plano->pos == d.pos && d.plano->fim == d.fim)))
-        [[likely]] {
+    // Where numbers repeat, a number's plan may be another place's now.
+    if (d.geracaoPlano == variaveis.geracao) [[likely]] {
+      pl = d.plano;
+    } else if (!unicos && d.plano && d.plano->geracao == variaveis.geracao && d.plano->pos == d.pos &&
+               d.plano->fim == d.fim) {
       pl = d.plano;
     } else {
       if (d.pos == NPOS) return saiEm(Seguimento::Fim, d);
@@ -1113,7 +1116,7 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
           corpo ? corpo->Linha(d.numero, d.pos, d.fim, variaveis.geracao) : PlanoDe(texto, d.numero, d.pos, d.fim);
       if (!p || p->tipo == T::Generico) return saiEm(Seguimento::Proximo, d);
       d.plano = p;
-      d.geracaoPlano = variaveis.geracao;
+      d.geracaoPlano = unicos ? variaveis.geracao : 0;
       pl = p;
     }
     numero = d.numero;

@@ -179,8 +179,9 @@ struct Destino {
   // The plan last found there. Plans are kept until their text goes, so it
   // is only trusted when it is still for that place and these variables.
   mutable PlanoLinha* plano = nullptr;
-  // The variables' generation `plano` was found there for (0: none): under
-  // the same generation it is still the statement's.
+  // The variables' generation `plano` was found there for, in a text whose
+  // statement numbers are all different (else 0): under the same
+  // generation it is still the statement's.
   mutable uint64_t geracaoPlano = 0;
 };
 
