@@ -168,6 +168,19 @@ TEST(ArgumentosPlanejados, ACommandWhoseNameBecomesAVariableIsNoLongerDispatched
   EXPECT_EQ(com.find("m2"), std::string::npos);
 }
 
+// A text quoting a statement marker makes that number stand twice in the
+// program: a plan kept at a destination is then checked for its place.
+TEST(ArgumentosPlanejados, AQuotedMarkerLeavesTheLoopsAsTheyRun) {
+  const char* programa =
+      "Var i Integer, j Integer, s Integer, t String\r\nt = \"&#00003 &#00005\"\r\nWhile i < 5\r\n  j = 0\r\n"
+      "  While j < i\r\n    s += j\r\n    If s > 4\r\n      s -= 3\r\n    EndIf\r\n    j++\r\n  Loop\r\n"
+      "  i++\r\nLoop\r\nMessage s, \" \", t\r\n";
+  Texto fonte(programa, programa + std::strlen(programa));
+  std::string com = Roda(fonte, false);
+  EXPECT_EQ(com, Roda(fonte, true));
+  EXPECT_NE(com.find("\"text\":\"4 &#00003 &#00005\""), std::string::npos) << com;
+}
+
 TEST(ArgumentosPlanejados, WholeNumberStatementsAtTheEdgesRunTheSameWithAndWithoutPlans) {
   // Products past 15 digits read back rounded: these two differ by 8 and
   // compare equal, as the walk compares them.
