@@ -144,7 +144,13 @@ bool Interpretador::ChamadaRapida(PlanoLinha& pl) {
   ModeloFuncao* m = pl.modelo;
   if (!m || !m->rapido || Vigiado()) return false;
   const CorpoPlanejado* cp = m->plano.get();
-  if (!cp || !cp->folha || cp->geracao != variaveis.geracao || pl.geracao != variaveis.geracao ||
+  if (cp && !cp->folha) {
+    // A body that isn't one Return (its text says so) stays so: this
+    // statement goes the general way until its plan is made again.
+    pl.atalho.tipo = Atalho::Tipo::Nenhum;
+    return false;
+  }
+  if (!cp || cp->geracao != variaveis.geracao || pl.geracao != variaveis.geracao ||
       !m->locaisDistintos || contadorChamadas < 0 || pl.argumentosInteiros.size() != m->totalParametros)
     return false;
   // No variable of the names the call would make may stand or have been looked for.
@@ -191,7 +197,7 @@ void Interpretador::ExecutaCorpo(ModeloFuncao& m, const std::vector<Texto>& gera
   }
   Nivel nivel(profundidade);
   if (!EntraCaminhada()) return;
-  CondicoesFalsas falsas{};
+  CondicoesFalsas falsas = NenhumaFalsa();
   int32_t numero;
   Seguimento s = CorreCorpo(*cp, falsas, numero);
   if (s != Seguimento::Fim) SegueCorpo(m, gerados, numero, falsas, s);
@@ -289,7 +295,7 @@ bool Interpretador::ChamadaSemNomes(const Texto& nome, ModeloFuncao& m, const Pl
   try {
     Nivel nivel(profundidade);
     if (EntraCaminhada()) {
-      CondicoesFalsas falsas{};
+      CondicoesFalsas falsas = NenhumaFalsa();
       int32_t numero;
       Seguimento s = CorreCorpo(*cp, falsas, numero);
       if (s != Seguimento::Fim) {

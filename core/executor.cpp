@@ -110,7 +110,7 @@ bool Interpretador::EntraCaminhada() {
 void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao, int32_t numeroInicial) {
   Nivel nivel(profundidade);
   if (!EntraCaminhada()) return;
-  CondicoesFalsas falsas{};  // ResultadoCondicao, of which only "FALSE" counts
+  CondicoesFalsas falsas = NenhumaFalsa();  // ResultadoCondicao, of which only "FALSE" counts
 
   int32_t numero = numeroInicial;
   if (numeroInicial == 0) {

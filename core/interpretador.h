@@ -7,6 +7,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <set>
 #include <string>
@@ -207,8 +208,17 @@ class Interpretador : public SinaisDeParada {
  private:
   friend struct Caminhada;
   void TiqueTimer();
-  // Per If depth: whether the If's condition came out "FALSE" (its Else runs).
-  using CondicoesFalsas = std::array<bool, 21>;
+  // Per If depth (0 to 20): whether the If's condition came out "FALSE"
+  // (its Else runs). Three words wide, so that a call clears it in three
+  // stores.
+  using CondicoesFalsas = std::array<bool, 24>;
+  static CondicoesFalsas NenhumaFalsa() {
+    // Three plain stores: a cleared array is a string instruction otherwise.
+    CondicoesFalsas f;
+    const uint64_t zero = 0;
+    for (size_t k = 0; k < f.size(); k += sizeof zero) std::memcpy(f.data() + k, &zero, sizeof zero);
+    return f;
+  }
   enum class Seguimento { Proximo, Generico, Fim };
   // One more walk nested while it lives.
   struct Nivel {
