@@ -91,20 +91,15 @@ Texto ComandoParaExibir(Texto l) {
 
 }  // namespace
 
-bool Interpretador::EntraCaminhada() {
-  char aqui;
-  bool semPilha = fundoPilha && &aqui < fundoPilha;
-  if (profundidade > kMaxProfundidade || semPilha) {
-    if (!abortado) {
-      Texto motivo = semPilha ? msg::Formata(msg::kPilhaEsgotada, InteiroParaTexto(profundidade))
-                              : msg::Formata(msg::kChamadasFundasDemais, InteiroParaTexto(kMaxProfundidade));
-      CaixaCritica(msg::NoLocal(LocalAtual(), motivo));
-    }
-    abortado = true;
-    return false;
+bool Interpretador::CaminhadaFundaDemais(bool semPilha) {
+  semPilha = semPilha && fundoPilha;
+  if (!abortado) {
+    Texto motivo = semPilha ? msg::Formata(msg::kPilhaEsgotada, InteiroParaTexto(profundidade))
+                            : msg::Formata(msg::kChamadasFundasDemais, InteiroParaTexto(kMaxProfundidade));
+    CaixaCritica(msg::NoLocal(LocalAtual(), motivo));
   }
-  pararPrograma = false;
-  return true;
+  abortado = true;
+  return false;
 }
 
 void Interpretador::ExecutaTexto(const Texto& texto, const Texto& textoExibicao, int32_t numeroInicial) {

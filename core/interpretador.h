@@ -227,7 +227,15 @@ class Interpretador : public SinaisDeParada {
     ~Nivel() { --n; }
   };
   // The guard every walk passes first: false when calls nest too deep.
-  bool EntraCaminhada();
+  [[gnu::always_inline]] bool EntraCaminhada() {
+    char aqui;
+    if (profundidade > kMaxProfundidade || (fundoPilha && &aqui < fundoPilha)) [[unlikely]]
+      return CaminhadaFundaDemais(&aqui < fundoPilha);
+    pararPrograma = false;
+    return true;
+  }
+  // The box of a walk nested past the limit or the stack's end; false.
+  bool CaminhadaFundaDemais(bool semPilha);
   // The walk's loop from the statement at numero/pos/fim; `contado` when that
   // statement was already counted against the limit.
   void Caminha(const Texto& texto, const Texto& textoExibicao, int32_t numero, size_t pos, size_t fim,
