@@ -55,6 +55,17 @@ std::unique_ptr<CorpoPlanejado> Interpretador::PlanejaCorpo(
     FixaDestinos(t, *pl, n);
     cp->linhas[static_cast<size_t>(n - cp->primeiro)] = std::move(pl);
   }
+  int32_t seguinte[3] = {-1, -1, -1};
+  cp->vagasSeguidas = m.tiposLocais.size() == vagas.size();
+  for (size_t i = 0; i < vagas.size() && cp->vagasSeguidas; ++i) {
+    auto t = static_cast<size_t>(vagas[i].first);
+    if (vagas[i].first != m.tiposLocais[i] || (seguinte[t] >= 0 && vagas[i].second != seguinte[t])) {
+      cp->vagasSeguidas = false;
+    } else {
+      if (seguinte[t] < 0) cp->primeiraVaga[t] = vagas[i].second;
+      seguinte[t] = vagas[i].second + 1;
+    }
+  }
   AnalisaFolha(m, *cp);
   return cp;
 }
@@ -238,14 +249,12 @@ bool Interpretador::ChamadaSemNomes(const Texto& nome, ModeloFuncao& m, const Pl
       contadorChamadas < 0)
     return false;
   const size_t n = m.locais.size();
-  // Each variable goes where Cria would put it, and none of that name can
-  // stand already or have been looked for.
-  size_t tamanhos[3] = {variaveis.textos.size(), variaveis.inteiros.size(), variaveis.decimais.size()};
-  for (size_t i = 0; i < n; ++i) {
-    TipoVariavel t = m.tiposLocais[i];
-    auto vaga = std::make_pair(t, static_cast<int32_t>(tamanhos[static_cast<int>(t)]++));
-    if (cp->vagas[i] != vaga) return false;
-  }
+  // Each variable goes where Cria would put it, at the end of its type's
+  // table, and none of that name can stand already or have been looked for.
+  const size_t tamanhos[3] = {variaveis.textos.size(), variaveis.inteiros.size(), variaveis.decimais.size()};
+  if (!cp->vagasSeguidas) return false;
+  for (size_t t = 0; t < 3; ++t)
+    if (cp->primeiraVaga[t] >= 0 && static_cast<size_t>(cp->primeiraVaga[t]) != tamanhos[t]) return false;
   if (!NomesLivres(nome, m)) return false;
   // The arguments, when reading them is all that their values take.
   double numeros[21];

@@ -247,6 +247,10 @@ struct CorpoPlanejado {
   std::vector<std::unique_ptr<PlanoLinha>> linhas;  // by statement number, from `primeiro`
   // Where each of the routine's own variables stood: type and first value.
   std::vector<std::pair<TipoVariavel, int32_t>> vagas;
+  // The same in short, when each type's variables stood one after another
+  // in their order: where each type's first stood (-1: none of that type).
+  bool vagasSeguidas = false;
+  std::array<int32_t, 3> primeiraVaga = {-1, -1, -1};
   uint64_t geracao = 0;
   // A body that is one Return of a whole-number parameter or a whole
   // calculation of them: its value is worked out from the arguments, and
