@@ -84,13 +84,14 @@ struct ChamadaTexto {
 struct OperandoInteiro {
   enum class Modo : uint8_t { Constante, Escalar, Elemento };
   Modo modo = Modo::Constante;
+  int32_t posicao = 0;       // Escalar: the value; Elemento: the array's first element
+  int32_t posIndice = 0, tamanho = 0;  // Elemento
   // The least value read this way: 0 for a calculation's hole (a value
   // below 0 reads through its text), else any.
   int64_t minimo = INT64_MIN;
-  int32_t posicao = 0;       // Escalar: the value; Elemento: the array's first element
-  int32_t posIndice = 0, tamanho = 0;  // Elemento
   int64_t constante = 0;
 };
+static_assert(sizeof(OperandoInteiro) == 32);
 
 // What InteiroDoValor reads: an operand alone (operador 0) or two and one
 // of + - * %.
@@ -198,6 +199,11 @@ struct PlanoLinha {
     RepStr       // RepStr fonte, partes: the new text, the start, the length
   };
   Tipo tipo = Tipo::Generico;
+  // What the step from plan to plan reads, together at the front.
+  int32_t editor = 0, linha = 0;
+  Atalho atalho;
+  // The next statement, and where a jump goes (a Loop: back to its While), found once.
+  Destino seguinte, desvio;
   // Generico: whether the walk found none of its words in the line (1),
   // found one (0), or hasn't looked yet (-1). A plain command line then goes
   // straight to its command.
@@ -211,7 +217,6 @@ struct PlanoLinha {
   size_t pos = NPOS, fim = 0;
   uint64_t geracao = 0;
   int emUso = 0;  // walks running it now: a remade plan mustn't pull it from under them
-  int32_t editor = 0, linha = 0;
   bool mais = true;             // ++ or +=
   RefVariavel alvo;             // Incremento, Composto, Atribuicao
   PlanoValor valor;             // Composto, Retorno
@@ -229,10 +234,7 @@ struct PlanoLinha {
   bool resultadoTexto = false, resultadoNumero = false;  // the result word is "String", "Numero"
   mutable ModeloFuncao* modelo = nullptr;  // found at the first call
   std::unique_ptr<PlanoJuncao> juncao;     // Juncao
-  Atalho atalho;
   std::vector<OperandoInteiro> argumentosInteiros;  // Atalho::Tipo::Chamada
-  // The next statement, and where a jump goes (a Loop: back to its While), found once.
-  Destino seguinte, desvio;
 };
 
 // The plans of a Function's body, made on the body as one call renamed it.
