@@ -92,9 +92,6 @@ void Interpretador::AnalisaFolha(const ModeloFuncao& m, CorpoPlanejado& cp) {
     o->posicao = static_cast<int32_t>(k - cp.vagas.begin());
   }
   cp.retorno = r;
-  cp.retornoCalculo = v.inteiro;
-  cp.editorFim = cp.linhas[1]->editor;
-  cp.linhaFim = cp.linhas[1]->linha;
   cp.folha = true;
 }
 
@@ -129,14 +126,17 @@ const Valor& Interpretador::TerminaFolha(ModeloFuncao& m, const CorpoPlanejado& 
   ++m.chamadas;
   if (contando) instrucoesExecutadas += 2;  // the Return and the EndFunction
   variaveis.Assenta();
-  // The value as RetornoRapido makes it.
+  // The value as RetornoRapido makes it: a calculation's Decimal, a
+  // parameter's Int32.
+  const bool calculo = cp.linhas[0]->valor.inteiro;
   Valor& v = valorRetorno;
-  v.tipo = cp.retornoCalculo ? Valor::Tipo::Decimal : Valor::Tipo::Int32;
+  v.tipo = calculo ? Valor::Tipo::Decimal : Valor::Tipo::Int32;
   v.s.clear();
-  v.i = cp.retornoCalculo ? 0 : static_cast<int32_t>(w);
-  v.d = cp.retornoCalculo ? static_cast<double>(w) : 0;
-  editorAtual = cp.editorFim;
-  linhaAtual = cp.linhaFim;
+  v.i = calculo ? 0 : static_cast<int32_t>(w);
+  v.d = calculo ? static_cast<double>(w) : 0;
+  // Where the body's walk ends: its EndFunction line.
+  editorAtual = cp.linhas[1]->editor;
+  linhaAtual = cp.linhas[1]->linha;
   ++contadorChamadas;
   return v;
 }

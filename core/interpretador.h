@@ -376,8 +376,6 @@ class Interpretador : public SinaisDeParada {
   const Texto* TextoRapido(const PlanoValor& p);
   bool JulgaRapido(const PlanoCondicao& c, Veredito& v);
   Veredito Julga(const PlanoCondicao& c, uint64_t geracao);
-  [[gnu::always_inline]] bool AtribuicaoInteira(PlanoLinha& pl);
-  [[gnu::always_inline]] bool SomaInteira(PlanoLinha& pl);
   [[gnu::always_inline]] bool JulgaInteiros(const PlanoCondicao& c, Veredito& v);
   [[gnu::always_inline]] bool IncrementoRapido(PlanoLinha& pl);
   // The statement's Atalho (planos.h), made once with the plan; false
@@ -455,21 +453,9 @@ inline bool Interpretador::InteiroRapido(const PlanoValor& p, int64_t& r) {
   return true;
 }
 
-// The whole-number ways of the commonest statements, tried in the step from
-// plan to plan before the general fast ways (which then needn't): each
-// gives what those give, or false with nothing changed.
-inline bool Interpretador::AtribuicaoInteira(PlanoLinha& pl) {
-  if (pl.alvo.tipo != TipoVariavel::Integer || pl.partes.size() != 1) return false;
-  const PlanoValor& p = pl.partes[0];
-  int64_t i, w;
-  if ((p.tipo != PlanoValor::Tipo::Variavel && !p.inteiro) || !IndiceRef(pl.alvo, i) || !InteiroDoValor(p, w) ||
-      w <= -kLimite32 || w >= kLimite32)
-    return false;
-  variaveis.inteiros[static_cast<size_t>(pl.alvo.inicio + i)] = static_cast<int32_t>(w);
-  forcaTexto = false;
-  return true;
-}
-
+// The whole-number ways of an increment and a comparison (the step from plan
+// to plan takes its Atalho first): each gives what the general fast ways
+// give, or false with nothing changed.
 inline bool Interpretador::IncrementoRapido(PlanoLinha& pl) {
   int64_t i;
   if (pl.alvo.tipo == TipoVariavel::String || !IndiceRef(pl.alvo, i)) return false;
@@ -481,18 +467,6 @@ inline bool Interpretador::IncrementoRapido(PlanoLinha& pl) {
   } else {
     variaveis.decimais[k] += pl.mais ? 1.0 : -1.0;
   }
-  return true;
-}
-
-inline bool Interpretador::SomaInteira(PlanoLinha& pl) {
-  int64_t i, w;
-  if (pl.alvo.tipo != TipoVariavel::Integer || !IndiceRef(pl.alvo, i) || !InteiroDoValor(pl.valor, w) ||
-      w <= -kLimite32 || w >= kLimite32)
-    return false;
-  // Past the ends the store refuses the sum.
-  int32_t& x = variaveis.inteiros[static_cast<size_t>(pl.alvo.inicio + i)];
-  int64_t r = pl.mais ? x + w : x - w;
-  if (r >= INT32_MIN && r <= INT32_MAX) x = static_cast<int32_t>(r);
   return true;
 }
 

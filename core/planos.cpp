@@ -589,7 +589,7 @@ bool OperandoDe(const RefVariavel& r, bool naoNegativo, OperandoInteiro& o) {
     o.posIndice = r.posIndice;
     o.tamanho = r.tamanho;
   } else {
-    return false;
+    return false;  // a Decimal index: the general fast ways
   }
   o.minimo = naoNegativo ? 0 : INT64_MIN;
   return true;
@@ -1020,7 +1020,8 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
     linhaAtual = pl->linha;
     bool desvia = false;
     bool feito = true;  // false: a fast way gave the statement up
-    // The ways decided with the plan first; then the general fast ways.
+    // The whole-number ways decided with the plan first; then the general
+    // fast ways.
     if (!CorreAtalho(*pl, falsas, desvia)) {
       switch (pl->tipo) {
         case T::Generico:
@@ -1029,10 +1030,10 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
           feito = IncrementoRapido(*pl);
           break;
         case T::Composto:
-          feito = SomaInteira(*pl) || CompostoRapido(*pl);
+          feito = CompostoRapido(*pl);
           break;
         case T::Atribuicao:
-          feito = AtribuicaoInteira(*pl) || AtribuicaoRapida(*pl);
+          feito = AtribuicaoRapida(*pl);
           break;
         case T::SubStr:
           if (!SubStrRapido(*pl)) return sai(Seguimento::Generico);
@@ -1055,7 +1056,7 @@ Interpretador::Seguimento Interpretador::CorrePlanos(const Texto& texto, PlanoLi
         case T::If: {
           Veredito v;
           const PlanoCondicao& c = pl->condicao;
-          if (!JulgaInteiros(c, v) && !JulgaRapido(c, v)) [[unlikely]] {
+          if (!JulgaRapido(c, v)) [[unlikely]] {
             if (corpo) return sai(Seguimento::Generico);
             variaveis.Assenta();
             EmUso u(pl);

@@ -80,7 +80,7 @@ struct ChamadaTexto {
 
 // A whole-number variable or constant a statement reads or writes, found
 // once: where the value stands in the store, or where the array starts and
-// where its index stands.
+// where its whole-number index stands.
 struct OperandoInteiro {
   enum class Modo : uint8_t { Constante, Escalar, Elemento };
   Modo modo = Modo::Constante;
@@ -105,10 +105,10 @@ struct ValorInteiro {
 // anything else.
 bool ValorInteiroDe(const PlanoValor& p, ValorInteiro& v);
 
-// The whole-number ways of Incremento, Atribuicao, Composto, While and If
-// (AtribuicaoInteira and its kin) with everything they check of the plan
-// checked once, when it is made: what is left to check at each run is the
-// values themselves. Nenhum where those ways wouldn't take the statement.
+// The whole-number ways of Incremento, Atribuicao, Composto, While and If,
+// with everything they check of the plan checked once, when it is made:
+// what is left to check at each run is the values themselves. Each gives
+// what the general fast ways give; Nenhum where it doesn't apply.
 // Chamada: a whole-number variable given a call of a Function of one
 // Return (ChamadaRapida), every argument a whole-number variable. Salto,
 // FimSe, Nada: a Loop or GoTo, an EndIf (of depth profundidadeIf), a
@@ -257,11 +257,9 @@ struct CorpoPlanejado {
   // A body that is one Return of a whole-number parameter or a whole
   // calculation of them: its value is worked out from the arguments, and
   // the variables that nothing else could see aren't made. The operands'
-  // `posicao` is the parameter's number; `retornoCalculo`: the value is a
-  // calculation's (Decimal), not a parameter's (Int32).
-  bool folha = false, retornoCalculo = false;
+  // `posicao` is the parameter's number.
+  bool folha = false;
   ValorInteiro retorno;
-  int32_t editorFim = 0, linhaFim = 0;  // of the EndFunction line
   PlanoLinha* Linha(int32_t numero, size_t pos, size_t fim, uint64_t g) const {
     size_t k = static_cast<size_t>(numero - primeiro);
     if (numero < primeiro || k >= linhas.size()) return nullptr;

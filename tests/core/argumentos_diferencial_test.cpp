@@ -97,7 +97,8 @@ TEST(ArgumentosPlanejados, GeneratedProgramsRunTheSameWithAndWithoutPlans) {
 
 // Whole-number statements at the edges of 32 bits: "a = x op y",
 // "a += x op y" and "If x op y < z" over whole variables and elements that hold 0, -1, the
-// largest and smallest values, with + - * % and /, constants whole and not,
+// largest and smallest values (by a whole or a Decimal index), with + - * %
+// and /, constants whole and not,
 // in range and past it. The plans keep such sums in whole numbers; the walk
 // goes through doubles and text, and both must leave the same.
 class GeradorInteiros : public GeradorProgramas {
@@ -106,14 +107,15 @@ class GeradorInteiros : public GeradorProgramas {
 
   Texto Programa() {
     std::vector<std::string> l = {
-        "Var a Integer, b Integer, x Integer, y Integer, i Integer, d Decimal",
-        "Var A(3) Integer",
+        "Var a Integer, b Integer, x Integer, y Integer, i Integer, d Decimal, h Decimal",
+        "Var L(3) Integer",
         "x = " + Valor(),
         "y = " + Valor(),
-        "A(1) = " + Valor(),
-        "A(2) = " + Valor(),
+        "L(1) = " + Valor(),
+        "L(2) = " + Valor(),
         "b = " + Valor(),
         "i = 0",
+        "h = " + Escolhe({"1", "1.5", "2.5", "0.6", "-0.4", "7"}),
         "While i < 4",
     };
     int total = 3 + Um(5);
@@ -121,7 +123,7 @@ class GeradorInteiros : public GeradorProgramas {
     l.push_back("  x = x + " + Escolhe({"1", "7", "-3", "1000"}));
     l.push_back("  i++");
     l.push_back("Loop");
-    l.push_back("Message a, \" \", b, \" \", x, \" \", y, \" \", A(1), \" \", d");
+    l.push_back("Message a, \" \", b, \" \", x, \" \", y, \" \", L(1), \" \", L(2), \" \", d");
     return Fonte(l);
   }
 
@@ -130,7 +132,7 @@ class GeradorInteiros : public GeradorProgramas {
     return Escolhe({"0", "1", "-1", "7", "46341", "65536", "2147483647", "-2147483647", "-2147483648", "3"});
   }
   std::string Operando() {
-    return Escolhe({"x", "y", "b", "A(1)", "A(2)", "A(i)", "A(5)", "0", "-1", "3", "2.5", "2147483647",
+    return Escolhe({"x", "y", "b", "L(1)", "L(2)", "L(i)", "L(5)", "L(h)", "0", "-1", "3", "2.5", "2147483647",
                     "2147483648", "65536", "2147483646"});
   }
   std::string Linha() {
@@ -144,13 +146,13 @@ class GeradorInteiros : public GeradorProgramas {
                "\r\n    b++\r\n  EndIf";
       }
       case 0:
-        return Escolhe({"a", "b", "A(1)", "A(i)"}) + " += " + e;
+        return Escolhe({"a", "b", "L(1)", "L(i)", "L(h)"}) + " += " + e;
       case 1:
         return Escolhe({"a", "b"}) + " -= " + e;
       case 2:
         return "d = " + e;
       default:
-        return Escolhe({"a", "b", "A(2)", "A(i)", "y"}) + " = " + e;
+        return Escolhe({"a", "b", "L(2)", "L(i)", "L(h)", "y"}) + " = " + e;
     }
   }
 };
