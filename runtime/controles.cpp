@@ -589,6 +589,20 @@ bool SistemaJanelas::MembroComum(TipoControle tipo, QWidget* w, const Texto& pro
   return true;
 }
 
+bool SistemaJanelas::MembroGrade(QWidget* w, const Texto& prop, const Texto& valor) {
+  if (prop == u".LIN")
+    w->move(w->x(), PxLinha(Num(*zv, valor)));
+  else if (prop == u".COL")
+    w->move(PxColuna(Num(*zv, valor)), w->y());
+  else if (prop == u".HEIGHT")
+    w->resize(w->width(), PxLinha(Num(*zv, valor)));
+  else if (prop == u".WIDTH")
+    w->resize(PxColuna(Num(*zv, valor)), w->height());
+  else
+    return false;
+  return true;
+}
+
 void SistemaJanelas::Membro(TipoControle tipo, int slot, const std::vector<Texto>& a) {
   TabelaControles& t = controles[static_cast<size_t>(tipo)];
   auto k = static_cast<size_t>(slot);

@@ -81,11 +81,8 @@ Valor CriaPicture(Interpretador& zv, SistemaJanelas& s, const std::vector<Texto>
 void MembroPicture(Interpretador& zv, SistemaJanelas& s, Sprite* sp, const std::vector<Texto>& a) {
   Texto prop = PalavraDoMembro(Apara(Arg(a, 0)));
   Texto valor = Arg(a, 2);
-  if (prop == u".LIN") sp->move(sp->x(), s.PxLinha(Num(zv, valor)));
-  else if (prop == u".COL") sp->move(s.PxColuna(Num(zv, valor)), sp->y());
-  else if (prop == u".HEIGHT") sp->resize(sp->width(), s.PxLinha(Num(zv, valor)));
-  else if (prop == u".WIDTH") sp->resize(s.PxColuna(Num(zv, valor)), sp->height());
-  else if (prop == u".OFF") sp->posicao = 0;
+  if (s.MembroGrade(sp, prop, valor)) return;
+  if (prop == u".OFF") sp->posicao = 0;
   else if (prop == u".POSITION") {
     Texto p = Maiusculas(TextoT(zv, valor));
     if (p == u"BACK") sp->posicao = 1;

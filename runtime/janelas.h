@@ -130,6 +130,9 @@ class SistemaJanelas : public OuvinteJanela {
   void EntregaBox(const QJsonObject& acao, int linha);
   void Membro(TipoControle tipo, int slot, const std::vector<Texto>& args);
   bool MembroComum(TipoControle tipo, QWidget* w, const Texto& prop, const Texto& primeiro, const Texto& valor);
+  // .Lin, .Col, .Height and .Width of a control that takes them all, in
+  // lines and columns of the grid; false for any other member.
+  bool MembroGrade(QWidget* w, const Texto& prop, const Texto& valor);
   bool MembroTexto(int slot, const Texto& prop, const std::vector<Texto>& args);
 
   // ---- Events ------------------------------------------------------------

@@ -145,16 +145,9 @@ void Membro(Interpretador& zv, SistemaJanelas& s, Midia* m, const std::vector<Te
   Texto primeiro = Apara(Arg(a, 0));
   Texto prop = PalavraDoMembro(primeiro);
   Texto valor = Arg(a, 2);
+  if (s.MembroGrade(m, prop, valor)) return;
   if (prop == u".FILENAME") {
     m->arquivo = Q(TextoT(zv, valor));
-  } else if (prop == u".LIN") {
-    m->move(m->x(), s.PxLinha(Num(zv, valor)));
-  } else if (prop == u".COL") {
-    m->move(s.PxColuna(Num(zv, valor)), m->y());
-  } else if (prop == u".HEIGHT") {
-    m->resize(m->width(), s.PxLinha(Num(zv, valor)));
-  } else if (prop == u".WIDTH") {
-    m->resize(s.PxColuna(Num(zv, valor)), m->height());
   } else if (prop == u".PLAY") {
     Toca(zv, m);
     m->timer.start();
